@@ -1,0 +1,46 @@
+#pragma once
+
+#include "com/ComObjectBase.h"
+#include "core/RawImage.h"
+
+#include <wincodec.h>
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+/// One decoded frame as WIC sees it. Nothing changes after construction, so any thread may ask.
+class WicFrame final : public ComObjectBase<IWICBitmapFrameDecode>
+{
+public:
+    /// Takes over the holder and copies its reader's display picture. Without a reader or a picture the
+    /// frame is empty. Throws when memory is exhausted.
+    explicit WicFrame(std::unique_ptr<Tav::Imaging::RawImage::RawImage> holder);
+
+    /// The reader that the frame was made from, or null.
+    [[nodiscard]] const Tav::Imaging::RawImage::RawImageBase* Reader() const noexcept;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** ppv) override;
+
+    HRESULT STDMETHODCALLTYPE GetSize(UINT* widthOut, UINT* heightOut) override;
+    HRESULT STDMETHODCALLTYPE GetPixelFormat(WICPixelFormatGUID* formatOut) override;
+    HRESULT STDMETHODCALLTYPE GetResolution(double* dpiX, double* dpiY) override;
+    HRESULT STDMETHODCALLTYPE CopyPalette(IWICPalette* palette) override;
+    HRESULT STDMETHODCALLTYPE CopyPixels(const WICRect* rect, UINT stride, UINT bufferSize,
+                                         BYTE* buffer) override;
+
+    HRESULT STDMETHODCALLTYPE GetMetadataQueryReader(IWICMetadataQueryReader** reader) override;
+    HRESULT STDMETHODCALLTYPE GetColorContexts(UINT count, IWICColorContext** contexts,
+                                               UINT* actualCount) override;
+    HRESULT STDMETHODCALLTYPE GetThumbnail(IWICBitmapSource** thumbnail) override;
+
+private:
+    [[nodiscard]] uint32_t BytesPerPicturePixel() const noexcept;
+
+    std::unique_ptr<Tav::Imaging::RawImage::RawImage> image;
+    std::vector<uint8_t> pixels;
+    uint32_t width = 0;
+    uint32_t height = 0;
+    /// UInt8 for a gray picture, RGB24 for a colour picture.
+    Tav::Imaging::RawImage::PixelType format = Tav::Imaging::RawImage::PixelType::UInt8;
+};

@@ -1,0 +1,155 @@
+#include "core/DynamicRangeCalculator.h"
+
+#include "core/Diagnostics.h"
+
+#include <vector>
+
+namespace Tav::Imaging::RawImage {
+
+namespace {
+
+constexpr uint32_t widestDisplayRange = 65535;
+
+constexpr uint32_t coarseBinShift = 14;
+constexpr uint32_t coarseBinWidth = 1u << coarseBinShift;
+
+/// Counts each sample's distance from `base` that is below `bins`. Neighbouring samples are often equal:
+/// counting in turns in several tables spares the wait for the last count to be stored.
+std::vector<uint32_t> CountSamples(const std::vector<uint32_t>& samples, uint32_t base, uint32_t bins)
+{
+    constexpr size_t tables = 4;
+    // One bin more takes what lies outside, so that no sample needs a branch.
+    const size_t tableSize = size_t{bins} + 1;
+    std::vector<uint32_t> counts(tables * tableSize);
+    const auto count = [&](size_t table, uint32_t sample) {
+        const uint32_t distance = sample - base;
+        ++counts[table * tableSize + (distance < bins ? distance : bins)];
+    };
+
+    const size_t whole = samples.size() / tables * tables;
+    for (size_t i = 0; i < whole; i += tables)
+    {
+        for (size_t table = 0; table < tables; ++table)
+            count(table, samples[i + table]);
+    }
+    for (size_t i = whole; i < samples.size(); ++i)
+        count(0, samples[i]);
+
+    for (size_t table = 1; table < tables; ++table)
+    {
+        for (size_t bin = 0; bin < bins; ++bin)
+            counts[bin] += counts[table * tableSize + bin];
+    }
+    counts.resize(bins);
+    return counts;
+}
+
+std::vector<double> SharesOf(const std::vector<uint32_t>& counts, double total)
+{
+    std::vector<double> shares;
+    shares.reserve(counts.size());
+    for (const uint32_t count : counts)
+        shares.push_back(count / total);
+    return shares;
+}
+
+/// The bin at which the sum from the top first exceeds the threshold; 0, which is never added, when none.
+size_t CrossingFromTop(const std::vector<double>& shares, double threshold)
+{
+    double sum = 0;
+    for (size_t bin = shares.size(); bin-- > 1;)
+    {
+        sum += shares[bin];
+        if (sum > threshold)
+            return bin;
+    }
+    return 0;
+}
+
+/// The bin at which the sum from the bottom first exceeds the threshold; the number of bins when none.
+size_t CrossingFromBottom(const std::vector<double>& shares, double threshold)
+{
+    double sum = 0;
+    for (size_t bin = 0; bin < shares.size(); ++bin)
+    {
+        sum += shares[bin];
+        if (sum > threshold)
+            return bin;
+    }
+    return shares.size();
+}
+
+/// Visiting every sample of a large frame would not change a bin 16384 values wide.
+size_t CoarseStep(size_t sampleCount) noexcept
+{
+    if (sampleCount >= 0x1000000)
+        return 16;
+    return sampleCount >= 0x400000 ? 4 : 1;
+}
+
+} // namespace
+
+void DynamicRangeCalculator::ComputeRange(const Image<unsigned int>& image)
+{
+    if (image.maximum - image.minimum > widestExactRange)
+        ComputeCoarseRange(image);
+    else
+        ComputeExactRange(image);
+}
+
+void DynamicRangeCalculator::ComputeExactRange(const Image<unsigned int>& image)
+{
+    const uint32_t base = low;
+    const std::vector<double> shares = SharesOf(CountSamples(image.samples, base, high - low + 1),
+                                                static_cast<double>(image.samples.size()));
+
+    for (const double threshold : {0.999, 0.99, 0.95, 0.9})
+    {
+        // The dark end lands one value below its bin, the bright end on its bin.
+        if (const size_t bin = CrossingFromTop(shares, threshold); bin > 0)
+            low = base + static_cast<uint32_t>(bin) - 1;
+        if (const size_t bin = CrossingFromBottom(shares, threshold); bin < shares.size())
+            high = base + static_cast<uint32_t>(bin);
+        if (high - low <= widestDisplayRange)
+            break;
+    }
+
+    const bool isEmpty = high == low;
+    // A high end below the low end counts as too wide.
+    const bool isTooWide = high - low > widestDisplayRange;
+    if (isEmpty)
+        WriteDiagnostic(L"The found dynamic range is zero");
+    else if (isTooWide)
+        WriteDiagnostic(L"The found dynamic range is larger than 64k");
+    if (isEmpty || isTooWide)
+    {
+        low = image.minimum;
+        high = image.maximum;
+    }
+}
+
+void DynamicRangeCalculator::ComputeCoarseRange(const Image<unsigned int>& image)
+{
+    constexpr double threshold = 0.98;
+    const uint32_t base = image.minimum;
+    const size_t step = CoarseStep(image.samples.size());
+
+    // As many bins as any distance can have, so that no sample needs a bounds check.
+    std::vector<uint32_t> counts(size_t{1} << (32 - coarseBinShift));
+    for (size_t i = 0; i < image.samples.size(); i += step)
+        ++counts[(image.samples[i] - base) >> coarseBinShift];
+    counts.resize(((image.maximum - base) >> coarseBinShift) + 1);
+
+    const std::vector<double> shares = SharesOf(counts, static_cast<double>(image.samples.size() / step));
+    if (const size_t bin = CrossingFromTop(shares, threshold); bin > 0)
+        low = base + static_cast<uint32_t>(bin) * coarseBinWidth;
+    if (const size_t bin = CrossingFromBottom(shares, threshold); bin < shares.size())
+        high = base + static_cast<uint32_t>(bin) * coarseBinWidth + (coarseBinWidth - 1);
+
+    if (high - low <= widestExactRange)
+        ComputeExactRange(image);
+    else
+        WriteDiagnostic(L"The dynamic range is too high for calculating the exact histogram");
+}
+
+} // namespace Tav::Imaging::RawImage

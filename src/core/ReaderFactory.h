@@ -1,0 +1,14 @@
+#pragma once
+
+#include "core/Identification.h"
+#include "core/RawImageBase.h"
+
+#include <memory>
+
+namespace Tav::Imaging::RawImage {
+
+/// A new reader for the format; null when no reader exists for it. The formats provide the definition, so
+/// that the core need not know them.
+[[nodiscard]] std::unique_ptr<RawImageBase> MakeReader(Identity identity);
+
+} // namespace Tav::Imaging::RawImage

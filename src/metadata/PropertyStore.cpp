@@ -1,0 +1,146 @@
+#include "metadata/PropertyStore.h"
+
+#include "com/ModuleCounters.h"
+#include "core/Diagnostics.h"
+#include "core/RawImage.h"
+#include "platform/ComPtr.h"
+
+#include <shlwapi.h>
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+
+using namespace Tav::Imaging::RawImage;
+
+namespace {
+
+struct ShownProperty
+{
+    PROPERTYKEY key;
+    MetadataProperty property;
+};
+
+constexpr GUID imageSummary = {0x6444048F, 0x4C8B, 0x11D1, {0x8B, 0x70, 0x08, 0x00, 0x36, 0xB1, 0x1A, 0x03}};
+constexpr GUID mediaSummary = {0x64440492, 0x4C8B, 0x11D1, {0x8B, 0x70, 0x08, 0x00, 0x36, 0xB1, 0x1A, 0x03}};
+constexpr GUID documentSummary = {0xF29F85E0, 0x4FF9, 0x1068, {0xAB, 0x91, 0x08, 0x00, 0x2B, 0x27, 0xB3, 0xD9}};
+
+constexpr std::array<ShownProperty, 8> shownProperties = {{
+    {{imageSummary, 3}, MetadataProperty::Width},           // System.Image.HorizontalSize
+    {{imageSummary, 4}, MetadataProperty::Height},          // System.Image.VerticalSize
+    {{imageSummary, 13}, MetadataProperty::Dimensions},     // System.Image.Dimensions
+    {{imageSummary, 12}, MetadataProperty::FrameCount},     // System.Media.FrameCount
+    {{mediaSummary, 37}, MetadataProperty::PixelFormat},    // media summary property 37
+    {{mediaSummary, 27}, MetadataProperty::Software},       // System.Media.CreatorApplication
+    {{imageSummary, 7}, MetadataProperty::BitDepth},        // System.Image.BitDepth
+    {{documentSummary, 6}, MetadataProperty::FormatDetails}, // System.Comment
+}};
+
+/// Files of this family begin with a colour thumbnail; the image itself comes second.
+bool BeginsWithThumbnail(const RawImageBase& reader)
+{
+    return (reader.fileType == FileType::Dm3 || reader.fileType == FileType::Dm4) && reader.frameCount >= 2 &&
+           reader.pixelType == PixelType::RGBA32;
+}
+
+} // namespace
+
+PropertyStore::PropertyStore() noexcept
+{
+    ++objectCount;
+}
+
+PropertyStore::~PropertyStore()
+{
+    --objectCount;
+}
+
+HRESULT PropertyStore::QueryInterface(REFIID riid, void** ppv)
+{
+    static const QITAB interfaces[] = {
+        {&IID_IInitializeWithStream, OFFSETOFCLASS(IInitializeWithStream, PropertyStore)},
+        {&IID_IPropertyStore, OFFSETOFCLASS(IPropertyStore, PropertyStore)},
+        {&IID_IPropertyStoreCapabilities, OFFSETOFCLASS(IPropertyStoreCapabilities, PropertyStore)},
+        {nullptr, 0},
+    };
+    return QISearch(this, interfaces, riid, ppv);
+}
+
+ULONG PropertyStore::AddRef()
+{
+    return ++refCount;
+}
+
+ULONG PropertyStore::Release()
+{
+    const uint32_t remaining = --refCount;
+    if (remaining == 0)
+        delete this;
+    return remaining;
+}
+
+HRESULT PropertyStore::Initialize(IStream* stream, DWORD)
+try
+{
+    if (!stream)
+        return E_INVALIDARG;
+    const ComPtr<IStream> held = ComPtr<IStream>::Share(stream);
+    RawImage image;
+    if (!image.Open(stream, readModeHeader, 0))
+        return E_FAIL;
+    if (BeginsWithThumbnail(*image.Reader()) && !image.Open(stream, readModeHeader, 1))
+        return E_FAIL;
+    metadata.FillFromImage(image);
+    return S_OK;
+}
+catch (...)
+{
+    WriteDiagnostic(L"Exception in PropertyStore::Initialize( IStream *pStream, DWORD grfMode )");
+    return E_FAIL;
+}
+
+HRESULT PropertyStore::GetCount(DWORD* count)
+{
+    if (!count)
+        return E_POINTER;
+    *count = static_cast<DWORD>(shownProperties.size());
+    return S_OK;
+}
+
+HRESULT PropertyStore::GetAt(DWORD index, PROPERTYKEY* key)
+{
+    if (!key)
+        return E_POINTER;
+    if (index >= shownProperties.size())
+        return E_INVALIDARG;
+    *key = shownProperties[index].key;
+    return S_OK;
+}
+
+HRESULT PropertyStore::GetValue(REFPROPERTYKEY key, PROPVARIANT* value)
+{
+    if (!value)
+        return E_POINTER;
+    const auto* const shown =
+        std::find_if(std::begin(shownProperties), std::end(shownProperties), [&key](const ShownProperty& entry) {
+            return entry.key.fmtid == key.fmtid && entry.key.pid == key.pid;
+        });
+    if (shown == std::end(shownProperties))
+        return E_INVALIDARG;
+    return metadata.Get(shown->property, *value) ? S_OK : E_INVALIDARG;
+}
+
+HRESULT PropertyStore::SetValue(REFPROPERTYKEY, REFPROPVARIANT)
+{
+    return STG_E_ACCESSDENIED;
+}
+
+HRESULT PropertyStore::Commit()
+{
+    return STG_E_ACCESSDENIED;
+}
+
+HRESULT PropertyStore::IsPropertyWritable(REFPROPERTYKEY)
+{
+    return S_FALSE;
+}
