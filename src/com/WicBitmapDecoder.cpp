@@ -62,9 +62,11 @@ HRESULT WicBitmapDecoder::GetDecoderInfo(IWICBitmapDecoderInfo** info)
     if (const HRESULT result = ShareFactory(shared); FAILED(result))
         return result;
     ComPtr<IWICComponentInfo> component;
-    if (const HRESULT result = shared->CreateComponentInfo(CLSID_LumoraDecoder, component.Put()); FAILED(result))
+    if (const HRESULT result = shared->CreateComponentInfo(CLSID_LumoraDecoder, component.Put());
+        FAILED(result))
         return result;
-    const HRESULT result = component->QueryInterface(IID_IWICBitmapDecoderInfo, reinterpret_cast<void**>(info));
+    const HRESULT result =
+        component->QueryInterface(IID_IWICBitmapDecoderInfo, reinterpret_cast<void**>(info));
     return SUCCEEDED(result) ? S_OK : result;
 }
 

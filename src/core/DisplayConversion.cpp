@@ -65,8 +65,7 @@ class FrameConverter
 public:
     FrameConverter(const RawImageBase& image, Bytes& frame, Bytes& picture)
         : image(image), frame(frame), picture(picture), pixelCount(size_t{image.width} * image.height)
-    {
-    }
+    {}
 
     void ConvertUInt4()
     {
@@ -106,8 +105,8 @@ public:
 
     void ConvertInt8()
     {
-        const size_t zeroBytes = static_cast<size_t>(std::count(
-            frame.begin(), frame.begin() + static_cast<std::ptrdiff_t>(pixelCount), uint8_t{0}));
+        const size_t zeroBytes = static_cast<size_t>(
+            std::count(frame.begin(), frame.begin() + static_cast<std::ptrdiff_t>(pixelCount), uint8_t{0}));
         picture.resize(pixelCount);
         CopyRows(frame, picture, image.width, image.height, image.flipVertical);
         ShiftBytes();
@@ -289,7 +288,8 @@ bool RawImageBase::ConvertToDisplay(IStream* stream, uint64_t streamSize, uint64
         if (isBigEndian)
             converter.ConvertUnsigned<2>([](const uint8_t* bytes) { return LoadBigEndian16(bytes); });
         else
-            converter.ConvertUnsigned<2>([](const uint8_t* bytes) { return LoadLittleEndian<uint16_t>(bytes); });
+            converter.ConvertUnsigned<2>(
+                [](const uint8_t* bytes) { return LoadLittleEndian<uint16_t>(bytes); });
         return true;
     case PixelType::Int16:
         if (isBigEndian)

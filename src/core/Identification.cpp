@@ -71,9 +71,16 @@ Identity IdentifyByMagic(Header b) noexcept
         return HasText(b, 0, "TAV RawImage\0"sv) ? Identity::Raw : Identity::Unknown;
     case 'I':
         return IdentifySerOrTiff(b);
-    case 1: case 2: case 3: case 4: case 5: case 6: case 7: case 8:
+    case 1:
+    case 2:
+    case 3:
+    case 4:
+    case 5:
+    case 6:
+    case 7:
+    case 8:
         return b[1] == 0 && b[4] == 0 && b[5] == 0 && b[8] == 0 && b[9] == 0 ? Identity::Bin
-                                                                              : Identity::Unknown;
+                                                                             : Identity::Unknown;
     case 'B':
         return b[1] == 'M' ? Identity::Bitmap : Identity::Unknown;
     case 0xFF:

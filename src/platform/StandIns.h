@@ -103,8 +103,7 @@ constexpr VARTYPE VT_LPWSTR = 31;
 struct PROPVARIANT
 {
     VARTYPE vt;
-    union
-    {
+    union {
         ULONG ulVal;
         LPWSTR pwszVal;
     };

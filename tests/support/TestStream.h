@@ -36,8 +36,7 @@ class TestStream : public IStream
 public:
     explicit TestStream(std::vector<uint8_t> content, StreamFaults streamFaults = {})
         : bytes(std::move(content)), faults(streamFaults)
-    {
-    }
+    {}
     TestStream(const TestStream&) = delete;
     TestStream& operator=(const TestStream&) = delete;
 
@@ -74,7 +73,9 @@ public:
     {
         if (++seekCalls == faults.failSeekAt)
             return STG_E_INVALIDFUNCTION;
-        const uint64_t base = origin == STREAM_SEEK_SET ? 0 : origin == STREAM_SEEK_CUR ? position : bytes.size();
+        const uint64_t base = origin == STREAM_SEEK_SET   ? 0
+                              : origin == STREAM_SEEK_CUR ? position
+                                                          : bytes.size();
         position = base + static_cast<uint64_t>(move.QuadPart);
         if (newPosition)
             newPosition->QuadPart = position;
@@ -94,17 +95,38 @@ public:
 
     // The rest of the Windows interface, which nobody here calls.
 #ifdef _WIN32
-    HRESULT STDMETHODCALLTYPE Write(const void*, ULONG, ULONG*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE SetSize(ULARGE_INTEGER) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Write(const void*, ULONG, ULONG*) override
+    {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE SetSize(ULARGE_INTEGER) override
+    {
+        return E_NOTIMPL;
+    }
     HRESULT STDMETHODCALLTYPE CopyTo(IStream*, ULARGE_INTEGER, ULARGE_INTEGER*, ULARGE_INTEGER*) override
     {
         return E_NOTIMPL;
     }
-    HRESULT STDMETHODCALLTYPE Commit(DWORD) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Revert() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Clone(IStream**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Commit(DWORD) override
+    {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE Revert() override
+    {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override
+    {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override
+    {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE Clone(IStream**) override
+    {
+        return E_NOTIMPL;
+    }
 #endif
 
     std::vector<uint8_t> bytes;
