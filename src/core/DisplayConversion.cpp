@@ -1,6 +1,8 @@
+#include "core/CodeFrame.h"
 #include "core/Diagnostics.h"
 #include "core/DisplayScaling.h"
 #include "core/RawImageBase.h"
+#include "core/RescaleToUInt32.h"
 #include "core/SampleDecoding.h"
 #include "core/StreamReader.h"
 
@@ -8,7 +10,10 @@
 #include <array>
 #include <bit>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
+#include <type_traits>
+#include <utility>
 
 namespace Tav::Imaging::RawImage {
 
@@ -27,37 +32,26 @@ void CopyRows(const Bytes& frame, Bytes& picture, size_t rowBytes, size_t rows, 
     }
 }
 
-/// Decodes `count` samples and tracks their extremes in `image`, which come in with the values to start
-/// from. NaN changes neither.
-template <size_t sampleBytes, typename T, typename Decode>
-void DecodeSamples(Image<T>& image, const Bytes& frame, size_t count, const Decode& decode)
+/// The frame's stored samples of `sampleBytes` each, decoded one by one.
+template <typename T, size_t sampleBytes, typename Decode>
+class StoredImage final : public Image<T>
 {
-    // Several independent extremes keep the loop from waiting for the last comparison.
-    constexpr size_t lanes = 8;
-    std::array<T, lanes> low;
-    std::array<T, lanes> high;
-    low.fill(image.minimum);
-    high.fill(image.maximum);
-    image.samples.resize(count);
+public:
+    StoredImage(const RawImageBase& image, const Bytes& frameBytes, Decode sampleDecode)
+        : Image<T>(image.width, image.height), frame(frameBytes), decode(std::move(sampleDecode))
+    {}
 
-    const auto take = [&](size_t lane, size_t index) {
-        const T sample = decode(frame.data() + index * sampleBytes);
-        image.samples[index] = sample;
-        low[lane] = sample < low[lane] ? sample : low[lane];
-        high[lane] = sample > high[lane] ? sample : high[lane];
-    };
-    const size_t whole = count / lanes * lanes;
-    for (size_t index = 0; index < whole; index += lanes)
+    void Load(size_t first, std::span<T> block) const override
     {
-        for (size_t lane = 0; lane < lanes; ++lane)
-            take(lane, index + lane);
+        const uint8_t* const stored = frame.data() + first * sampleBytes;
+        for (size_t i = 0; i < block.size(); ++i)
+            block[i] = decode(stored + i * sampleBytes);
     }
-    for (size_t index = whole; index < count; ++index)
-        take(0, index);
 
-    image.minimum = *std::min_element(low.begin(), low.end());
-    image.maximum = *std::max_element(high.begin(), high.end());
-}
+private:
+    const Bytes& frame;
+    Decode decode;
+};
 
 /// Turns one frame's samples into the display picture.
 class FrameConverter
@@ -95,11 +89,18 @@ public:
     /// Also for RGB24, whose rows are deliberately taken for single bytes when flipped.
     void ConvertUInt8()
     {
-        picture.resize(pixelCount * BytesPerPixel(image.pixelType));
+        const size_t pictureBytes = pixelCount * BytesPerPixel(image.pixelType);
         if (image.flipVertical)
+        {
+            picture.resize(pictureBytes);
             CopyRows(frame, picture, image.width, image.height, true);
+        }
         else
-            std::copy_n(frame.begin(), picture.size(), picture.begin());
+        {
+            // The frame is the picture, but for what a strided read has left behind it.
+            frame.resize(pictureBytes);
+            picture = std::move(frame);
+        }
         StretchContrast(picture, pixelCount);
     }
 
@@ -122,44 +123,44 @@ public:
         StretchContrast(picture, pixelCount);
     }
 
-    template <size_t sampleBytes, typename Decode>
-    void ConvertUnsigned(const Decode& decode)
+    void ConvertInteger16(CodeFrame::Order order)
     {
-        Image<unsigned int> samples = NewImage<unsigned int>(std::numeric_limits<uint32_t>::max(), 0);
-        DecodeSamples<sampleBytes>(samples, frame, pixelCount, decode);
+        CodeFrame{frame, image.width, image.height, order}.ScaleToDisplayBytes(picture, image.flipVertical);
+    }
+
+    void ConvertUInt32()
+    {
+        const auto decode = [](const uint8_t* bytes) { return LoadLittleEndian<uint32_t>(bytes); };
+        StoredImage<unsigned int, 4, decltype(decode)> samples{image, frame, decode};
+        FindRange(samples, std::numeric_limits<uint32_t>::max(), 0);
         ScaleByDynamicRange(samples, picture, image.flipVertical);
     }
 
-    template <size_t sampleBytes, typename Decode>
-    void ConvertSigned(const Decode& decode)
+    void ConvertInt32()
     {
-        // With the sign bit turned, signed samples keep their order as unsigned ones.
-        Image<unsigned int> samples = NewImage<unsigned int>(std::numeric_limits<uint32_t>::max(), 0);
-        DecodeSamples<sampleBytes>(samples, frame, pixelCount, [&decode](const uint8_t* bytes) {
-            return static_cast<uint32_t>(static_cast<int32_t>(decode(bytes))) ^ 0x80000000u;
-        });
-
-        for (uint32_t& sample : samples.samples)
-            sample -= samples.minimum;
-        samples.maximum -= samples.minimum;
-        samples.minimum = 0;
-        ScaleByDynamicRange(samples, picture, image.flipVertical);
+        const auto decode = [](const uint8_t* bytes) { return LoadLittleEndian<int32_t>(bytes); };
+        StoredImage<int, 4, decltype(decode)> samples{image, frame, decode};
+        FindRange(samples, std::numeric_limits<int32_t>::max(), std::numeric_limits<int32_t>::min());
+        DistanceImage distances{samples};
+        ScaleByDynamicRange(distances, picture, image.flipVertical);
     }
 
     template <size_t sampleBytes, typename Decode>
-    void ConvertFloating(bool force32Bit, const Decode& decode)
+    void ConvertFloating(bool force32Bit, Decode decode)
     {
+        StoredImage<double, sampleBytes, Decode> samples{image, frame, std::move(decode)};
         // The maximum starts at the smallest positive number: a frame of negative samples keeps it.
-        Image<double> samples =
-            NewImage<double>(std::numeric_limits<double>::max(), std::numeric_limits<double>::min());
-        samples.force32Bit = force32Bit;
-        DecodeSamples<sampleBytes>(samples, frame, pixelCount, decode);
-        Bytes{}.swap(frame);
-
-        Image<unsigned int> quantised;
-        RescaleToUInt32(samples, quantised);
-        std::vector<double>{}.swap(samples.samples);
-        ScaleByDynamicRange(quantised, picture, image.flipVertical);
+        FindRange(samples, std::numeric_limits<double>::max(), std::numeric_limits<double>::min());
+        const RescaleToUInt32 rescale{samples, force32Bit};
+        if (rescale.FitsIn16Bit())
+        {
+            CodeFrame{samples, rescale, frame}.ScaleToDisplayBytes(picture, image.flipVertical);
+        }
+        else
+        {
+            RescaledImage quantised{samples, rescale};
+            ScaleByDynamicRange(quantised, picture, image.flipVertical);
+        }
     }
 
     void ConvertRgba32()
@@ -174,14 +175,12 @@ public:
 
 private:
     template <typename T>
-    [[nodiscard]] Image<T> NewImage(T minimum, T maximum) const
+    static void FindRange(Image<T>& samples, std::type_identity_t<T> lowStart,
+                          std::type_identity_t<T> highStart)
     {
-        Image<T> created;
-        created.minimum = minimum;
-        created.maximum = maximum;
-        created.width = image.width;
-        created.height = image.height;
-        return created;
+        samples.minimum = lowStart;
+        samples.maximum = highStart;
+        IncludeSamples(samples);
     }
 
     /// Between signed and unsigned bytes, either way.
@@ -193,16 +192,14 @@ private:
 
     [[nodiscard]] bool HasJump() const
     {
-        for (size_t row = 0; row < image.height; ++row)
+        int widest = 0;
+        for (size_t row = 0; row < image.height && widest <= 127; ++row)
         {
-            const uint8_t* pixels = picture.data() + row * image.width;
+            const uint8_t* const pixels = picture.data() + row * image.width;
             for (size_t column = 1; column < image.width; ++column)
-            {
-                if (std::abs(pixels[column] - pixels[column - 1]) > 127)
-                    return true;
-            }
+                widest = std::max(widest, std::abs(pixels[column] - pixels[column - 1]));
         }
-        return false;
+        return widest > 127;
     }
 
     const RawImageBase& image;
@@ -285,25 +282,22 @@ bool RawImageBase::ConvertToDisplay(IStream* stream, uint64_t streamSize, uint64
         converter.ConvertInt8();
         return true;
     case PixelType::UInt16:
-        if (isBigEndian)
-            converter.ConvertUnsigned<2>([](const uint8_t* bytes) { return LoadBigEndian16(bytes); });
-        else
-            converter.ConvertUnsigned<2>(
-                [](const uint8_t* bytes) { return LoadLittleEndian<uint16_t>(bytes); });
+        converter.ConvertInteger16(isBigEndian ? [](uint16_t code) { return __builtin_bswap16(code); }
+                                               : [](uint16_t code) { return code; });
         return true;
     case PixelType::Int16:
-        if (isBigEndian)
-            converter.ConvertSigned<2>(
-                [](const uint8_t* bytes) { return static_cast<int16_t>(LoadBigEndian16(bytes)); });
-        else
-            converter.ConvertSigned<2>([](const uint8_t* bytes) { return LoadLittleEndian<int16_t>(bytes); });
+        // With the sign bit turned, signed samples keep their order as unsigned ones.
+        converter.ConvertInteger16(
+            isBigEndian
+                ? [](uint16_t code) { return static_cast<uint16_t>(__builtin_bswap16(code) ^ 0x8000); }
+                : [](uint16_t code) { return static_cast<uint16_t>(code ^ 0x8000); });
         return true;
     // 32-bit integers and everything wider than Float32 is little-endian in every file that has them.
     case PixelType::UInt32:
-        converter.ConvertUnsigned<4>([](const uint8_t* bytes) { return LoadLittleEndian<uint32_t>(bytes); });
+        converter.ConvertUInt32();
         return true;
     case PixelType::Int32:
-        converter.ConvertSigned<4>([](const uint8_t* bytes) { return LoadLittleEndian<int32_t>(bytes); });
+        converter.ConvertInt32();
         return true;
     case PixelType::Float16:
         converter.ConvertFloating<2>(force32Bit, [values = HalfTable(byteOrder)](const uint8_t* bytes) {
@@ -323,10 +317,10 @@ bool RawImageBase::ConvertToDisplay(IStream* stream, uint64_t streamSize, uint64
                                      [](const uint8_t* bytes) { return LoadLittleEndian<double>(bytes); });
         return true;
     case PixelType::Complex64:
-        converter.ConvertFloating<8>(false, Magnitude<float>);
+        converter.ConvertFloating<8>(false, [](const uint8_t* bytes) { return Magnitude<float>(bytes); });
         return true;
     case PixelType::Complex128:
-        converter.ConvertFloating<16>(false, Magnitude<double>);
+        converter.ConvertFloating<16>(false, [](const uint8_t* bytes) { return Magnitude<double>(bytes); });
         return true;
     case PixelType::RGBA32:
         converter.ConvertRgba32();

@@ -4,79 +4,69 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
+#include <functional>
 #include <stdexcept>
 
 namespace Tav::Imaging::RawImage {
 
 namespace {
 
-constexpr double full16Bit = 65535.0;
-constexpr double full32Bit = 4294967295.0;
-constexpr double twoTo32 = 4294967296.0;
-
-/// Whole part of the value modulo 2^32, as mathematics has it; 0 for infinities and NaN.
-uint32_t WholePartModulo32Bit(double value) noexcept
+/// How often each gray level occurs. Neighbours are often equal: counting in turns in several tables
+/// spares the wait for the last count to be stored.
+std::array<uint32_t, 256> CountLevels(const std::vector<uint8_t>& picture)
 {
-    if (!std::isfinite(value))
-        return 0;
-    const double remainder = std::fmod(std::trunc(value), twoTo32);
-    return static_cast<uint32_t>(remainder < 0 ? remainder + twoTo32 : remainder);
-}
+    constexpr size_t tables = 8;
+    std::array<std::array<uint32_t, 256>, tables> turns = {};
+    size_t pixel = 0;
+    for (; pixel + tables <= picture.size(); pixel += tables)
+    {
+        for (size_t table = 0; table < tables; ++table)
+            ++turns[table][picture[pixel + table]];
+    }
+    for (; pixel < picture.size(); ++pixel)
+        ++turns[0][picture[pixel]];
 
-/// Truncates a value of at most 2^32 - 1; NaN and negative values give 0.
-uint32_t TruncateToUInt32(double value) noexcept
-{
-    return value > 0 ? static_cast<uint32_t>(static_cast<uint64_t>(value)) : 0;
-}
-
-/// The display byte of a sample's distance from the low end; `step` is the distance per gray level.
-/// NaN, the distance 0 in an empty range, is black.
-uint8_t DisplayByte(double distance, double step) noexcept
-{
-    const double level = distance / step;
-    if (level > 255.0)
-        return 255;
-    return level >= 0 ? static_cast<uint8_t>(level) : uint8_t{0};
+    std::array<uint32_t, 256> counts = {};
+    for (const std::array<uint32_t, 256>& turn : turns)
+        std::transform(counts.begin(), counts.end(), turn.begin(), counts.begin(), std::plus<>{});
+    return counts;
 }
 
 } // namespace
 
-void RescaleToUInt32(const Image<double>& source, Image<unsigned int>& target)
+DistanceImage::DistanceImage(const Image<int>& signedSource) noexcept
+    : Image(signedSource.width, signedSource.height), source(signedSource)
 {
-    const double range = source.maximum - source.minimum;
-    const bool needs32Bit = source.force32Bit || WholePartModulo32Bit(range) > 65535;
-    const double full = needs32Bit ? full32Bit : full16Bit;
-    const double scale = full / range;
-    const double highest = scale * range;
+    maximum = static_cast<uint32_t>(source.maximum) - static_cast<uint32_t>(source.minimum);
+}
 
-    target.width = source.width;
-    target.height = source.height;
-    target.minimum = 0;
-    target.maximum = std::isfinite(highest) ? TruncateToUInt32(highest) : 0;
-    target.samples.resize(source.samples.size());
-    std::transform(source.samples.begin(), source.samples.end(), target.samples.begin(),
-                   [minimum = source.minimum, scale, full](double sample) {
-                       const double scaled = (sample - minimum) * scale;
-                       return TruncateToUInt32(scaled > full ? full : scaled);
-                   });
+void DistanceImage::Load(size_t first, std::span<unsigned int> block) const
+{
+    const auto smallest = static_cast<uint32_t>(source.minimum);
+    ForEachBlock(source, first, first + block.size(), [&](size_t begin, std::span<const int> samples) {
+        unsigned int* const target = block.data() + (begin - first);
+        for (size_t i = 0; i < samples.size(); ++i)
+            target[i] = static_cast<uint32_t>(samples[i]) - smallest;
+    });
 }
 
 void ScaleToDisplayBytes(const Image<unsigned int>& source, std::vector<uint8_t>& bytes, bool flip)
 {
-    if (source.samples.empty())
+    const size_t count = source.SampleCount();
+    if (count == 0)
         throw std::invalid_argument("The object is empty !");
 
-    const double low = source.minimum;
-    const double step = (source.maximum - source.minimum) / 255.0;
-    bytes.resize(source.samples.size());
+    const DisplayScale scale{source.minimum, source.maximum};
+    bytes.resize(count);
     for (size_t row = 0; row < source.height; ++row)
     {
-        const size_t sourceRow = flip ? source.height - 1 - row : row;
-        const uint32_t* samples = source.samples.data() + sourceRow * source.width;
-        uint8_t* target = bytes.data() + row * source.width;
-        for (size_t column = 0; column < source.width; ++column)
-            target[column] = DisplayByte(samples[column] - low, step);
+        const size_t begin = row * source.width;
+        uint8_t* const target = bytes.data() + (flip ? source.height - 1 - row : row) * source.width;
+        ForEachBlock(source, begin, begin + source.width,
+                     [&](size_t first, std::span<const unsigned int> block) {
+                         for (size_t i = 0; i < block.size(); ++i)
+                             target[first - begin + i] = scale(block[i]);
+                     });
     }
 }
 
@@ -95,9 +85,7 @@ void StretchContrast(std::vector<uint8_t>& picture, size_t pixelCount)
         return;
 
     constexpr double threshold = 0.99;
-    std::array<uint32_t, 256> counts = {};
-    for (const uint8_t level : picture)
-        ++counts[level];
+    const std::array<uint32_t, 256> counts = CountLevels(picture);
     std::array<double, 256> shares = {};
     std::transform(counts.begin(), counts.end(), shares.begin(),
                    [pixelCount](uint32_t count) { return count / static_cast<double>(pixelCount); });

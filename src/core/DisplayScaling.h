@@ -8,10 +8,40 @@
 
 namespace Tav::Imaging::RawImage {
 
-/// Quantises floating-point samples to whole numbers from 0 to 65535, or to 2^32 - 1 when the range is
-/// wider or 32 bits are forced; the target's display range is that of the quantised samples.
-/// NaN samples become 0.
-void RescaleToUInt32(const Image<double>& source, Image<unsigned int>& target);
+/// The display byte of a sample: its distance from the low end of the display range in steps of 1/255 of
+/// the range, truncated and limited to 0..255. In an empty range the sample at its ends is black.
+class DisplayScale
+{
+public:
+    DisplayScale(uint32_t rangeLow, uint32_t rangeHigh) noexcept
+        : low(rangeLow), step((rangeHigh - rangeLow) / 255.0)
+    {}
+
+    [[nodiscard]] uint8_t operator()(uint32_t sample) const noexcept
+    {
+        const double level = (sample - low) / step;
+        const double limited = level > 255.0 ? 255.0 : level;
+        // NaN, the quotient of nothing and nothing, compares with nothing.
+        return static_cast<uint8_t>(static_cast<int32_t>(limited > 0 ? limited : 0));
+    }
+
+private:
+    double low;
+    double step;
+};
+
+/// Signed samples as their distances from the smallest one. The source must outlive it, and its range be
+/// that of its samples.
+class DistanceImage final : public Image<unsigned int>
+{
+public:
+    explicit DistanceImage(const Image<int>& signedSource) noexcept;
+
+    void Load(size_t first, std::span<unsigned int> block) const override;
+
+private:
+    const Image<int>& source;
+};
 
 /// Maps the image's display range to 0..255: one byte per sample, in the source's row order or, with
 /// `flip`, with its last row first. Throws std::invalid_argument when the source holds no samples.

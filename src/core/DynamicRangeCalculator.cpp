@@ -13,34 +13,35 @@ constexpr uint32_t widestDisplayRange = 65535;
 constexpr uint32_t coarseBinShift = 14;
 constexpr uint32_t coarseBinWidth = 1u << coarseBinShift;
 
-/// Counts each sample's distance from `base` that is below `bins`. Neighbouring samples are often equal:
-/// counting in turns in several tables spares the wait for the last count to be stored.
-std::vector<uint32_t> CountSamples(const std::vector<uint32_t>& samples, uint32_t base, uint32_t bins)
+/// Counts each sample's distance from `base` that is below `bins`.
+std::vector<uint32_t> CountSamples(const Image<unsigned int>& image, uint32_t base, uint32_t bins)
 {
-    constexpr size_t tables = 4;
     // One bin more takes what lies outside, so that no sample needs a branch.
-    const size_t tableSize = size_t{bins} + 1;
-    std::vector<uint32_t> counts(tables * tableSize);
-    const auto count = [&](size_t table, uint32_t sample) {
-        const uint32_t distance = sample - base;
-        ++counts[table * tableSize + (distance < bins ? distance : bins)];
-    };
+    std::vector<uint32_t> counts(size_t{bins} + 1);
+    ForEachBlock(image, 0, image.SampleCount(), [&](size_t, std::span<unsigned int> block) {
+        for (unsigned int& sample : block)
+        {
+            const uint32_t distance = sample - base;
+            sample = distance < bins ? distance : bins;
+        }
+        for (const unsigned int bin : block)
+            ++counts[bin];
+    });
+    counts.pop_back();
+    return counts;
+}
 
-    const size_t whole = samples.size() / tables * tables;
-    for (size_t i = 0; i < whole; i += tables)
-    {
-        for (size_t table = 0; table < tables; ++table)
-            count(table, samples[i + table]);
-    }
-    for (size_t i = whole; i < samples.size(); ++i)
-        count(0, samples[i]);
-
-    for (size_t table = 1; table < tables; ++table)
-    {
-        for (size_t bin = 0; bin < bins; ++bin)
-            counts[bin] += counts[table * tableSize + bin];
-    }
-    counts.resize(bins);
+/// Counts every `step`-th sample's distance from `base` in bins of the coarse width.
+std::vector<uint32_t> CountCoarsely(const Image<unsigned int>& image, uint32_t base, size_t step)
+{
+    // As many bins as any distance can have, so that no sample needs a bounds check.
+    std::vector<uint32_t> counts(size_t{1} << (32 - coarseBinShift));
+    static_assert(blockSamples % 16 == 0, "a block begins with a sample that is visited");
+    ForEachBlock(image, 0, image.SampleCount(), [&](size_t, std::span<const unsigned int> block) {
+        for (size_t i = 0; i < block.size(); i += step)
+            ++counts[(block[i] - base) >> coarseBinShift];
+    });
+    counts.resize(((image.maximum - base) >> coarseBinShift) + 1);
     return counts;
 }
 
@@ -99,9 +100,15 @@ void DynamicRangeCalculator::ComputeRange(const Image<unsigned int>& image)
 
 void DynamicRangeCalculator::ComputeExactRange(const Image<unsigned int>& image)
 {
+    ComputeExactRange(CountSamples(image, low, high - low + 1), image.SampleCount(), image.minimum,
+                      image.maximum);
+}
+
+void DynamicRangeCalculator::ComputeExactRange(const std::vector<uint32_t>& counts, size_t sampleCount,
+                                               uint32_t imageLow, uint32_t imageHigh)
+{
     const uint32_t base = low;
-    const std::vector<double> shares = SharesOf(CountSamples(image.samples, base, high - low + 1),
-                                                static_cast<double>(image.samples.size()));
+    const std::vector<double> shares = SharesOf(counts, static_cast<double>(sampleCount));
 
     for (const double threshold : {0.999, 0.99, 0.95, 0.9})
     {
@@ -123,8 +130,8 @@ void DynamicRangeCalculator::ComputeExactRange(const Image<unsigned int>& image)
         WriteDiagnostic(L"The found dynamic range is larger than 64k");
     if (isEmpty || isTooWide)
     {
-        low = image.minimum;
-        high = image.maximum;
+        low = imageLow;
+        high = imageHigh;
     }
 }
 
@@ -132,15 +139,9 @@ void DynamicRangeCalculator::ComputeCoarseRange(const Image<unsigned int>& image
 {
     constexpr double threshold = 0.98;
     const uint32_t base = image.minimum;
-    const size_t step = CoarseStep(image.samples.size());
-
-    // As many bins as any distance can have, so that no sample needs a bounds check.
-    std::vector<uint32_t> counts(size_t{1} << (32 - coarseBinShift));
-    for (size_t i = 0; i < image.samples.size(); i += step)
-        ++counts[(image.samples[i] - base) >> coarseBinShift];
-    counts.resize(((image.maximum - base) >> coarseBinShift) + 1);
-
-    const std::vector<double> shares = SharesOf(counts, static_cast<double>(image.samples.size() / step));
+    const size_t step = CoarseStep(image.SampleCount());
+    const std::vector<double> shares =
+        SharesOf(CountCoarsely(image, base, step), static_cast<double>(image.SampleCount() / step));
     if (const size_t bin = CrossingFromTop(shares, threshold); bin > 0)
         low = base + static_cast<uint32_t>(bin) * coarseBinWidth;
     if (const size_t bin = CrossingFromBottom(shares, threshold); bin < shares.size())

@@ -2,7 +2,9 @@
 
 #include "core/Image.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <vector>
 
 namespace Tav::Imaging::RawImage {
 
@@ -24,6 +26,11 @@ public:
     /// One histogram bin for each sample value from low to high; samples outside are not counted.
     /// Gives the image's own range when the result is empty or wider than 65535.
     void ComputeExactRange(const Image<unsigned int>& image);
+
+    /// The same from a histogram that begins at `low`, of an image with `sampleCount` samples and the given
+    /// range.
+    void ComputeExactRange(const std::vector<uint32_t>& counts, size_t sampleCount, uint32_t imageLow,
+                           uint32_t imageHigh);
 
     /// One bin for 16384 sample values, on a part of the samples when there are many; goes on with the
     /// exact pass when that has made the range narrow enough.

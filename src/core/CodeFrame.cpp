@@ -1,0 +1,105 @@
+#include "core/CodeFrame.h"
+
+#include "core/DisplayScaling.h"
+#include "core/DynamicRangeCalculator.h"
+#include "core/SampleDecoding.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+namespace Tav::Imaging::RawImage {
+
+namespace {
+
+constexpr uint32_t codeCount = 65536;
+constexpr size_t codeBytes = sizeof(uint16_t);
+
+} // namespace
+
+CodeFrame::CodeFrame(const std::vector<uint8_t>& frameBytes, uint32_t frameWidth, uint32_t frameHeight,
+                     Order codeOrder)
+    : codes(frameBytes), width(frameWidth), height(frameHeight), order(codeOrder), counts(codeCount)
+{
+    CountStoredCodes();
+    lowest = codeCount - 1;
+    for (uint32_t code = 0; code < codeCount; ++code)
+    {
+        if (counts[code] == 0)
+            continue;
+        const uint32_t place = order(static_cast<uint16_t>(code));
+        lowest = std::min(lowest, place);
+        highest = std::max(highest, place);
+    }
+}
+
+CodeFrame::CodeFrame(const Image<double>& source, const RescaleToUInt32& rescale,
+                     std::vector<uint8_t>& frameBytes)
+    : codes(frameBytes), width(source.width), height(source.height),
+      order([](uint16_t code) { return code; }), highest(rescale.Highest()), counts(codeCount)
+{
+    std::array<uint16_t, blockSamples> quantised;
+    ForEachBlock(source, 0, source.SampleCount(), [&](size_t first, std::span<const double> samples) {
+        for (size_t i = 0; i < samples.size(); ++i)
+            quantised[i] = static_cast<uint16_t>(static_cast<int32_t>(rescale(samples[i])));
+        for (size_t i = 0; i < samples.size(); ++i)
+            ++counts[quantised[i]];
+        std::memcpy(frameBytes.data() + first * codeBytes, quantised.data(), samples.size() * codeBytes);
+    });
+}
+
+void CodeFrame::CountStoredCodes()
+{
+    // Neighbouring samples are often equal: counting in turns spares the wait for the last count to be
+    // stored.
+    std::vector<uint32_t> otherCounts(codeCount);
+    const size_t count = width * height;
+    size_t i = 0;
+    for (; i + 1 < count; i += 2)
+    {
+        ++counts[LoadLittleEndian<uint16_t>(codes.data() + i * codeBytes)];
+        ++otherCounts[LoadLittleEndian<uint16_t>(codes.data() + (i + 1) * codeBytes)];
+    }
+    if (i < count)
+        ++counts[LoadLittleEndian<uint16_t>(codes.data() + i * codeBytes)];
+    std::transform(counts.begin(), counts.end(), otherCounts.begin(), counts.begin(), std::plus<>{});
+}
+
+std::vector<uint8_t> CodeFrame::DisplayTable() const
+{
+    const uint32_t range = highest - lowest;
+    std::vector<uint32_t> distanceCounts(range + 1);
+    for (uint32_t code = 0; code < codeCount; ++code)
+    {
+        const uint32_t distance = order(static_cast<uint16_t>(code)) - lowest;
+        if (distance <= range)
+            distanceCounts[distance] = counts[code];
+    }
+    DynamicRangeCalculator calculator{0, range};
+    calculator.ComputeExactRange(distanceCounts, width * height, 0, range);
+
+    const DisplayScale scale{calculator.low, calculator.high};
+    std::vector<uint8_t> table(codeCount);
+    for (uint32_t code = 0; code < codeCount; ++code)
+    {
+        const uint32_t place = order(static_cast<uint16_t>(code));
+        if (place >= lowest)
+            table[code] = scale(place - lowest);
+    }
+    return table;
+}
+
+void CodeFrame::ScaleToDisplayBytes(std::vector<uint8_t>& bytes, bool flip) const
+{
+    const std::vector<uint8_t> table = DisplayTable();
+    bytes.resize(width * height);
+    for (size_t row = 0; row < height; ++row)
+    {
+        const uint8_t* const source = codes.data() + (flip ? height - 1 - row : row) * width * codeBytes;
+        uint8_t* const target = bytes.data() + row * width;
+        for (size_t column = 0; column < width; ++column)
+            target[column] = table[LoadLittleEndian<uint16_t>(source + column * codeBytes)];
+    }
+}
+
+} // namespace Tav::Imaging::RawImage
