@@ -42,6 +42,15 @@ DisplayedFrame ConvertFrame(const StoredFrame& frame)
     return {shown, std::move(reader.displayPixels), diagnostics.Take()};
 }
 
+void ExpectDisplay(const StoredFrame& frame, const std::vector<uint8_t>& pixels,
+                   const std::vector<std::string>& lines)
+{
+    const DisplayedFrame displayed = ConvertFrame(frame);
+    EXPECT_TRUE(displayed.shown);
+    EXPECT_EQ(displayed.pixels, pixels);
+    EXPECT_EQ(displayed.lines, lines);
+}
+
 void ExpectReferenceDisplay(const StoredFrame& frame)
 {
     const testing::Message description =

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -25,6 +26,10 @@ public:
 
 /// What the product makes of a frame that is stored somewhere in the middle of a stream.
 [[nodiscard]] DisplayedFrame ConvertFrame(const StoredFrame& frame);
+
+/// Expects that the product shows a frame as this picture, and writes these lines.
+void ExpectDisplay(const StoredFrame& frame, const std::vector<uint8_t>& pixels,
+                   const std::vector<std::string>& lines = {});
 
 /// Expects that the product makes of a frame what the reference makes of it.
 void ExpectReferenceDisplay(const StoredFrame& frame);

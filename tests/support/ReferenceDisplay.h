@@ -14,7 +14,7 @@ struct StoredFrame
     Tav::Imaging::RawImage::PixelType pixelType = Tav::Imaging::RawImage::PixelType::UInt8;
     uint32_t width = 0;
     uint32_t height = 0;
-    std::vector<uint8_t> bytes;
+    std::vector<uint8_t> bytes = {};
     Tav::Imaging::RawImage::ByteOrder byteOrder = Tav::Imaging::RawImage::ByteOrder::LittleEndian;
     bool flipVertical = false;
     Tav::Imaging::RawImage::FileType fileType = Tav::Imaging::RawImage::FileType::None;

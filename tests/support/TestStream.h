@@ -20,7 +20,7 @@ struct StreamFaults
     uint32_t failSeekAt = 0;
     uint32_t failReadAt = 0;
     /// The size that Stat reports instead of the true one.
-    std::optional<uint64_t> reportedSize;
+    std::optional<uint64_t> reportedSize = std::nullopt;
     /// No read delivers more than this many bytes.
     uint32_t longestRead = UINT32_MAX;
     /// Added to the count that a read reports.
