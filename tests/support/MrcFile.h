@@ -3,7 +3,10 @@
 #include "support/ByteWriter.h"
 
 #include <cstdint>
+#include <initializer_list>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 /// Builds an MRC file: main header, extended header, sections. Sections are given as raw bytes.
@@ -75,6 +78,16 @@ public:
         return *this;
     }
 
+    /// The same as numbers, in the byte order set before.
+    template <typename Number>
+    MrcFile& Numbers(std::initializer_list<Number> numbers)
+    {
+        ByteWriter writer{order};
+        for (const Number number : numbers)
+            writer.Put(number);
+        return Samples(std::move(writer.bytes));
+    }
+
     [[nodiscard]] std::vector<uint8_t> Build() const
     {
         ByteWriter file{order};
@@ -102,3 +115,16 @@ private:
     std::vector<uint8_t> extended;
     std::vector<uint8_t> samples;
 };
+
+/// The extended header in which an acquisition program tells its name (mask bits 0 and 1) and its version
+/// (bit 2). Its numbers are little-endian in every file.
+inline std::vector<uint8_t> AcquisitionHeader(uint32_t mask, std::string_view application,
+                                              std::string_view version)
+{
+    ByteWriter header;
+    header.PadTo(8).Put(mask);
+    header.PadTo(52).Text(application);
+    header.PadTo(68).Text(version);
+    header.PadTo(128);
+    return std::move(header.bytes);
+}
