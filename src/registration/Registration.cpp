@@ -1,0 +1,117 @@
+#include "registration/Registration.h"
+
+#include <shlobj.h>
+
+#include <algorithm>
+
+namespace Lumora {
+
+namespace {
+
+/// The shell looks at thumbnails, properties and kinds anew.
+void TellTheShell() noexcept
+{
+    SHChangeNotify(SHCNE_ASSOCCHANGED, SHCNF_IDLIST, nullptr, nullptr);
+}
+
+/// Keeps the first failure. Gives whether this one was none.
+bool Note(std::optional<RegistrationFailure>& failure, const RegistryKey& key, LSTATUS result)
+{
+    if (result == ERROR_SUCCESS)
+        return true;
+    if (!failure)
+        failure = {key.FullPath(), result};
+    return false;
+}
+
+/// Names the value, for people. Of our own keys the key is enough, and stands in the list once.
+void AddName(std::vector<std::wstring>& names, const RegistryEntry& entry)
+{
+    std::wstring name = entry.key.FullPath();
+    if (!entry.isOwn && !entry.name.empty())
+        name += L", " + entry.name;
+    if (std::find(names.begin(), names.end(), name) == names.end())
+        names.push_back(std::move(name));
+}
+
+/// Deletes what is ours alone, with any pattern of another version that has more of them.
+void DeleteOwnTrees(Scope scope, std::optional<RegistrationFailure>& failure)
+{
+    for (const RegistryKey& tree : OwnTrees(scope))
+    {
+        if (Note(failure, tree, tree.DeleteTree()))
+            Note(failure, tree, tree.DeleteWhileEmpty());
+    }
+}
+
+void Write(const RegistryEntry& entry, RegistrationResult& result)
+{
+    std::optional<RegistryValue> present;
+    if (!entry.isOwn && !Note(result.failure, entry.key, entry.key.Read(entry.name, present)))
+        return;
+    if (!present)
+        Note(result.failure, entry.key, entry.key.Write(entry.name, entry.value));
+    else if (*present != entry.value)
+        AddName(result.leftToOthers, entry);
+}
+
+void Remove(const RegistryEntry& entry, RegistrationResult& result)
+{
+    std::optional<RegistryValue> present;
+    if (!Note(result.failure, entry.key, entry.key.Read(entry.name, present)) || !present)
+        return;
+    if (*present != entry.value)
+    {
+        AddName(result.leftToOthers, entry);
+        return;
+    }
+    if (Note(result.failure, entry.key, entry.key.DeleteValue(entry.name)))
+        Note(result.failure, entry.key, entry.key.DeleteWhileEmpty());
+}
+
+} // namespace
+
+RegistrationResult Register(Scope scope, const std::wstring& dllPath)
+{
+    RegistrationResult result;
+    DeleteOwnTrees(scope, result.failure);
+    for (const RegistryEntry& entry : RegistryEntries(scope, dllPath))
+    {
+        if (result.failure)
+            break;
+        Write(entry, result);
+    }
+    TellTheShell();
+    return result;
+}
+
+RegistrationResult Unregister(Scope scope)
+{
+    RegistrationResult result;
+    for (const RegistryEntry& entry : RegistryEntries(scope, {}))
+    {
+        if (!entry.isOwn)
+            Remove(entry, result);
+    }
+    DeleteOwnTrees(scope, result.failure);
+    TellTheShell();
+    return result;
+}
+
+RegistrationState CheckRegistration(Scope scope, const std::wstring& dllPath)
+{
+    RegistrationState state;
+    for (const RegistryEntry& entry : RegistryEntries(scope, dllPath))
+    {
+        std::optional<RegistryValue> present;
+        if (!Note(state.failure, entry.key, entry.key.Read(entry.name, present)))
+            continue;
+        if (!present)
+            AddName(state.missing, entry);
+        else if (*present != entry.value)
+            AddName(state.different, entry);
+    }
+    return state;
+}
+
+} // namespace Lumora

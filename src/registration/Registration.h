@@ -1,0 +1,48 @@
+#pragma once
+
+#include "registration/RegistryTable.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Lumora {
+
+/// A key that could not be read or changed, and the error that Windows gave for it.
+struct RegistrationFailure
+{
+    std::wstring key;
+    LSTATUS error;
+};
+
+/// What became of a registration or a removal.
+struct RegistrationResult
+{
+    /// The first failure; nothing when all went well.
+    std::optional<RegistrationFailure> failure;
+    /// The values that another program has set, and which were left to it.
+    std::vector<std::wstring> leftToOthers;
+};
+
+/// How the registry compares with the table.
+struct RegistrationState
+{
+    std::optional<RegistrationFailure> failure;
+    /// Values that are not there, and values that are not ours. Of our own keys the key is named.
+    std::vector<std::wstring> missing;
+    std::vector<std::wstring> different;
+};
+
+/// Registers the Lumora.dll at that path. Our own keys are written anew; of the rest, what somebody else has
+/// set stays as it is. The first failure ends it. Nothing is taken back then: the same call, once its cause
+/// is gone, completes the work.
+[[nodiscard]] RegistrationResult Register(Scope scope, const std::wstring& dllPath);
+
+/// Removes what a registration of any Lumora.dll has written, and nothing that has become somebody else's
+/// since. A failure does not keep the rest from being removed.
+[[nodiscard]] RegistrationResult Unregister(Scope scope);
+
+/// Compares without changing anything.
+[[nodiscard]] RegistrationState CheckRegistration(Scope scope, const std::wstring& dllPath);
+
+} // namespace Lumora

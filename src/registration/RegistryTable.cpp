@@ -1,0 +1,271 @@
+#include "registration/RegistryTable.h"
+
+#include "registration/ClassIds.h"
+#include "registration/Formats.h"
+
+#include <objbase.h>
+
+#include <array>
+#include <iterator>
+#include <utility>
+#include <variant>
+
+namespace Lumora {
+
+namespace {
+
+/// What a row is written for: once for our classes, or for each of these extensions.
+enum class For
+{
+    Classes,
+    EveryExtension,
+    OwnExtensions,
+};
+
+/// Where a row's key begins.
+enum class Branch
+{
+    Classes, // of the machine or of the user
+    // The others are the machine's alone.
+    PropertyHandlers,
+    Kinds,
+};
+
+/// Names between percent signs stand for what Placeholders and ForExtension put in.
+struct Row
+{
+    For subject;
+    Branch branch;
+    const wchar_t* key;
+    const wchar_t* name;
+    std::variant<const wchar_t*, uint32_t> value;
+};
+
+// The properties that files of ours have, for the details page, the details pane and the tool tip.
+constexpr const wchar_t* fullDetails =
+    L"prop:System.PropGroup.Image;System.Image.Dimensions;System.Image.HorizontalSize;"
+    L"System.Image.VerticalSize;System.Image.BitDepth;System.Media.FrameCount;System.PropGroup.Origin;"
+    L"System.Media.CreatorApplication;System.PropGroup.Description;System.Comment;"
+    L"System.PropGroup.FileSystem;System.ItemNameDisplay;System.ItemTypeText;System.ItemFolderPathDisplay;"
+    L"System.DateCreated;System.DateModified;System.Size;System.FileAttributes;System.OfflineAvailability;"
+    L"System.OfflineStatus;System.SharedWith;System.FileOwner;System.ComputerName";
+constexpr const wchar_t* previewDetails =
+    L"prop:System.Image.Dimensions;System.Media.FrameCount;System.Image.BitDepth;"
+    L"System.Media.CreatorApplication;System.Comment;*System.DateModified;*System.Size;*System.DateCreated";
+constexpr const wchar_t* infoTip =
+    L"prop:System.ItemTypeText;System.Image.Dimensions;System.Media.FrameCount;"
+    L"System.Media.CreatorApplication;System.DateModified;System.Size";
+
+// The order of the rows matters in two places: a class is complete before WIC's list of decoders names it,
+// and before a file name extension does.
+constexpr Row rows[] = {
+    // The decoder.
+    {For::Classes, Branch::Classes, L"CLSID\\%decoder%", L"", L"Lumora decoder"},
+    {For::Classes, Branch::Classes, L"CLSID\\%decoder%", L"FriendlyName", L"Lumora decoder"},
+    {For::Classes, Branch::Classes, L"CLSID\\%decoder%", L"Author", L"Lumora"},
+    {For::Classes, Branch::Classes, L"CLSID\\%decoder%", L"Vendor", L"%vendor%"},
+    {For::Classes, Branch::Classes, L"CLSID\\%decoder%", L"Version", LUMORA_VERSION},
+    {For::Classes, Branch::Classes, L"CLSID\\%decoder%", L"SpecVersion", L"1.0.0.0"},
+    {For::Classes, Branch::Classes, L"CLSID\\%decoder%", L"Date", LUMORA_RELEASE_DATE},
+    {For::Classes, Branch::Classes, L"CLSID\\%decoder%", L"ContainerFormat", L"%container%"},
+    {For::Classes, Branch::Classes, L"CLSID\\%decoder%", L"FileExtensions", L"%extensions%"},
+    {For::Classes, Branch::Classes, L"CLSID\\%decoder%", L"MimeTypes", L"%mimeTypes%"},
+    {For::Classes, Branch::Classes, L"CLSID\\%decoder%", L"SupportMultiframe", 1u},
+    {For::Classes, Branch::Classes, L"CLSID\\%decoder%", L"SupportAnimation", 0u},
+    {For::Classes, Branch::Classes, L"CLSID\\%decoder%", L"SupportChromakey", 0u},
+    {For::Classes, Branch::Classes, L"CLSID\\%decoder%", L"SupportLossless", 1u},
+    // Low, so that other codecs are asked first.
+    {For::Classes, Branch::Classes, L"CLSID\\%decoder%", L"ArbitrationPriority", 10u},
+    {For::Classes, Branch::Classes, L"CLSID\\%decoder%\\Formats\\%8bppGray%", L"", L""},
+    {For::Classes, Branch::Classes, L"CLSID\\%decoder%\\Formats\\%24bppRGB%", L"", L""},
+    {For::Classes, Branch::Classes, L"CLSID\\%decoder%\\InprocServer32", L"", L"%dll%"},
+    {For::Classes, Branch::Classes, L"CLSID\\%decoder%\\InprocServer32", L"ThreadingModel", L"Both"},
+
+    // Its place in WIC's list of decoders.
+    {For::Classes, Branch::Classes, L"CLSID\\%decoders%\\Instance\\%decoder%", L"CLSID", L"%decoder%"},
+    {For::Classes, Branch::Classes, L"CLSID\\%decoders%\\Instance\\%decoder%", L"FriendlyName",
+     L"Lumora decoder"},
+
+    // The property handler.
+    {For::Classes, Branch::Classes, L"CLSID\\%handler%", L"", L"Lumora property handler"},
+    // An acquisition program may still be writing the file.
+    {For::Classes, Branch::Classes, L"CLSID\\%handler%", L"EnableShareDenyNone", 1u},
+    {For::Classes, Branch::Classes, L"CLSID\\%handler%\\InprocServer32", L"", L"%dll%"},
+    {For::Classes, Branch::Classes, L"CLSID\\%handler%\\InprocServer32", L"ThreadingModel", L"Both"},
+
+    // Thumbnails: the shell's own provider, which asks WIC.
+    {For::EveryExtension, Branch::Classes, L"%ext%\\ShellEx\\%thumbnails%", L"", L"%photoThumbnails%"},
+    {For::EveryExtension, Branch::Classes, L"SystemFileAssociations\\%ext%\\ShellEx\\%thumbnails%", L"",
+     L"%photoThumbnails%"},
+
+    // Properties, and which of them are shown.
+    {For::EveryExtension, Branch::PropertyHandlers, L"%ext%", L"", L"%handler%"},
+    {For::EveryExtension, Branch::Classes, L"SystemFileAssociations\\%ext%", L"FullDetails", fullDetails},
+    {For::EveryExtension, Branch::Classes, L"SystemFileAssociations\\%ext%", L"PreviewDetails",
+     previewDetails},
+    {For::EveryExtension, Branch::Classes, L"SystemFileAssociations\\%ext%", L"InfoTip", infoTip},
+
+    // What is said about all files of an extension, not only about those that we can read.
+    {For::OwnExtensions, Branch::Classes, L"%ext%", L"Content Type", L"%mimeType%"},
+    {For::OwnExtensions, Branch::Classes, L"%ext%", L"PerceivedType", L"image"},
+    {For::OwnExtensions, Branch::Kinds, L"", L"%ext%", L"picture"},
+};
+
+// Keys of the table that hold nothing but ours.
+constexpr const wchar_t* ownTrees[] = {
+    L"CLSID\\%decoders%\\Instance\\%decoder%",
+    L"CLSID\\%decoder%",
+    L"CLSID\\%handler%",
+};
+
+using Substitution = std::pair<std::wstring_view, std::wstring>;
+
+std::wstring GuidText(const GUID& guid)
+{
+    std::array<wchar_t, 39> text = {};
+    StringFromGUID2(guid, text.data(), static_cast<int>(text.size()));
+    return text.data();
+}
+
+void AppendToList(std::wstring& list, const wchar_t* item)
+{
+    if (!list.empty())
+        list += L',';
+    list += item;
+}
+
+/// What stands for the names that do not depend on an extension.
+std::vector<Substitution> Placeholders(const std::wstring& dllPath)
+{
+    std::wstring extensions;
+    std::wstring mimeTypes;
+    for (const Format& format : Formats())
+    {
+        AppendToList(mimeTypes, format.mimeType);
+        for (const Extension& extension : format.extensions)
+            AppendToList(extensions, extension.text);
+    }
+    return {
+        {L"%decoder%", GuidText(CLSID_LumoraDecoder)},
+        {L"%handler%", GuidText(CLSID_LumoraPropertyHandler)},
+        {L"%container%", GuidText(GUID_ContainerFormatLumora)},
+        {L"%vendor%", GuidText(GUID_VendorLumora)},
+        {L"%decoders%", L"{7ED96837-96F0-4812-B211-F13C24117ED3}"},        // CATID_WICBitmapDecoders
+        {L"%8bppGray%", L"{6FDDC324-4E03-4BFE-B185-3D77768DC908}"},        // GUID_WICPixelFormat8bppGray
+        {L"%24bppRGB%", L"{6FDDC324-4E03-4BFE-B185-3D77768DC90D}"},        // GUID_WICPixelFormat24bppRGB
+        {L"%thumbnails%", L"{e357fccd-a995-4576-b01f-234630154e96}"},      // IID_IThumbnailProvider
+        {L"%photoThumbnails%", L"{C7657C4A-9F68-40fa-A4DF-96BC08EB3551}"}, // PhotoThumbnailProvider
+        {L"%extensions%", extensions},
+        {L"%mimeTypes%", mimeTypes},
+        {L"%dll%", dllPath},
+    };
+}
+
+/// The text with each name replaced once; what was put in is not looked at again.
+std::wstring Substitute(std::wstring_view text, const std::vector<Substitution>& substitutions)
+{
+    std::wstring result;
+    while (!text.empty())
+    {
+        const Substitution* found = nullptr;
+        for (const Substitution& candidate : substitutions)
+        {
+            if (text.starts_with(candidate.first))
+                found = &candidate;
+        }
+        result += found ? std::wstring_view(found->second) : text.substr(0, 1);
+        text.remove_prefix(found ? found->first.size() : 1);
+    }
+    return result;
+}
+
+RegistryBranch BranchOf(Branch branch, Scope scope)
+{
+    switch (branch)
+    {
+    case Branch::PropertyHandlers:
+        return {HKEY_LOCAL_MACHINE,
+                L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\PropertySystem\\PropertyHandlers"};
+    case Branch::Kinds:
+        return {HKEY_LOCAL_MACHINE, L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Explorer\\KindMap"};
+    default:
+        return {scope == Scope::User ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE, L"SOFTWARE\\Classes"};
+    }
+}
+
+RegistryValue ValueOf(const Row& row, const std::vector<Substitution>& substitutions)
+{
+    if (const uint32_t* const number = std::get_if<uint32_t>(&row.value))
+        return RegistryValue::Number(*number);
+    return RegistryValue::Text(Substitute(std::get<const wchar_t*>(row.value), substitutions));
+}
+
+/// Appends the rows for one subject.
+void AppendRows(std::vector<RegistryEntry>& entries, For subject, Scope scope,
+                const std::vector<Substitution>& substitutions)
+{
+    for (const Row& row : rows)
+    {
+        if (row.subject != subject || (row.branch != Branch::Classes && scope == Scope::User))
+            continue;
+        entries.push_back({RegistryKey(BranchOf(row.branch, scope), Substitute(row.key, substitutions)),
+                           Substitute(row.name, substitutions), ValueOf(row, substitutions),
+                           subject == For::Classes});
+    }
+}
+
+void AppendPatterns(std::vector<RegistryEntry>& entries, Scope scope)
+{
+    const std::wstring patternsKey = L"CLSID\\" + GuidText(CLSID_LumoraDecoder) + L"\\Patterns\\";
+    const std::vector<HeaderPattern> patterns = HeaderPatterns();
+    for (size_t i = 0; i < patterns.size(); ++i)
+    {
+        const RegistryKey key(BranchOf(Branch::Classes, scope), patternsKey + std::to_wstring(i));
+        entries.push_back({key, L"Position", RegistryValue::Number(0), true});
+        entries.push_back({key, L"Length", RegistryValue::Number(HeaderPattern::size), true});
+        entries.push_back({key, L"Pattern", RegistryValue::Binary(patterns[i].bytes), true});
+        entries.push_back({key, L"Mask", RegistryValue::Binary(patterns[i].mask), true});
+        entries.push_back({key, L"EndOfStream", RegistryValue::Number(0), true});
+    }
+}
+
+/// Appends the rows for each extension of the formats.
+void AppendExtensions(std::vector<RegistryEntry>& entries, Scope scope,
+                      const std::vector<Substitution>& placeholders)
+{
+    for (const Format& format : Formats())
+    {
+        for (const Extension& extension : format.extensions)
+        {
+            std::vector<Substitution> substitutions = placeholders;
+            substitutions.emplace_back(L"%ext%", extension.text);
+            substitutions.emplace_back(L"%mimeType%", format.mimeType);
+            AppendRows(entries, For::EveryExtension, scope, substitutions);
+            if (!extension.isShared)
+                AppendRows(entries, For::OwnExtensions, scope, substitutions);
+        }
+    }
+}
+
+} // namespace
+
+std::vector<RegistryEntry> RegistryEntries(Scope scope, const std::wstring& dllPath)
+{
+    const std::vector<Substitution> placeholders = Placeholders(dllPath);
+    std::vector<RegistryEntry> entries;
+    AppendPatterns(entries, scope);
+    AppendRows(entries, For::Classes, scope, placeholders);
+    AppendExtensions(entries, scope, placeholders);
+    return entries;
+}
+
+std::vector<RegistryKey> OwnTrees(Scope scope)
+{
+    const std::vector<Substitution> placeholders = Placeholders({});
+    std::vector<RegistryKey> trees;
+    for (const wchar_t* const tree : ownTrees)
+        trees.emplace_back(BranchOf(Branch::Classes, scope), Substitute(tree, placeholders));
+    return trees;
+}
+
+} // namespace Lumora

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "registration/RegistryKey.h"
+
+#include <string>
+#include <vector>
+
+namespace Lumora {
+
+/// For whom a registration is made.
+enum class Scope
+{
+    Machine,
+    User,
+};
+
+/// One value of the registration.
+struct RegistryEntry
+{
+    RegistryKey key;
+    /// Empty for the default value.
+    std::wstring name;
+    RegistryValue value;
+    /// Whether the key is nobody's but ours. The others belong to a file name extension, where somebody else
+    /// may have set the value before us.
+    bool isOwn;
+};
+
+/// Every value of the registration, in the order of writing, for a Lumora.dll at that path. What Windows
+/// takes from the machine alone is left out for a user: the property handlers and the kinds of files.
+[[nodiscard]] std::vector<RegistryEntry> RegistryEntries(Scope scope, const std::wstring& dllPath);
+
+/// The keys that are ours with everything in them.
+[[nodiscard]] std::vector<RegistryKey> OwnTrees(Scope scope);
+
+} // namespace Lumora
