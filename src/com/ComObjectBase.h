@@ -1,6 +1,6 @@
 #pragma once
 
-#include "com/ModuleCounters.h"
+#include "platform/ModuleCounters.h"
 #include "platform/Platform.h"
 
 #include <atomic>

@@ -3,8 +3,10 @@
 #include "core/RawImage.h"
 #include "registration/ClassIds.h"
 
+#include <memory>
 #include <mutex>
 #include <new>
+#include <utility>
 
 using Tav::Imaging::RawImage::RawImage;
 using Tav::Imaging::RawImage::RawImageBase;
@@ -41,8 +43,10 @@ HRESULT WicBitmapDecoder::Initialize(IStream* source, WICDecodeOptions)
     if (frame)
         return WINCODEC_ERR_WRONGSTATE;
 
-    if (FAILED(CreateFrame(source, frame, 0)))
+    ComPtr<WicFrame> created;
+    if (FAILED(CreateFrame(source, created, 0)))
         return WINCODEC_ERR_WRONGSTATE;
+    frame = std::move(created);
     const RawImageBase* const reader = frame->Reader();
     frameCount = reader ? reader->frameCount : 1;
     return S_OK;
@@ -112,8 +116,12 @@ HRESULT WicBitmapDecoder::GetFrame(UINT index, IWICBitmapFrameDecode** frameOut)
         return WINCODEC_ERR_FRAMEMISSING;
     if (index != frameIndex)
     {
-        if (FAILED(CreateFrame(stream.Get(), frame, index)))
+        // The stream's owner may call back while it is read and give the decoder another stream.
+        const ComPtr<IStream> source = stream;
+        ComPtr<WicFrame> created;
+        if (FAILED(CreateFrame(source.Get(), created, index)))
             return WINCODEC_ERR_WRONGSTATE;
+        frame = std::move(created);
         frameIndex = index;
     }
     if (!frame)
@@ -130,7 +138,6 @@ HRESULT WicBitmapDecoder::CreateFrame(IStream* source, ComPtr<WicFrame>& created
     if (!holder->Open(source, readModeFrame, index))
         return E_FAIL;
 
-    created.Reset();
     created = ComPtr<WicFrame>::Adopt(new (std::nothrow) WicFrame(std::move(holder)));
     return created ? S_OK : E_OUTOFMEMORY;
 }

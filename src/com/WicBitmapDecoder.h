@@ -31,7 +31,7 @@ public:
     HRESULT STDMETHODCALLTYPE GetFrame(UINT index, IWICBitmapFrameDecode** frameOut) override;
 
 private:
-    /// Decodes one frame into `created`; what that held is released once the decoding has succeeded.
+    /// Decodes one frame.
     static HRESULT CreateFrame(IStream* source, ComPtr<WicFrame>& created, uint32_t index);
 
     [[nodiscard]] HRESULT ShareFactory(ComPtr<IWICImagingFactory>& shared);

@@ -1,6 +1,7 @@
 #include "com/WicFrame.h"
 
 #include <algorithm>
+#include <utility>
 
 using Tav::Imaging::RawImage::BytesPerPixel;
 using Tav::Imaging::RawImage::PixelType;

@@ -1,5 +1,6 @@
 #include "core/CodeFrame.h"
 
+#include "core/CountInTurns.h"
 #include "core/DisplayScaling.h"
 #include "core/DynamicRangeCalculator.h"
 #include "core/SampleDecoding.h"
@@ -7,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <span>
 
 namespace Tav::Imaging::RawImage {
 
@@ -21,7 +23,9 @@ CodeFrame::CodeFrame(const std::vector<uint8_t>& frameBytes, uint32_t frameWidth
                      Order codeOrder)
     : codes(frameBytes), width(frameWidth), height(frameHeight), order(codeOrder), counts(codeCount)
 {
-    CountStoredCodes();
+    CountInTurns<2>(counts, width * height, [this](size_t index) {
+        return LoadLittleEndian<uint16_t>(codes.data() + index * codeBytes);
+    });
     lowest = codeCount - 1;
     for (uint32_t code = 0; code < codeCount; ++code)
     {
@@ -46,23 +50,6 @@ CodeFrame::CodeFrame(const Image<double>& source, const RescaleToUInt32& rescale
             ++counts[quantised[i]];
         std::memcpy(frameBytes.data() + first * codeBytes, quantised.data(), samples.size() * codeBytes);
     });
-}
-
-void CodeFrame::CountStoredCodes()
-{
-    // Neighbouring samples are often equal: counting in turns spares the wait for the last count to be
-    // stored.
-    std::vector<uint32_t> otherCounts(codeCount);
-    const size_t count = width * height;
-    size_t i = 0;
-    for (; i + 1 < count; i += 2)
-    {
-        ++counts[LoadLittleEndian<uint16_t>(codes.data() + i * codeBytes)];
-        ++otherCounts[LoadLittleEndian<uint16_t>(codes.data() + (i + 1) * codeBytes)];
-    }
-    if (i < count)
-        ++counts[LoadLittleEndian<uint16_t>(codes.data() + i * codeBytes)];
-    std::transform(counts.begin(), counts.end(), otherCounts.begin(), counts.begin(), std::plus<>{});
 }
 
 std::vector<uint8_t> CodeFrame::DisplayTable() const

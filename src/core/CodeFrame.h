@@ -31,7 +31,6 @@ public:
     void ScaleToDisplayBytes(std::vector<uint8_t>& bytes, bool flip) const;
 
 private:
-    void CountStoredCodes();
     [[nodiscard]] std::vector<uint8_t> DisplayTable() const;
 
     const std::vector<uint8_t>& codes;

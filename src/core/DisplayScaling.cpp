@@ -1,38 +1,13 @@
 #include "core/DisplayScaling.h"
 
+#include "core/CountInTurns.h"
 #include "core/DynamicRangeCalculator.h"
 
 #include <algorithm>
 #include <array>
-#include <functional>
 #include <stdexcept>
 
 namespace Tav::Imaging::RawImage {
-
-namespace {
-
-/// How often each gray level occurs. Neighbours are often equal: counting in turns in several tables
-/// spares the wait for the last count to be stored.
-std::array<uint32_t, 256> CountLevels(const std::vector<uint8_t>& picture)
-{
-    constexpr size_t tables = 8;
-    std::array<std::array<uint32_t, 256>, tables> turns = {};
-    size_t pixel = 0;
-    for (; pixel + tables <= picture.size(); pixel += tables)
-    {
-        for (size_t table = 0; table < tables; ++table)
-            ++turns[table][picture[pixel + table]];
-    }
-    for (; pixel < picture.size(); ++pixel)
-        ++turns[0][picture[pixel]];
-
-    std::array<uint32_t, 256> counts = {};
-    for (const std::array<uint32_t, 256>& turn : turns)
-        std::transform(counts.begin(), counts.end(), turn.begin(), counts.begin(), std::plus<>{});
-    return counts;
-}
-
-} // namespace
 
 DistanceImage::DistanceImage(const Image<int>& signedSource) noexcept
     : Image(signedSource.width, signedSource.height), source(signedSource)
@@ -85,7 +60,8 @@ void StretchContrast(std::vector<uint8_t>& picture, size_t pixelCount)
         return;
 
     constexpr double threshold = 0.99;
-    const std::array<uint32_t, 256> counts = CountLevels(picture);
+    std::array<uint32_t, 256> counts = {};
+    CountInTurns<8>(counts, picture.size(), [&picture](size_t pixel) { return picture[pixel]; });
     std::array<double, 256> shares = {};
     std::transform(counts.begin(), counts.end(), shares.begin(),
                    [pixelCount](uint32_t count) { return count / static_cast<double>(pixelCount); });

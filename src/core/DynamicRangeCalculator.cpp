@@ -2,6 +2,7 @@
 
 #include "core/Diagnostics.h"
 
+#include <span>
 #include <vector>
 
 namespace Tav::Imaging::RawImage {

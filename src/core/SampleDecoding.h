@@ -30,8 +30,8 @@ template <typename Word>
     return __builtin_bswap32(LoadLittleEndian<uint32_t>(bytes));
 }
 
-/// The value of a half-precision code as electron-microscopy programs before us have read it: infinities
-/// and NaN of either sign are +infinity, and subnormal numbers scale by 2^-15.
+/// The value of a half-precision code. Infinities and NaN of either sign count as the brightest value,
+/// +infinity; subnormal numbers scale by 2^-15.
 [[nodiscard]] float DecodeHalf(uint16_t code) noexcept;
 
 } // namespace Tav::Imaging::RawImage

@@ -5,8 +5,10 @@
 #include "core/Text.h"
 
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace Tav::Imaging::RawImage {
 

@@ -49,7 +49,7 @@ void Metadata::FillFromImage(const RawImage& image)
 bool Metadata::Get(MetadataProperty prop, PROPVARIANT& variant) const noexcept
 try
 {
-    variant = {};
+    PropVariantInit(&variant);
     switch (prop)
     {
     case MetadataProperty::Width:

@@ -1,9 +1,9 @@
 #include "metadata/PropertyStore.h"
 
-#include "com/ModuleCounters.h"
 #include "core/Diagnostics.h"
 #include "core/RawImage.h"
 #include "platform/ComPtr.h"
+#include "platform/ModuleCounters.h"
 
 #include <shlwapi.h>
 

@@ -27,6 +27,8 @@ public:
 
     HRESULT STDMETHODCALLTYPE Initialize(IStream* stream, DWORD grfMode) override;
 
+    virtual ~PropertyStore();
+
     HRESULT STDMETHODCALLTYPE GetCount(DWORD* count) override;
     HRESULT STDMETHODCALLTYPE GetAt(DWORD index, PROPERTYKEY* key) override;
     HRESULT STDMETHODCALLTYPE GetValue(REFPROPERTYKEY key, PROPVARIANT* value) override;
@@ -36,8 +38,6 @@ public:
     HRESULT STDMETHODCALLTYPE IsPropertyWritable(REFPROPERTYKEY key) override;
 
 private:
-    virtual ~PropertyStore();
-
     std::atomic<uint32_t> refCount{1};
     Tav::Imaging::RawImage::Metadata metadata;
 };

@@ -1,6 +1,7 @@
 #include "platform/StandIns.h"
 
 #include <cstdlib>
+#include <cstring>
 
 namespace {
 
@@ -10,7 +11,7 @@ thread_local DebugStringSink debugStringSink = nullptr;
 
 void PropVariantInit(PROPVARIANT* variant)
 {
-    *variant = {};
+    std::memset(variant, 0, sizeof(*variant));
 }
 
 HRESULT PropVariantClear(PROPVARIANT* variant)

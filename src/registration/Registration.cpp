@@ -109,7 +109,7 @@ RegistrationState CheckRegistration(Scope scope, const std::wstring& dllPath)
         if (!present)
             AddName(state.missing, entry);
         else if (*present != entry.value)
-            AddName(state.different, entry);
+            AddName(entry.isOwn ? state.outdated : state.leftToOthers, entry);
     }
     return state;
 }

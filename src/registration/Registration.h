@@ -24,13 +24,19 @@ struct RegistrationResult
     std::vector<std::wstring> leftToOthers;
 };
 
-/// How the registry compares with the table.
+/// How the registry compares with the table. Of our own keys the key is named, of the others the value.
 struct RegistrationState
 {
     std::optional<RegistrationFailure> failure;
-    /// Values that are not there, and values that are not ours. Of our own keys the key is named.
+    /// What is not there.
     std::vector<std::wstring> missing;
-    std::vector<std::wstring> different;
+    /// Our own keys that are not as they should be: those of another version, or for another Lumora.dll.
+    std::vector<std::wstring> outdated;
+    /// Values that another program has set.
+    std::vector<std::wstring> leftToOthers;
+
+    /// Whether registering would change nothing.
+    [[nodiscard]] bool IsComplete() const noexcept { return !failure && missing.empty() && outdated.empty(); }
 };
 
 /// Registers the Lumora.dll at that path. Our own keys are written anew; of the rest, what somebody else has

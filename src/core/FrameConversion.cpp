@@ -1,13 +1,13 @@
+#include "core/FrameConversion.h"
+
 #include "core/CodeFrame.h"
 #include "core/Diagnostics.h"
 #include "core/DisplayScaling.h"
-#include "core/RawImageBase.h"
 #include "core/RescaleToUInt32.h"
 #include "core/SampleDecoding.h"
-#include "core/StreamReader.h"
+#include "core/StoredImage.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cmath>
 #include <cstdlib>
@@ -32,33 +32,13 @@ void CopyRows(const Bytes& frame, Bytes& picture, size_t rowBytes, size_t rows, 
     }
 }
 
-/// The frame's stored samples of `sampleBytes` each, decoded one by one.
-template <typename T, size_t sampleBytes, typename Decode>
-class StoredImage final : public Image<T>
-{
-public:
-    StoredImage(const RawImageBase& image, const Bytes& frameBytes, Decode sampleDecode)
-        : Image<T>(image.width, image.height), frame(frameBytes), decode(std::move(sampleDecode))
-    {}
-
-    void Load(size_t first, std::span<T> block) const override
-    {
-        const uint8_t* const stored = frame.data() + first * sampleBytes;
-        for (size_t i = 0; i < block.size(); ++i)
-            block[i] = decode(stored + i * sampleBytes);
-    }
-
-private:
-    const Bytes& frame;
-    Decode decode;
-};
-
 /// Turns one frame's samples into the display picture.
 class FrameConverter
 {
 public:
-    FrameConverter(const RawImageBase& image, Bytes& frame, Bytes& picture)
-        : image(image), frame(frame), picture(picture), pixelCount(size_t{image.width} * image.height)
+    FrameConverter(RawImageBase& image, Bytes& frame)
+        : image(image), frame(frame), picture(image.displayPixels),
+          pixelCount(size_t{image.width} * image.height)
     {}
 
     void ConvertUInt4()
@@ -86,7 +66,8 @@ public:
         StretchContrast(picture, pixelCount);
     }
 
-    /// Also for RGB24, whose rows are deliberately taken for single bytes when flipped.
+    /// Also for RGB24: flipped, its rows are taken for single bytes, and two thirds of the picture stay
+    /// black.
     void ConvertUInt8()
     {
         const size_t pictureBytes = pixelCount * BytesPerPixel(image.pixelType);
@@ -98,7 +79,8 @@ public:
         else
         {
             // The frame is the picture, but for what a strided read has left behind it.
-            frame.resize(pictureBytes);
+            if (frame.size() > pictureBytes)
+                frame = Bytes(frame.begin(), frame.begin() + static_cast<std::ptrdiff_t>(pictureBytes));
             picture = std::move(frame);
         }
         StretchContrast(picture, pixelCount);
@@ -131,7 +113,7 @@ public:
     void ConvertUInt32()
     {
         const auto decode = [](const uint8_t* bytes) { return LoadLittleEndian<uint32_t>(bytes); };
-        StoredImage<unsigned int, 4, decltype(decode)> samples{image, frame, decode};
+        StoredImage<unsigned int, 4, decltype(decode)> samples{image.width, image.height, frame, decode};
         FindRange(samples, std::numeric_limits<uint32_t>::max(), 0);
         ScaleByDynamicRange(samples, picture, image.flipVertical);
     }
@@ -139,7 +121,7 @@ public:
     void ConvertInt32()
     {
         const auto decode = [](const uint8_t* bytes) { return LoadLittleEndian<int32_t>(bytes); };
-        StoredImage<int, 4, decltype(decode)> samples{image, frame, decode};
+        StoredImage<int, 4, decltype(decode)> samples{image.width, image.height, frame, decode};
         FindRange(samples, std::numeric_limits<int32_t>::max(), std::numeric_limits<int32_t>::min());
         DistanceImage distances{samples};
         ScaleByDynamicRange(distances, picture, image.flipVertical);
@@ -148,7 +130,7 @@ public:
     template <size_t sampleBytes, typename Decode>
     void ConvertFloating(bool force32Bit, Decode decode)
     {
-        StoredImage<double, sampleBytes, Decode> samples{image, frame, std::move(decode)};
+        StoredImage<double, sampleBytes, Decode> samples{image.width, image.height, frame, std::move(decode)};
         // The maximum starts at the smallest positive number: a frame of negative samples keeps it.
         FindRange(samples, std::numeric_limits<double>::max(), std::numeric_limits<double>::min());
         const RescaleToUInt32 rescale{samples, force32Bit};
@@ -235,75 +217,46 @@ std::vector<float> HalfTable(ByteOrder order)
 
 } // namespace
 
-float DecodeHalf(uint16_t code) noexcept
+void ConvertFrame(RawImageBase& image, std::vector<uint8_t>& frame)
 {
-    const int exponent = (code >> 10) & 31;
-    if (exponent == 31)
-        return std::numeric_limits<float>::infinity();
-    const float fraction = static_cast<float>(code & 1023) * 0.0009765625f;
-    const float magnitude = std::ldexp(exponent != 0 ? fraction + 1.0f : fraction, exponent - 15);
-    return (code & 0x8000) != 0 ? -magnitude : magnitude;
-}
-
-bool RawImageBase::ConvertToDisplay(IStream* stream, uint64_t streamSize, uint64_t dataOffset)
-{
-    if (readMode == readModeHeader)
-        return true;
-    if (width == 0 || height == 0 || width >= 65536 || height >= 65536)
-    {
-        WriteDiagnostic(L"Invalid resolution");
-        return false;
-    }
-    if (byteOrder == ByteOrder::BigEndian)
-        WriteDiagnostic(L"Big endian byte ordering");
-    if (BytesPerPixel(pixelType) == 0)
-        return false;
-
-    Bytes frame;
-    if (!ReadFramePixels(frame, stream, streamSize, dataOffset))
-    {
-        WriteDiagnostic(L"Failed to read the image data into memory");
-        return false;
-    }
-
-    FrameConverter converter{*this, frame, displayPixels};
-    const bool isBigEndian = byteOrder == ByteOrder::BigEndian;
-    const bool force32Bit = fileType == FileType::Raw;
-    switch (pixelType)
+    FrameConverter converter{image, frame};
+    const bool isBigEndian = image.byteOrder == ByteOrder::BigEndian;
+    const bool force32Bit = image.fileType == FileType::Raw;
+    switch (image.pixelType)
     {
     case PixelType::UInt4:
         converter.ConvertUInt4();
-        return true;
+        break;
     case PixelType::UInt8:
     case PixelType::RGB24:
         converter.ConvertUInt8();
-        return true;
+        break;
     case PixelType::Int8:
         converter.ConvertInt8();
-        return true;
+        break;
     case PixelType::UInt16:
         converter.ConvertInteger16(isBigEndian ? [](uint16_t code) { return __builtin_bswap16(code); }
                                                : [](uint16_t code) { return code; });
-        return true;
+        break;
     case PixelType::Int16:
         // With the sign bit turned, signed samples keep their order as unsigned ones.
         converter.ConvertInteger16(
             isBigEndian
                 ? [](uint16_t code) { return static_cast<uint16_t>(__builtin_bswap16(code) ^ 0x8000); }
                 : [](uint16_t code) { return static_cast<uint16_t>(code ^ 0x8000); });
-        return true;
+        break;
     // 32-bit integers and everything wider than Float32 is little-endian in every file that has them.
     case PixelType::UInt32:
         converter.ConvertUInt32();
-        return true;
+        break;
     case PixelType::Int32:
         converter.ConvertInt32();
-        return true;
+        break;
     case PixelType::Float16:
-        converter.ConvertFloating<2>(force32Bit, [values = HalfTable(byteOrder)](const uint8_t* bytes) {
+        converter.ConvertFloating<2>(force32Bit, [values = HalfTable(image.byteOrder)](const uint8_t* bytes) {
             return values[LoadLittleEndian<uint16_t>(bytes)];
         });
-        return true;
+        break;
     case PixelType::Float32:
         if (isBigEndian)
             converter.ConvertFloating<4>(
@@ -311,66 +264,23 @@ bool RawImageBase::ConvertToDisplay(IStream* stream, uint64_t streamSize, uint64
         else
             converter.ConvertFloating<4>(force32Bit,
                                          [](const uint8_t* bytes) { return LoadLittleEndian<float>(bytes); });
-        return true;
+        break;
     case PixelType::Double64:
         converter.ConvertFloating<8>(force32Bit,
                                      [](const uint8_t* bytes) { return LoadLittleEndian<double>(bytes); });
-        return true;
+        break;
     case PixelType::Complex64:
         converter.ConvertFloating<8>(false, [](const uint8_t* bytes) { return Magnitude<float>(bytes); });
-        return true;
+        break;
     case PixelType::Complex128:
         converter.ConvertFloating<16>(false, [](const uint8_t* bytes) { return Magnitude<double>(bytes); });
-        return true;
+        break;
     case PixelType::RGBA32:
         converter.ConvertRgba32();
-        return true;
+        break;
     case PixelType::Unknown:
         break;
     }
-    return false;
-}
-
-bool RawImageBase::ReadFramePixels(std::vector<uint8_t>& samples, IStream* stream, uint64_t streamSize,
-                                   uint64_t dataOffset) const
-{
-    const uint64_t sampleBytes = BytesPerPixel(pixelType);
-    const uint64_t frameBytes = sampleBytes * width * height;
-    const bool isPacked = xStride == 0 && yStride == 0;
-
-    uint64_t bytesToRead = pixelType == PixelType::UInt4 ? frameBytes / 2 : frameBytes;
-    if (!isPacked)
-    {
-        // Everything to the end of the stream, in 32 bits; a frame must fit in it.
-        bytesToRead = static_cast<uint32_t>(streamSize - dataOffset);
-        if (bytesToRead < frameBytes)
-            return false;
-    }
-    if (bytesToRead > std::numeric_limits<uint32_t>::max() || dataOffset > streamSize ||
-        bytesToRead > streamSize - dataOffset)
-        return false;
-
-    if (samples.size() < bytesToRead)
-        samples.resize(bytesToRead);
-    if (!ReadStreamAt(stream, dataOffset, samples.data(), static_cast<uint32_t>(bytesToRead)))
-        return false;
-    if (isPacked)
-        return true;
-
-    const std::vector<uint8_t> stored(samples.begin(),
-                                      samples.begin() + static_cast<std::ptrdiff_t>(frameBytes));
-    auto target = samples.begin();
-    for (uint64_t y = 0; y < height; ++y)
-    {
-        for (uint64_t x = 0; x < width; ++x)
-        {
-            // A layout that reaches beyond the first frameBytes bytes wraps to their start.
-            const uint64_t position = (x * xStride + y * yStride) % frameBytes;
-            for (uint64_t byte = 0; byte < sampleBytes; ++byte)
-                *target++ = stored[(position + byte) % frameBytes];
-        }
-    }
-    return true;
 }
 
 } // namespace Tav::Imaging::RawImage

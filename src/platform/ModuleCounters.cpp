@@ -1,4 +1,4 @@
-#include "com/ModuleCounters.h"
+#include "platform/ModuleCounters.h"
 
 std::atomic<uint32_t> objectCount{0};
 std::atomic<uint32_t> lockCount{0};
