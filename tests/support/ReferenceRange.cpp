@@ -1,15 +1,19 @@
 #include "support/ReferenceRange.h"
 
+#include <map>
+
 namespace {
 
 constexpr uint32_t coarseBinWidth = 16384;
 
-/// Each bin's part of the whole.
-std::vector<double> Shares(const std::vector<uint32_t>& counts, uint64_t whole)
+/// The occupied bins in order, each with its part of the whole. Empty bins change no running sum.
+using Shares = std::map<uint32_t, double>;
+
+Shares SharesOf(const std::map<uint32_t, uint32_t>& counts, uint64_t whole)
 {
-    std::vector<double> shares;
-    for (const uint32_t count : counts)
-        shares.push_back(static_cast<double>(count) / static_cast<double>(whole));
+    Shares shares;
+    for (const auto& [bin, count] : counts)
+        shares[bin] = static_cast<double>(count) / static_cast<double>(whole);
     return shares;
 }
 
@@ -19,36 +23,35 @@ ReferenceRange ReferenceExactRange(const SampledFrame& frame, uint32_t low, uint
 {
     ReferenceRange range{low, high, {}};
     const uint32_t base = low;
-    const uint32_t last = high - low;
 
-    std::vector<uint32_t> counts(size_t{last} + 1);
+    std::map<uint32_t, uint32_t> counts;
     for (const uint32_t sample : frame.samples)
     {
         const uint32_t bin = sample - base;
-        if (bin <= last)
+        if (bin <= high - low)
             ++counts[bin];
     }
-    const std::vector<double> shares = Shares(counts, frame.samples.size());
+    const Shares shares = SharesOf(counts, frame.samples.size());
 
     for (const double threshold : {0.999, 0.99, 0.95, 0.9})
     {
         double sum = 0;
-        for (uint32_t bin = last; bin >= 1; --bin)
+        for (auto bin = shares.rbegin(); bin != shares.rend() && bin->first >= 1; ++bin)
         {
-            sum += shares[bin];
+            sum += bin->second;
             if (sum > threshold)
             {
-                range.low = base + bin - 1;
+                range.low = base + bin->first - 1;
                 break;
             }
         }
         sum = 0;
-        for (uint32_t bin = 0; bin <= last; ++bin)
+        for (auto bin = shares.begin(); bin != shares.end(); ++bin)
         {
-            sum += shares[bin];
+            sum += bin->second;
             if (sum > threshold)
             {
-                range.high = base + bin;
+                range.high = base + bin->first;
                 break;
             }
         }
@@ -72,32 +75,31 @@ ReferenceRange ReferenceCoarseRange(const SampledFrame& frame, uint32_t low, uin
 {
     ReferenceRange range{low, high, {}};
     const uint32_t base = frame.minimum;
-    const uint32_t last = (frame.maximum - base) >> 14;
     const size_t sampleCount = frame.samples.size();
     const size_t step = sampleCount >= 16777216 ? 16 : sampleCount >= 4194304 ? 4 : 1;
 
-    std::vector<uint32_t> counts(size_t{last} + 1);
+    std::map<uint32_t, uint32_t> counts;
     for (size_t i = 0; i < sampleCount; i += step)
-        ++counts.at((frame.samples[i] - base) >> 14);
-    const std::vector<double> shares = Shares(counts, sampleCount / step);
+        ++counts[(frame.samples[i] - base) >> 14];
+    const Shares shares = SharesOf(counts, sampleCount / step);
 
     double sum = 0;
-    for (uint32_t bin = last; bin >= 1; --bin)
+    for (auto bin = shares.rbegin(); bin != shares.rend() && bin->first >= 1; ++bin)
     {
-        sum += shares[bin];
+        sum += bin->second;
         if (sum > 0.98)
         {
-            range.low = base + bin * coarseBinWidth;
+            range.low = base + bin->first * coarseBinWidth;
             break;
         }
     }
     sum = 0;
-    for (uint32_t bin = 0; bin <= last; ++bin)
+    for (auto bin = shares.begin(); bin != shares.end(); ++bin)
     {
-        sum += shares[bin];
+        sum += bin->second;
         if (sum > 0.98)
         {
-            range.high = base + bin * coarseBinWidth + coarseBinWidth - 1;
+            range.high = base + bin->first * coarseBinWidth + coarseBinWidth - 1;
             break;
         }
     }

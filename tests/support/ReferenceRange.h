@@ -22,8 +22,7 @@ struct ReferenceRange
     std::vector<std::string> lines;
 };
 
-/// The display range by the exact histogram, in the plainest way, starting with (low, high).
-/// The range must be narrow enough for one bin per value.
+/// The display range by the exact histogram, starting with (low, high).
 [[nodiscard]] ReferenceRange ReferenceExactRange(const SampledFrame& frame, uint32_t low, uint32_t high);
 
 /// The display range by the coarse histogram, and by the exact one where that has narrowed it enough,
