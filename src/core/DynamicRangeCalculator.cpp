@@ -141,8 +141,9 @@ void DynamicRangeCalculator::ComputeCoarseRange(const Image<unsigned int>& image
     constexpr double threshold = 0.98;
     const uint32_t base = image.minimum;
     const size_t step = CoarseStep(image.SampleCount());
-    const std::vector<double> shares =
-        SharesOf(CountCoarsely(image, base, step), static_cast<double>(image.SampleCount() / step));
+    // The part that is left over when the step does not divide the samples is visited, but not in the total.
+    const size_t total = image.SampleCount() / step;
+    const std::vector<double> shares = SharesOf(CountCoarsely(image, base, step), static_cast<double>(total));
     if (const size_t bin = CrossingFromTop(shares, threshold); bin > 0)
         low = base + static_cast<uint32_t>(bin) * coarseBinWidth;
     if (const size_t bin = CrossingFromBottom(shares, threshold); bin < shares.size())

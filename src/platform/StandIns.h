@@ -6,6 +6,9 @@
 /// Stand-ins for the Windows types and calls that core, formats and metadata use. Names, values and
 /// behaviour are the Windows SDK's, as far as they are used here.
 
+// The names are not ours to choose.
+// NOLINTBEGIN(readability-identifier-naming)
+
 using BOOL = int;
 using BYTE = uint8_t;
 using DWORD = uint32_t;
@@ -120,3 +123,5 @@ void OutputDebugStringW(const wchar_t* line);
 /// Where OutputDebugStringW sends its lines on this thread; null drops them.
 using DebugStringSink = void (*)(const wchar_t* line);
 void SetDebugStringSink(DebugStringSink sink);
+
+// NOLINTEND(readability-identifier-naming)
