@@ -1,0 +1,14 @@
+#pragma once
+
+#include <cstdint>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+/// All bytes of a file on disk; none when it cannot be read.
+inline std::vector<uint8_t> FileBytes(const std::string& path)
+{
+    std::ifstream file{path, std::ios::binary};
+    return {std::istreambuf_iterator<char>{file}, {}};
+}

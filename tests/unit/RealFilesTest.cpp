@@ -1,0 +1,113 @@
+#include "support/FileBytes.h"
+#include "support/FileRead.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <numeric>
+
+using namespace Tav::Imaging::RawImage;
+using testing::IsEmpty;
+
+namespace {
+
+/// Files written by instruments and analysis programs are not part of the source tree. Where they are
+/// missing, each of these tests says so and has nothing to check.
+class RealFiles : public testing::Test
+{
+protected:
+    /// The file's bytes; none, after saying so, when the whole collection is not there.
+    static std::vector<uint8_t> Load(const std::string& name)
+    {
+        const std::string folder = LUMORA_REAL_FILES;
+        if (!std::filesystem::is_directory(folder))
+        {
+            std::printf("Real files were not tested: there is no folder %s\n", folder.c_str());
+            return {};
+        }
+        const std::vector<uint8_t> bytes = FileBytes(folder + "/" + name);
+        EXPECT_THAT(bytes, testing::Not(IsEmpty())) << name;
+        return bytes;
+    }
+};
+
+/// What numpy computes of a frame's picture.
+struct FramePicture
+{
+    uint32_t frameIndex;
+    std::array<uint8_t, 8> first;
+    std::array<uint8_t, 8> last;
+    uint32_t sum;
+};
+
+void ExpectPicture(const std::vector<uint8_t>& file, const FramePicture& expected)
+{
+    const FileOpen open{file, 1, expected.frameIndex};
+    ASSERT_TRUE(open.succeeded) << expected.frameIndex;
+    EXPECT_THAT(open.lines, IsEmpty()) << expected.frameIndex;
+    const std::vector<uint8_t>& pixels = open.image.Reader()->displayPixels;
+    ASSERT_GE(pixels.size(), 16U);
+    EXPECT_TRUE(std::equal(expected.first.begin(), expected.first.end(), pixels.begin()))
+        << expected.frameIndex;
+    EXPECT_TRUE(std::equal(expected.last.begin(), expected.last.end(), pixels.end() - 8))
+        << expected.frameIndex;
+    EXPECT_EQ(std::accumulate(pixels.begin(), pixels.end(), 0U), expected.sum) << expected.frameIndex;
+}
+
+TEST_F(RealFiles, DensityMap)
+{
+    const std::vector<uint8_t> file = Load("mrc/EMD-3197.map");
+    if (file.empty())
+        return;
+
+    const FileOpen header{file, 0};
+    ASSERT_TRUE(header.succeeded);
+    EXPECT_THAT(header.lines, IsEmpty());
+    const RawImageBase& reader = *header.image.Reader();
+    EXPECT_EQ(reader.fileType, FileType::Mrc);
+    EXPECT_EQ(reader.width, 20U);
+    EXPECT_EQ(reader.height, 20U);
+    EXPECT_EQ(reader.frameCount, 20U);
+    EXPECT_EQ(reader.pixelType, PixelType::Float32);
+    EXPECT_EQ(reader.byteOrder, ByteOrder::LittleEndian);
+    EXPECT_FALSE(reader.flipVertical);
+    EXPECT_EQ(reader.software, L"");
+    EXPECT_EQ(reader.formatDetails, L"MRC Mode 2");
+
+    ExpectPicture(file,
+                  {0, {36, 41, 44, 50, 57, 66, 63, 56}, {152, 145, 147, 143, 136, 124, 123, 120}, 50124});
+    ExpectPicture(file,
+                  {10, {95, 99, 94, 91, 90, 93, 97, 98}, {207, 208, 199, 195, 194, 194, 183, 173}, 52511});
+    ExpectPicture(file,
+                  {19, {41, 51, 57, 60, 63, 64, 65, 63}, {151, 149, 150, 143, 133, 132, 133, 129}, 45150});
+}
+
+TEST_F(RealFiles, DetectorMovie)
+{
+    const std::vector<uint8_t> file = Load("mrc/movie_348_frames.mrc");
+    if (file.empty())
+        return;
+
+    const FileOpen header{file, 0};
+    ASSERT_TRUE(header.succeeded);
+    EXPECT_THAT(header.lines, IsEmpty());
+    const RawImageBase& reader = *header.image.Reader();
+    EXPECT_EQ(reader.fileType, FileType::Mrc2014);
+    EXPECT_EQ(reader.width, 16U);
+    EXPECT_EQ(reader.height, 16U);
+    EXPECT_EQ(reader.frameCount, 348U);
+    EXPECT_EQ(reader.pixelType, PixelType::UInt16);
+    EXPECT_EQ(reader.byteOrder, ByteOrder::LittleEndian);
+    EXPECT_FALSE(reader.flipVertical);
+    EXPECT_EQ(reader.software, L"");
+    EXPECT_EQ(reader.formatDetails, L"MRC2014 Mode 6");
+
+    ExpectPicture(file, {0, {12, 2, 3, 5, 5, 7, 8, 59}, {239, 242, 239, 237, 231, 227, 225, 223}, 35007});
+    ExpectPicture(file, {174, {15, 3, 4, 5, 5, 7, 8, 59}, {239, 243, 241, 237, 232, 228, 226, 223}, 35174});
+    ExpectPicture(file, {347, {17, 1, 3, 5, 5, 7, 8, 59}, {239, 244, 240, 237, 231, 228, 226, 222}, 35087});
+}
+
+} // namespace
