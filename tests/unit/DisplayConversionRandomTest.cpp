@@ -1,4 +1,4 @@
-#include "support/FrameConversion.h"
+#include "support/FrameReader.h"
 #include "support/RandomSeed.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 #include "support/DiagnosticLines.h"
-#include "support/FrameConversion.h"
+#include "support/FrameReader.h"
 #include "support/TestStream.h"
 
 #include <gtest/gtest.h>
