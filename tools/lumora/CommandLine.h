@@ -1,0 +1,59 @@
+#pragma once
+
+#include "registration/RegistryTable.h"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace Lumora {
+
+enum class Command
+{
+    None,
+    Info,
+    Render,
+    Register,
+    Unregister,
+};
+
+/// What the user asked for.
+struct CommandLine
+{
+    Command command = Command::None;
+    bool wantsHelp = false;
+    bool wantsVersion = false;
+
+    /// Files, folders and name patterns.
+    std::vector<std::wstring> paths;
+    bool isVerbose = false;
+
+    // info
+    bool wantsJson = false;
+
+    // render
+    std::wstring outputFolder;
+    /// Nothing means every frame.
+    std::optional<uint32_t> frame = 0;
+    std::optional<uint32_t> longerSide;
+
+    // register and unregister
+    Scope scope = Scope::Machine;
+    std::wstring dllPath;
+    bool onlyCheck = false;
+};
+
+/// A command line that makes no sense.
+struct UsageError
+{
+    std::wstring text;
+    /// Whose help has more to say.
+    Command command = Command::None;
+};
+
+/// Understands the arguments after the program's name. Throws a UsageError.
+[[nodiscard]] CommandLine ParseCommandLine(std::span<const wchar_t* const> arguments);
+
+} // namespace Lumora

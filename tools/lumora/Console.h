@@ -1,0 +1,47 @@
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+#include <string_view>
+
+namespace Lumora {
+
+/// The program's two outputs. Files and pipes get UTF-8; a terminal gets what it can show.
+class Console
+{
+public:
+    Console();
+
+    /// Writes to the standard output. The line end is the caller's.
+    void Print(std::wstring_view text);
+
+    /// Writes one line to standard error.
+    void Complain(std::wstring_view line);
+
+    /// Shows a line that the next output, or the next such line, replaces; an empty one removes it. Only a
+    /// terminal gets it.
+    void ShowPassing(std::wstring_view line);
+
+    /// Whether all that was printed has reached the standard output.
+    [[nodiscard]] bool IsComplete() const noexcept { return isComplete; }
+
+private:
+    struct Output
+    {
+        HANDLE handle;
+        bool isTerminal;
+    };
+
+    static Output Open(DWORD standardHandle);
+    static bool Write(const Output& output, std::wstring_view text);
+    void RemovePassing();
+
+    Output output;
+    Output error;
+    bool isComplete = true;
+    /// How many columns of the terminal's line the passing line takes.
+    size_t passingLength = 0;
+};
+
+} // namespace Lumora

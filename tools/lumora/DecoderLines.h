@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace Lumora {
+
+/// Collects what Lumora.dll writes to the debugger output on this thread. One at a time.
+class DecoderLines
+{
+public:
+    DecoderLines();
+    DecoderLines(const DecoderLines&) = delete;
+    DecoderLines& operator=(const DecoderLines&) = delete;
+    ~DecoderLines();
+
+    /// The lines since the last call, in order.
+    [[nodiscard]] std::vector<std::wstring> Take();
+
+private:
+    void* handler;
+};
+
+} // namespace Lumora

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+namespace Lumora {
+
+/// Something that could not be done, in words. Thrown for one file, it ends the work on that file.
+struct Failure
+{
+    std::wstring text;
+};
+
+/// Said when Windows does not know Lumora.
+inline constexpr const wchar_t* notRegistered =
+    L"Lumora is not registered with Windows; \"lumora register\" does that";
+
+/// The result in words and by its SDK name, as "access is denied (E_ACCESSDENIED)".
+[[nodiscard]] std::wstring DescribeResult(HRESULT result);
+
+/// The error code of a system call in the same form.
+[[nodiscard]] std::wstring DescribeError(DWORD error);
+
+/// Throws a failure when the result is one. `what` says what was tried: "cannot open the file".
+void Require(HRESULT result, const wchar_t* what);
+
+} // namespace Lumora

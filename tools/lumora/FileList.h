@@ -1,0 +1,34 @@
+#pragma once
+
+#include "Console.h"
+
+#include <string>
+#include <vector>
+
+namespace Lumora {
+
+/// One file to work on.
+struct SourceFile
+{
+    /// As the user knows it.
+    std::wstring name;
+    /// Full, for opening it.
+    std::wstring path;
+    /// Where it was found below the folder that the user named; empty for a file directly in it, or named
+    /// itself.
+    std::wstring subfolder;
+};
+
+/// The files to work on, and how many of the given names led to none.
+struct FileList
+{
+    std::vector<SourceFile> files;
+    size_t failures = 0;
+};
+
+/// Finds what the paths name: files, patterns with * and ? in their last part, and folders, which stand for
+/// all files below them with an extension that Lumora registers. A path that names nothing is complained
+/// about.
+[[nodiscard]] FileList FindFiles(const std::vector<std::wstring>& paths, Console& console);
+
+} // namespace Lumora

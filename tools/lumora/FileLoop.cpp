@@ -1,0 +1,62 @@
+#include "FileLoop.h"
+
+#include "DecoderLines.h"
+#include "Failure.h"
+#include "Progress.h"
+
+#include <exception>
+#include <optional>
+
+namespace Lumora {
+
+namespace {
+
+/// Does the work on one file. Gives what went wrong.
+std::optional<std::wstring> Try(const SourceFile& file, const std::function<void(const SourceFile&)>& work)
+try
+{
+    work(file);
+    return std::nullopt;
+}
+catch (const Failure& failure)
+{
+    return failure.text;
+}
+catch (const std::exception& exception)
+{
+    // The decoder lets exhausted memory pass through to its host.
+    const std::string_view text = exception.what();
+    return L"an exception ended the work on the file: " + std::wstring(text.begin(), text.end());
+}
+
+} // namespace
+
+int ForEachFile(const FileList& list, const CommandLine& line, Console& console,
+                const std::function<void(const SourceFile&)>& work,
+                const std::function<void(const SourceFile&, const std::wstring& why)>& whenFailed)
+{
+    size_t failures = list.failures;
+    DecoderLines decoderLines;
+    Progress progress(console, list.files.size());
+    for (const SourceFile& file : list.files)
+    {
+        progress.Next(file.name);
+        std::optional<std::wstring> failure = Try(file, work);
+        const std::vector<std::wstring> lines = decoderLines.Take();
+        if (line.isVerbose)
+        {
+            for (const std::wstring& note : lines)
+                console.Complain(file.name + L": " + note);
+        }
+        if (!failure)
+            continue;
+        ++failures;
+        if (!lines.empty())
+            *failure += L"; the reader noted \"" + lines.back() + L"\"";
+        console.Complain(L"lumora: " + file.name + L": " + *failure);
+        whenFailed(file, *failure);
+    }
+    return failures == 0 ? 0 : 1;
+}
+
+} // namespace Lumora

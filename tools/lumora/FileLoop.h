@@ -1,0 +1,18 @@
+#pragma once
+
+#include "CommandLine.h"
+#include "Console.h"
+#include "FileList.h"
+
+#include <functional>
+#include <string>
+
+namespace Lumora {
+
+/// Does the work on every file of the list, and goes on after one that fails. A failure is told on standard
+/// error, with the reader's last note if it wrote any, and to `whenFailed`. Gives the exit code.
+int ForEachFile(const FileList& list, const CommandLine& line, Console& console,
+                const std::function<void(const SourceFile&)>& work,
+                const std::function<void(const SourceFile&, const std::wstring& why)>& whenFailed);
+
+} // namespace Lumora

@@ -1,0 +1,121 @@
+#include "HelpText.h"
+
+namespace Lumora {
+
+namespace {
+
+constexpr std::wstring_view programHelp = LR"(Lumora shows electron-microscopy files as pictures.
+
+Usage: lumora COMMAND [OPTIONS]
+
+Commands:
+  info        tell what files hold: size, frames, pixel type, software
+  render      write frames as PNG pictures
+  register    make Lumora known to Windows
+  unregister  take that back
+
+Options:
+  --help      this text; after a command, how that command is used
+  --version   the version of this program
+
+The exit code is 0 when all went well, 1 when something failed and 2 when the command line made no sense.
+)";
+
+constexpr std::wstring_view infoHelp = LR"(Tells what files hold.
+
+Usage: lumora info [--json] [--verbose] PATH...
+
+A PATH is a file, a pattern like *.mrc, or a folder: then every file below it counts that has an extension
+which Lumora registers. Lumora must be registered.
+
+Options:
+  --json      write an array with one object for each file; a failed one has the member "error", a property
+              that a file does not have is null
+  --verbose   tell on standard error what the reader noted about each file
+  --          what follows is a PATH, also when it begins with a dash
+  --help      this text
+)";
+
+constexpr std::wstring_view renderHelp = LR"(Writes frames as PNG pictures.
+
+Usage: lumora render [-o FOLDER] [--frame N|all] [--size PIXELS] [--verbose] PATH...
+
+A PATH is a file, a pattern like *.mrc, or a folder: then every file below it counts that has an extension
+which Lumora registers. Lumora must be registered.
+
+The picture of NAME.mrc is NAME.png, or NAME-N.png for a frame other than the first and when all are asked for.
+Files from the subfolders of a PATH go to subfolders of the same names. An earlier picture is replaced, a source
+never, and no two pictures of one run get the same name. The names written are listed on standard output.
+
+Options:
+  -o FOLDER       where the pictures go; made when it is not there. Default: the current folder
+  --frame N       the frame with this number, counted from 0; "all" for each of them. Default: 0
+  --size PIXELS   scale down so that the longer side has this many pixels; smaller pictures stay as they are
+  --verbose       tell on standard error what the reader noted about each file
+  --              what follows is a PATH, also when it begins with a dash
+  --help          this text
+)";
+
+constexpr std::wstring_view registerHelp =
+    LR"(Makes Lumora known to Windows: to its imaging component as a decoder, to its shell for thumbnails and properties.
+
+Usage: lumora register [--user] [--dll PATH] [--check]
+
+What other programs have set for a file name extension is left to them and listed.
+
+Options:
+  --user      for yourself alone, which needs no administrator rights. Windows takes the properties and the
+              kinds of files from the machine alone, so files get thumbnails but no properties
+  --dll PATH  the Lumora.dll to register. Default: the one beside this program
+  --check     change nothing, and tell what of the registration is missing or outdated
+  --help      this text
+)";
+
+constexpr std::wstring_view unregisterHelp = LR"(Takes a registration of Lumora back.
+
+Usage: lumora unregister [--user]
+
+What other programs have set for a file name extension stays.
+
+Options:
+  --user      take back what "lumora register --user" has done
+  --help      this text
+)";
+
+struct CommandHelp
+{
+    std::wstring_view invocation;
+    std::wstring_view text;
+};
+
+constexpr CommandHelp HelpOf(Command command) noexcept
+{
+    switch (command)
+    {
+    case Command::Info:
+        return {L"lumora info --help", infoHelp};
+    case Command::Render:
+        return {L"lumora render --help", renderHelp};
+    case Command::Register:
+        return {L"lumora register --help", registerHelp};
+    case Command::Unregister:
+        return {L"lumora unregister --help", unregisterHelp};
+    case Command::None:
+        break;
+    }
+    return {L"lumora --help", programHelp};
+}
+
+} // namespace
+
+std::wstring_view HelpText(Command command) noexcept
+{
+    return HelpOf(command).text;
+}
+
+std::wstring_view HelpInvocation(Command command) noexcept
+{
+    return HelpOf(command).invocation;
+}
+
+} // namespace Lumora

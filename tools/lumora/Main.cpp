@@ -1,0 +1,92 @@
+#include "CommandLine.h"
+#include "Console.h"
+#include "Failure.h"
+#include "HelpText.h"
+#include "InfoCommand.h"
+#include "RegisterCommand.h"
+#include "RenderCommand.h"
+
+#include <windows.h>
+
+#include <objbase.h>
+
+#include <exception>
+
+using namespace Lumora;
+
+namespace {
+
+constexpr int somethingFailed = 1;
+constexpr int wrongUsage = 2;
+
+/// COM for this thread. The classes are called directly from any apartment.
+class ComApartment
+{
+public:
+    ComApartment() { Require(CoInitializeEx(nullptr, COINIT_MULTITHREADED), L"cannot start COM"); }
+    ComApartment(const ComApartment&) = delete;
+    ComApartment& operator=(const ComApartment&) = delete;
+    ~ComApartment() { CoUninitialize(); }
+};
+
+int Run(const CommandLine& line, Console& console)
+{
+    if (line.wantsHelp)
+    {
+        console.Print(HelpText(line.command));
+        return 0;
+    }
+    if (line.wantsVersion)
+    {
+        console.Print(L"lumora " LUMORA_VERSION L"\n");
+        return 0;
+    }
+    const ComApartment apartment;
+    switch (line.command)
+    {
+    case Command::Info:
+        return RunInfo(line, console);
+    case Command::Render:
+        return RunRender(line, console);
+    case Command::Register:
+        return RunRegister(line, console);
+    case Command::Unregister:
+        return RunUnregister(line, console);
+    case Command::None:
+        break;
+    }
+    return wrongUsage;
+}
+
+} // namespace
+
+int wmain(int count, wchar_t** arguments)
+{
+    Console console;
+    int exitCode = somethingFailed;
+    try
+    {
+        exitCode = Run(ParseCommandLine({arguments + 1, arguments + count}), console);
+    }
+    catch (const UsageError& error)
+    {
+        console.Complain(L"lumora: " + error.text + L"; \"" + std::wstring(HelpInvocation(error.command)) +
+                         L"\" tells how it is used");
+        exitCode = wrongUsage;
+    }
+    catch (const Failure& failure)
+    {
+        console.Complain(L"lumora: " + failure.text);
+    }
+    catch (const std::exception& exception)
+    {
+        const std::string_view text = exception.what();
+        console.Complain(L"lumora: " + std::wstring(text.begin(), text.end()));
+    }
+    if (exitCode == 0 && !console.IsComplete())
+    {
+        console.Complain(L"lumora: not all of the output could be written");
+        exitCode = somethingFailed;
+    }
+    return exitCode;
+}

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace Lumora {
+
+/// The path from its root on.
+[[nodiscard]] std::wstring FullPath(const std::wstring& path);
+
+/// The path from its root on, in a form that Windows opens however long it is.
+[[nodiscard]] std::wstring OpenablePath(const std::wstring& path);
+
+/// A name below a folder. An empty folder is the current one.
+[[nodiscard]] std::wstring JoinPath(std::wstring_view folder, std::wstring_view name);
+
+/// The last part of a path.
+[[nodiscard]] std::wstring_view FileName(std::wstring_view path) noexcept;
+
+/// The path up to its last part; empty when there is only one.
+[[nodiscard]] std::wstring_view ParentFolder(std::wstring_view path) noexcept;
+
+/// The last part without its extension.
+[[nodiscard]] std::wstring_view Stem(std::wstring_view path) noexcept;
+
+/// The extension with its point, or nothing. A point at the beginning of a name starts no extension.
+[[nodiscard]] std::wstring_view FileExtension(std::wstring_view path) noexcept;
+
+/// The folder in which this program lies.
+[[nodiscard]] std::wstring ProgramFolder();
+
+/// Orders and compares names as Windows does: without regard to case.
+struct NameLess
+{
+    [[nodiscard]] bool operator()(std::wstring_view left, std::wstring_view right) const noexcept;
+};
+
+[[nodiscard]] bool AreSameName(std::wstring_view left, std::wstring_view right) noexcept;
+
+} // namespace Lumora
