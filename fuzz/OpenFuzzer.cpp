@@ -1,0 +1,74 @@
+#include "metadata/Metadata.h"
+#include "support/TestStream.h"
+
+#include "core/RawImage.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <optional>
+#include <vector>
+
+using namespace Tav::Imaging::RawImage;
+
+namespace {
+
+/// What must hold for every input ends the program where it does not.
+void Require(bool condition)
+{
+    if (!condition)
+        std::abort();
+}
+
+/// Reads every property, as the shell does.
+void ReadProperties(const RawImage& image)
+{
+    Metadata metadata;
+    metadata.FillFromImage(image);
+    for (int property = 0; property <= static_cast<int>(MetadataProperty::FormatDetails) + 1; ++property)
+    {
+        PROPVARIANT variant;
+        if (metadata.Get(static_cast<MetadataProperty>(property), variant))
+            PropVariantClear(&variant);
+    }
+}
+
+size_t PictureBytes(const RawImageBase& reader)
+{
+    const bool isColour = reader.pixelType == PixelType::RGB24 || reader.pixelType == PixelType::RGBA32;
+    return size_t{reader.width} * reader.height * (isColour ? 3 : 1);
+}
+
+/// Opens the file in one way; the number of its frames when that succeeds.
+std::optional<uint32_t> Open(const std::vector<uint8_t>& file, uint32_t mode, uint32_t frameIndex)
+{
+    TestStream stream{file};
+    RawImage image;
+    const bool opened = image.Open(&stream, mode, frameIndex);
+    Require(stream.references == 0);
+    Require(opened == (image.Reader() != nullptr));
+    ReadProperties(image);
+    if (!opened)
+        return std::nullopt;
+
+    const RawImageBase& reader = *image.Reader();
+    Require(frameIndex < reader.frameCount);
+    Require(reader.displayPixels.size() == (mode == readModeFrame ? PictureBytes(reader) : 0));
+    return reader.frameCount;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    const std::vector<uint8_t> file(data, data + size);
+    const std::optional<uint32_t> frameCount = Open(file, readModeHeader, 0);
+    Open(file, readModeFrame, 0);
+    if (frameCount)
+    {
+        if (*frameCount > 1)
+            Open(file, readModeFrame, *frameCount - 1);
+        Require(!Open(file, readModeHeader, *frameCount));
+    }
+    return 0;
+}
