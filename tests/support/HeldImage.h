@@ -9,14 +9,17 @@
 #include <utility>
 #include <vector>
 
-/// An image that holds its samples; its range is the test's to set.
+/// An image that holds its samples, with a range of the test's choice.
 template <typename T>
 class HeldImage final : public Tav::Imaging::RawImage::Image<T>
 {
 public:
-    HeldImage(uint32_t imageWidth, uint32_t imageHeight, std::vector<T> imageSamples)
+    HeldImage(uint32_t imageWidth, uint32_t imageHeight, std::vector<T> imageSamples, T low = 0, T high = 0)
         : Tav::Imaging::RawImage::Image<T>(imageWidth, imageHeight), samples(std::move(imageSamples))
-    {}
+    {
+        this->minimum = low;
+        this->maximum = high;
+    }
 
     void Load(size_t first, std::span<T> block) const override
     {

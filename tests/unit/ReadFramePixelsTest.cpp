@@ -1,5 +1,6 @@
 #include "support/DiagnosticLines.h"
 #include "support/FrameReader.h"
+#include "support/SparseStream.h"
 #include "support/TestStream.h"
 
 #include <gtest/gtest.h>
@@ -155,6 +156,36 @@ TEST(ReadFramePixels, ReadsToTheEndOfTheStreamWithStrides)
     EXPECT_TRUE(reader.ReadFramePixels(samples, &stream, stream.bytes.size(), 2));
     EXPECT_EQ(stream.bytesRead, 7U);
     EXPECT_EQ(samples, (Bytes{1, 2, 3, 4, 5, 6, 7}));
+}
+
+TEST(ReadFramePixels, CountsTheBytesToTheEndOfTheStreamIn32Bits)
+{
+    const FrameReader reader{StoredFrame{.width = 2, .height = 2, .xStride = 1, .yStride = 2}};
+    constexpr uint64_t fourGiB = uint64_t{1} << 32;
+    constexpr uint64_t dataOffset = 2;
+    Bytes samples;
+
+    SparseStream enough{fourGiB + dataOffset + 4, {9, 9, 1, 2, 3, 4, 5}, fourGiB, {}};
+    EXPECT_TRUE(reader.ReadFramePixels(samples, &enough, fourGiB + dataOffset + 4, dataOffset));
+    EXPECT_EQ(samples, (Bytes{1, 2, 3, 4}));
+    EXPECT_EQ(enough.bytesRead, 4U);
+
+    SparseStream tooFew{fourGiB + dataOffset + 3, {9, 9, 1, 2, 3, 4, 5}, fourGiB, {}};
+    EXPECT_FALSE(reader.ReadFramePixels(samples, &tooFew, fourGiB + dataOffset + 3, dataOffset));
+    EXPECT_EQ(tooFew.readCalls, 0U);
+}
+
+TEST(ReadFramePixels, ReadsFramesBehind4GiB)
+{
+    constexpr uint64_t dataOffset = (uint64_t{1} << 33) + 5;
+    for (const uint32_t stride : {0U, 1U})
+    {
+        const FrameReader reader{StoredFrame{.width = 3, .height = 1, .xStride = stride}};
+        SparseStream stream{dataOffset + 3, {}, dataOffset, {1, 2, 3}};
+        Bytes samples;
+        EXPECT_TRUE(reader.ReadFramePixels(samples, &stream, dataOffset + 3, dataOffset));
+        EXPECT_EQ(samples, (Bytes{1, 2, 3}));
+    }
 }
 
 TEST(ReadFramePixels, NeedsAWholeFrameWithStrides)
