@@ -5,6 +5,7 @@
 #include "core/ReaderFactory.h"
 
 #include <array>
+#include <utility>
 
 namespace Tav::Imaging::RawImage {
 
@@ -40,13 +41,13 @@ bool RawImage::Open(IStream* stream, uint32_t readMode, uint32_t frameIndex)
     if (stream->Stat(&statistics, STATFLAG_NONAME) != S_OK)
         return false;
 
-    reader.reset(CreateReader(stream));
-    if (!reader)
-        return false;
-    if (reader->Read(stream, statistics.cbSize.QuadPart, readMode, frameIndex))
-        return true;
+    std::unique_ptr<RawImageBase> created{CreateReader(stream)};
     reader.reset();
-    return false;
+    if (!created || !created->Read(stream, statistics.cbSize.QuadPart, readMode, frameIndex))
+        return false;
+    // A reader is only held when it has read its file: nobody sees one that an exception left half filled.
+    reader = std::move(created);
+    return true;
 }
 
 RawImageBase* RawImage::CreateReader(IStream* stream)

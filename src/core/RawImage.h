@@ -17,8 +17,9 @@ public:
     virtual ~RawImage() = default;
 
     /// Identifies the stream's format and reads one frame (`readMode` 1) or the header only (0).
-    /// False, with no reader held, when the stream cannot be read, is of no known format or is damaged.
-    /// Passes on the exceptions of StreamReader's construction and of exhausted memory.
+    /// False when the stream cannot be read, is of no known format or is damaged. No reader is held then,
+    /// except that a stream that is null or does not tell its size leaves an earlier one in place.
+    /// Passes on the exceptions of StreamReader's construction and of exhausted memory, holding no reader.
     [[nodiscard]] bool Open(IStream* stream, uint32_t readMode, uint32_t frameIndex);
 
     /// A new reader for the format that the stream's first 64 bytes show, owned by the caller; null, after
