@@ -1,11 +1,10 @@
 #include "registration/Registration.h"
+#include "windows/ReadOnlyKey.h"
 #include "windows/RegistrySandbox.h"
 #include "windows/RegistrySnapshot.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <sddl.h>
 
 #include <array>
 
@@ -87,36 +86,6 @@ void MakeKey(HKEY hive, const std::wstring& key, DWORD options = REG_OPTION_NON_
               ERROR_SUCCESS);
     RegCloseKey(created);
 }
-
-/// A key in which nothing can be changed while this lives.
-class ReadOnlyKey
-{
-public:
-    explicit ReadOnlyKey(const std::wstring& path)
-    {
-        EXPECT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, path.c_str(), 0, KEY_ALL_ACCESS, &key), ERROR_SUCCESS);
-        Allow(L"D:(A;;KR;;;WD)");
-    }
-    ReadOnlyKey(const ReadOnlyKey&) = delete;
-    ReadOnlyKey& operator=(const ReadOnlyKey&) = delete;
-    ~ReadOnlyKey()
-    {
-        Allow(L"D:(A;;KA;;;WD)");
-        RegCloseKey(key);
-    }
-
-private:
-    void Allow(const wchar_t* rights)
-    {
-        PSECURITY_DESCRIPTOR descriptor = nullptr;
-        EXPECT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorW(rights, SDDL_REVISION_1, &descriptor,
-                                                                         nullptr));
-        EXPECT_EQ(RegSetKeySecurity(key, DACL_SECURITY_INFORMATION, descriptor), ERROR_SUCCESS);
-        LocalFree(descriptor);
-    }
-
-    HKEY key = nullptr;
-};
 
 /// A registry in which only the keys stand that Windows itself keeps.
 class Registration : public testing::Test
@@ -381,7 +350,8 @@ TEST(RegistrationOfThisMachine, LeavesTheRegistryAsItWas)
 {
     // Of Windows' own keys, a new Wine prefix lacks this one.
     MakeKey(HKEY_LOCAL_MACHINE, windows + L"PropertySystem\\PropertyHandlers");
-    // A test run that was interrupted leaves its registration.
+    // A person may have registered Lumora here.
+    const std::wstring earlierDll = Text(decoder + L"\\InprocServer32");
     EXPECT_FALSE(Unregister(Scope::Machine).failure);
     const RegistrySnapshot before = TakeRegistrySnapshot();
     ASSERT_TRUE(before.contains(L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes\\CLSID"));
@@ -389,6 +359,9 @@ TEST(RegistrationOfThisMachine, LeavesTheRegistryAsItWas)
     EXPECT_FALSE(Register(Scope::Machine, dllPath).failure);
     EXPECT_FALSE(Unregister(Scope::Machine).failure);
     EXPECT_THAT(Differences(before, TakeRegistrySnapshot()), IsEmpty());
+
+    if (earlierDll != absent)
+        static_cast<void>(Register(Scope::Machine, earlierDll));
 }
 
 } // namespace

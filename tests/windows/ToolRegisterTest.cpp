@@ -1,0 +1,144 @@
+#include "registration/Registration.h"
+#include "windows/LumoraModule.h"
+#include "windows/ReadOnlyKey.h"
+#include "windows/TemporaryFolder.h"
+#include "windows/ToolRun.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using Lumora::CheckRegistration;
+using Lumora::Scope;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+namespace {
+
+using Arguments = std::vector<std::wstring>;
+
+/// The tests find the machine's registration complete, and leave it so.
+class ToolRegister : public testing::Test
+{
+protected:
+    void TearDown() override
+    {
+        ASSERT_FALSE(Lumora::Register(Scope::Machine, LumoraModule::File().wstring()).failure);
+    }
+
+    [[nodiscard]] ToolRun Run(const Arguments& arguments) const { return {arguments, folder.Path()}; }
+
+    static bool IsRegistered(Scope scope, const std::filesystem::path& dllPath = LumoraModule::File())
+    {
+        return CheckRegistration(scope, dllPath.wstring()).IsComplete();
+    }
+
+    TemporaryFolder folder;
+};
+
+TEST_F(ToolRegister, RegistersTheDllBesideItAndTakesItBack)
+{
+    const ToolRun removal = Run({L"unregister"});
+    EXPECT_EQ(removal.exitCode, 0U) << removal.error;
+    EXPECT_EQ(removal.output, "Lumora is not registered for all users of this machine any more.\n");
+    EXPECT_FALSE(IsRegistered(Scope::Machine));
+
+    const ToolRun registration = Run({L"register"});
+    EXPECT_EQ(registration.exitCode, 0U) << registration.error;
+    EXPECT_THAT(registration.output, StartsWith("Lumora is registered for all users of this machine: "));
+    EXPECT_THAT(registration.output, EndsWith("\\Lumora.dll\n"));
+    EXPECT_TRUE(IsRegistered(Scope::Machine));
+}
+
+TEST_F(ToolRegister, RegistersTheDllThatIsNamed)
+{
+    const std::filesystem::path other = folder.Write("other.dll", std::vector<uint8_t>(1));
+    const ToolRun run = Run({L"register", L"--dll", L"other.dll"});
+    EXPECT_EQ(run.exitCode, 0U) << run.error;
+    EXPECT_TRUE(IsRegistered(Scope::Machine, other));
+}
+
+TEST_F(ToolRegister, RegistersNoDllThatIsNotThere)
+{
+    const ToolRun run = Run({L"register", L"--dll", L"nowhere.dll"});
+    EXPECT_EQ(run.exitCode, 1U);
+    EXPECT_THAT(run.error, HasSubstr("\\nowhere.dll"));
+    EXPECT_TRUE(IsRegistered(Scope::Machine));
+}
+
+TEST_F(ToolRegister, RegistersForTheUserAlone)
+{
+    const ToolRun registration = Run({L"register", L"--user"});
+    EXPECT_EQ(registration.exitCode, 0U) << registration.error;
+    EXPECT_THAT(registration.output, StartsWith("Lumora is registered for you: "));
+    EXPECT_THAT(registration.output, HasSubstr("from the machine alone"));
+    EXPECT_TRUE(IsRegistered(Scope::User));
+    const ToolRun removal = Run({L"unregister", L"--user"});
+    EXPECT_EQ(removal.exitCode, 0U) << removal.error;
+    EXPECT_FALSE(IsRegistered(Scope::User));
+    EXPECT_TRUE(IsRegistered(Scope::Machine));
+}
+
+TEST_F(ToolRegister, ChecksWithoutChangingAnything)
+{
+    EXPECT_EQ(Run({L"register", L"--check"}).exitCode, 0U);
+    ASSERT_FALSE(Lumora::Unregister(Scope::Machine).failure);
+    const ToolRun run = Run({L"register", L"--check"});
+    EXPECT_EQ(run.exitCode, 1U);
+    EXPECT_THAT(run.output, HasSubstr("Missing: HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes\\CLSID\\"));
+    EXPECT_THAT(run.output, HasSubstr("Lumora is not completely registered for all users"));
+    EXPECT_FALSE(IsRegistered(Scope::Machine));
+}
+
+TEST_F(ToolRegister, SaysWhatIsLeftToAnotherProgram)
+{
+    const std::wstring handlers =
+        L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\PropertySystem\\PropertyHandlers\\.rec";
+    const std::wstring foreign = L"{11111111-2222-3333-4444-555555555555}";
+    ASSERT_EQ(RegSetKeyValueW(HKEY_LOCAL_MACHINE, handlers.c_str(), nullptr, REG_SZ, foreign.c_str(),
+                              static_cast<DWORD>((foreign.size() + 1) * sizeof(wchar_t))),
+              ERROR_SUCCESS);
+    const ToolRun run = Run({L"register"});
+    ASSERT_EQ(RegDeleteTreeW(HKEY_LOCAL_MACHINE, handlers.c_str()), ERROR_SUCCESS);
+    EXPECT_EQ(run.exitCode, 0U) << run.error;
+    EXPECT_THAT(run.output,
+                EndsWith("Left to another program: HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\"
+                         "CurrentVersion\\PropertySystem\\PropertyHandlers\\.rec\n"));
+}
+
+TEST_F(ToolRegister, SaysThatRightsAreMissing)
+{
+    const std::wstring key = L"SOFTWARE\\Classes\\.mrc";
+    ASSERT_EQ(RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, key.c_str(), L"PerceivedType"), ERROR_SUCCESS);
+    const ReadOnlyKey locked(key);
+    const ToolRun run = Run({L"register"});
+    EXPECT_EQ(run.exitCode, 1U);
+    EXPECT_EQ(run.error, "lumora: cannot write HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes\\.mrc: access is denied "
+                         "(E_ACCESSDENIED). This needs administrator rights: start lumora from an elevated "
+                         "prompt, or use --user\n");
+}
+
+TEST_F(ToolRegister, IsAskedForByCommandsThatNeedIt)
+{
+    ASSERT_FALSE(Lumora::Unregister(Scope::Machine).failure);
+    for (const wchar_t* const command : {L"info", L"render"})
+    {
+        const ToolRun run = Run({command, L"x.mrc"});
+        EXPECT_EQ(run.exitCode, 1U);
+        EXPECT_EQ(run.error,
+                  "lumora: Lumora is not registered with Windows; \"lumora register\" does that\n");
+    }
+}
+
+TEST_F(ToolRegister, CommandsSayThatTheRegisteredDllIsGone)
+{
+    const std::filesystem::path gone = folder.Write("gone.dll", std::vector<uint8_t>(1));
+    ASSERT_EQ(Run({L"register", L"--dll", L"gone.dll"}).exitCode, 0U);
+    std::filesystem::remove(gone);
+    const ToolRun run = Run({L"info", L"x.mrc"});
+    EXPECT_EQ(run.exitCode, 1U);
+    EXPECT_THAT(run.error, StartsWith("lumora: cannot start Lumora's property handler: "));
+}
+
+} // namespace
