@@ -84,7 +84,7 @@ TEST(DamagedMrcFile, OpensOrNotAtEveryLength)
         {
             // Each frame needs its 12 bytes, behind the extended header as soon as that leaves room for one.
             const size_t dataStart = length < 1024 + 128 + 12 ? 1024 : 1024 + 128;
-            const bool frameIsThere = length >= dataStart + 12 * (frameIndex + 1);
+            const bool frameIsThere = length >= dataStart + size_t{12} * (frameIndex + 1);
             // Before the data start the count of frames wraps to plenty.
             const bool headerIsEnough = (length >= 96 && length < 1024) || frameIsThere;
             EXPECT_EQ(FileOpen(file, 0, frameIndex).succeeded, headerIsEnough) << length;

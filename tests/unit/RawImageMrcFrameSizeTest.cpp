@@ -147,7 +147,7 @@ TEST(MrcReader, FindsAFrameBeyondFourGigabytes)
 TEST(MrcReader, ReadsOneWindowAndTheFrameOfAStack)
 {
     // 80 frames of 256 x 256 bytes are five megabytes, more than a window.
-    const Bytes file = MrcFile().Size(256, 256, 80).Mode(0).Samples(Bytes(80 * 65536, 0x11)).Build();
+    const Bytes file = MrcFile().Size(256, 256, 80).Mode(0).Samples(Bytes(size_t{80} * 65536, 0x11)).Build();
 
     const MrcRead header{file, 0, 79};
     EXPECT_TRUE(header.succeeded);
@@ -168,7 +168,7 @@ TEST(MrcReader, ReadsOneWindowAndTheFrameOfAStack)
 TEST(MrcReader, ReadsNoMoreForAnExtendedHeaderLongerThanAWindow)
 {
     Bytes extended = AcquisitionHeader(5, "TAV Ardix", "2.10");
-    extended.resize(5 * 1024 * 1024);
+    extended.resize(windowBytes + 0x100000);
     const Bytes file = MrcFile()
                            .Size(3, 1, 1)
                            .Mode(6)

@@ -91,8 +91,8 @@ struct CountRow
 {
     uint32_t sections;
     /// Complete frames in the file, and bytes of one more.
-    size_t storedFrames;
-    size_t moreBytes;
+    uint32_t storedFrames;
+    uint32_t moreBytes;
     uint32_t frameIndex;
     bool succeeds;
     uint32_t frameCount;
@@ -148,7 +148,7 @@ TEST(MrcReader, IgnoresAnExtendedHeaderThatLeavesNoRoomForAFrame)
     struct Row
     {
         uint32_t claimedBytes;
-        size_t fileBytes;
+        uint32_t fileBytes;
         uint8_t shown;
     };
     constexpr Row rows[] = {
@@ -197,9 +197,9 @@ TEST(MrcReader, ReadsTheSizeOfTheExtendedHeaderInTheFilesOrder)
 struct StackRow
 {
     uint32_t sections;
-    size_t mainHeaderBytes;
-    size_t extendedBytes;
-    size_t storedFrames;
+    uint32_t mainHeaderBytes;
+    uint32_t extendedBytes;
+    uint32_t storedFrames;
     uint32_t frameCount;
     Lines lines;
 };

@@ -18,7 +18,7 @@ namespace {
 
 const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
 const std::string noCompleteFrame = "[Lumora] MRC: No complete frame is present in the file";
-const std::string packedSamples =
+const std::string packed4Bit =
     "[Lumora] MRC: Non-standard 4-bit pixel format detected while mode 0 is specified";
 
 /// One sample, and every optional fact that a header can tell. The whole file has 1153 bytes.
@@ -39,8 +39,8 @@ struct LengthRow
     size_t first;
     size_t last;
     bool headerSucceeds;
-    Lines headerLines;
     bool frameSucceeds;
+    Lines headerLines;
     Lines frameLines;
     /// The facts, where the header is read.
     FileType fileType;
@@ -52,34 +52,18 @@ struct LengthRow
 /// more frames than any header asks for; only reading a frame shows that there is none.
 const LengthRow lengths[] = {
     // The size words, the mode word and the size of the extended header must be there.
-    {0, 95, false, {}, false, {}, FileType::Mrc, PixelType::Unknown, L""},
-    {96, 111, true, {}, false, {cannotReadImage}, FileType::Mrc, PixelType::Int8, L""},
+    {0, 95, false, false, {}, {}, FileType::Mrc, PixelType::Unknown, L""},
+    {96, 111, true, false, {}, {cannotReadImage}, FileType::Mrc, PixelType::Int8, L""},
     // The version word is complete.
-    {112, 1023, true, {}, false, {cannotReadImage}, FileType::Mrc2014, PixelType::Int8, L""},
+    {112, 1023, true, false, {}, {cannotReadImage}, FileType::Mrc2014, PixelType::Int8, L""},
     // The difference is zero.
-    {1024, 1024, false, {noCompleteFrame}, false, {noCompleteFrame}, {}, {}, L""},
+    {1024, 1024, false, false, {noCompleteFrame}, {noCompleteFrame}, {}, {}, L""},
     // The labels are complete, and the extended header's first byte serves as a frame.
-    {1025,
-     1091,
-     true,
-     {packedSamples},
-     true,
-     {packedSamples},
-     FileType::Mrc2014,
-     PixelType::UInt4,
-     L"SerialEM"},
+    {1025, 1091, true, true, {packed4Bit}, {packed4Bit}, FileType::Mrc2014, PixelType::UInt4, L"SerialEM"},
     // The application's name is complete.
-    {1092, 1107, true, {packedSamples}, true, {packedSamples}, FileType::Mrc2014, PixelType::UInt4, L"Ardix"},
+    {1092, 1107, true, true, {packed4Bit}, {packed4Bit}, FileType::Mrc2014, PixelType::UInt4, L"Ardix"},
     // So is its version; the last length has room for the extended header and a frame.
-    {1108,
-     1153,
-     true,
-     {packedSamples},
-     true,
-     {packedSamples},
-     FileType::Mrc2014,
-     PixelType::UInt4,
-     L"Ardix 2.10"},
+    {1108, 1153, true, true, {packed4Bit}, {packed4Bit}, FileType::Mrc2014, PixelType::UInt4, L"Ardix 2.10"},
 };
 
 void ExpectFacts(const LengthRow& row, const RawImageBase& reader, size_t length)

@@ -29,8 +29,8 @@ std::string Labels(std::string_view first, size_t offset, std::string_view other
 struct LabelRow
 {
     const char* what;
-    uint32_t mode;
     std::string labels;
+    uint32_t mode;
     bool packed;
 };
 
@@ -38,28 +38,28 @@ TEST(MrcReader, RecognisesPacked4BitSamplesByTheLabels)
 {
     using namespace std::string_literals;
     const LabelRow rows[] = {
-        {"one label", 0, "SerialEM: Digitized on a camera, 4 bits packed", true},
-        {"adjacent texts", 0, "SerialEM4 bits packed", true},
-        {"behind NULs", 0, Labels("SerialEM", 80, "4 bits packed"), true},
-        {"NUL after the name", 0, "SerialEM\0 4 bits packed"s, true},
-        {"the block's last bytes", 0, Labels("SerialEM", 787, "4 bits packed"), true},
-        {"one byte beyond the block", 0, Labels("SerialEM", 788, "4 bits packe"), false},
-        {"name only", 0, "SerialEM: Digitized on a camera", false},
-        {"samples only", 0, "4 bits packed", false},
-        {"name behind a blank", 0, " SerialEM 4 bits packed", false},
-        {"name in the second label", 0, Labels("Label one", 80, "SerialEM 4 bits packed"), false},
-        {"name after the samples", 0, "4 bits packed SerialEM", false},
-        {"name in other letters", 0, "SERIALEM 4 bits packed", false},
-        {"name cut", 0, "SerialE 4 bits packed", false},
-        {"samples in other letters", 0, "SerialEM 4 Bits Packed", false},
-        {"samples with a second blank", 0, "SerialEM 4 bits  packed", false},
-        {"samples broken by a NUL", 0, "SerialEM 4 bits\0packed"s, false},
-        {"no labels", 0, "", false},
-        {"16-bit signed samples", 1, "SerialEM 4 bits packed", false},
-        {"floating-point samples", 2, "SerialEM 4 bits packed", false},
-        {"16-bit unsigned samples", 6, "SerialEM 4 bits packed", false},
-        {"half-precision samples", 12, "SerialEM 4 bits packed", false},
-        {"colours", 16, "SerialEM 4 bits packed", false},
+        {"one label", "SerialEM: Digitized on a camera, 4 bits packed", 0, true},
+        {"adjacent texts", "SerialEM4 bits packed", 0, true},
+        {"behind NULs", Labels("SerialEM", 80, "4 bits packed"), 0, true},
+        {"NUL after the name", "SerialEM\0 4 bits packed"s, 0, true},
+        {"the block's last bytes", Labels("SerialEM", 787, "4 bits packed"), 0, true},
+        {"one byte beyond the block", Labels("SerialEM", 788, "4 bits packe"), 0, false},
+        {"name only", "SerialEM: Digitized on a camera", 0, false},
+        {"samples only", "4 bits packed", 0, false},
+        {"name behind a blank", " SerialEM 4 bits packed", 0, false},
+        {"name in the second label", Labels("Label one", 80, "SerialEM 4 bits packed"), 0, false},
+        {"name after the samples", "4 bits packed SerialEM", 0, false},
+        {"name in other letters", "SERIALEM 4 bits packed", 0, false},
+        {"name cut", "SerialE 4 bits packed", 0, false},
+        {"samples in other letters", "SerialEM 4 Bits Packed", 0, false},
+        {"samples with a second blank", "SerialEM 4 bits  packed", 0, false},
+        {"samples broken by a NUL", "SerialEM 4 bits\0packed"s, 0, false},
+        {"no labels", "", 0, false},
+        {"16-bit signed samples", "SerialEM 4 bits packed", 1, false},
+        {"floating-point samples", "SerialEM 4 bits packed", 2, false},
+        {"16-bit unsigned samples", "SerialEM 4 bits packed", 6, false},
+        {"half-precision samples", "SerialEM 4 bits packed", 12, false},
+        {"colours", "SerialEM 4 bits packed", 16, false},
     };
     for (const LabelRow& row : rows)
         for (const ByteOrder order : {ByteOrder::LittleEndian, ByteOrder::BigEndian})

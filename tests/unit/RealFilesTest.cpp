@@ -28,7 +28,7 @@ protected:
             std::printf("Real files were not tested: there is no folder %s\n", folder.c_str());
             return {};
         }
-        const std::vector<uint8_t> bytes = FileBytes(folder + "/" + name);
+        std::vector<uint8_t> bytes = FileBytes(folder + "/" + name);
         EXPECT_THAT(bytes, testing::Not(IsEmpty())) << name;
         return bytes;
     }
