@@ -19,7 +19,10 @@ LONG CALLBACK CollectLine(EXCEPTION_POINTERS* pointers)
     const EXCEPTION_RECORD& record = *pointers->ExceptionRecord;
     if (record.ExceptionCode != DBG_PRINTEXCEPTION_C || record.NumberParameters < 2)
         return EXCEPTION_CONTINUE_SEARCH;
-    const std::string_view line = reinterpret_cast<const char*>(record.ExceptionInformation[1]);
+    // Exceptions carry their addresses as numbers.
+    const auto* const text = reinterpret_cast<const char*>( // NOLINT(performance-no-int-to-ptr)
+        record.ExceptionInformation[1]);
+    const std::string_view line = text;
     if (!line.starts_with("[Lumora] "))
         return EXCEPTION_CONTINUE_SEARCH;
     collected.emplace_back(line);

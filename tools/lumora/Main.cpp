@@ -60,7 +60,8 @@ int Run(const CommandLine& line, Console& console)
 
 } // namespace
 
-int wmain(int count, wchar_t** arguments)
+// The start-up code gives the name.
+int wmain(int count, wchar_t** arguments) // NOLINT(readability-identifier-naming)
 {
     Console console;
     int exitCode = somethingFailed;

@@ -29,7 +29,7 @@ std::wstring FullPath(const std::wstring& path)
 
 std::wstring OpenablePath(const std::wstring& path)
 {
-    const std::wstring full = FullPath(path);
+    std::wstring full = FullPath(path);
     if (full.size() < plainPathLimit || full.starts_with(L"\\\\?\\"))
         return full;
     if (full.starts_with(L"\\\\"))

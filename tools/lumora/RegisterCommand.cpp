@@ -18,7 +18,7 @@ const wchar_t* ForWhom(Scope scope) noexcept
 /// The DLL that is to be registered, as a full path.
 std::wstring FindDll(const CommandLine& line)
 {
-    const std::wstring path =
+    std::wstring path =
         FullPath(line.dllPath.empty() ? JoinPath(ProgramFolder(), L"Lumora.dll") : line.dllPath);
     const DWORD attributes = GetFileAttributesW(OpenablePath(path).c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
