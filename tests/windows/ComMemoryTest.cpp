@@ -9,6 +9,7 @@
 
 #include <array>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -107,6 +108,7 @@ TEST(Memory, MayRunOutAtEveryPointOfDecodingTheNextFrame)
         ExpectOutOfMemory(outcome);
         EXPECT_EQ(second, Untouchable<IWICBitmapFrameDecode>());
         EXPECT_EQ(stream.references, 1u);
+        EXPECT_EQ(Frame(decoder, 0).Get(), first.Get()) << "the frame at hand stays";
         EXPECT_EQ(Picture(first), grayPictures[0]);
         EXPECT_EQ(Picture(Frame(decoder, 1)), grayPictures[1]);
     });
@@ -198,6 +200,7 @@ TEST(Memory, IsNotTakenForFramesThatAFileOnlyClaims)
     {
         const char* name;
         std::vector<uint8_t> content;
+        std::optional<uint64_t> claimedSize;
         Outcome outcome;
     };
     const Outcome noFrame{.result = WINCODEC_ERR_WRONGSTATE,
@@ -207,19 +210,25 @@ TEST(Memory, IsNotTakenForFramesThatAFileOnlyClaims)
     for (const Claim& claim : {
              Claim{"frame of 17 GB in a small file",
                    MrcFile().Size(65535, 65535, 1).Mode(2).Samples(std::vector<uint8_t>(1000)).Build(),
+                   {},
                    noFrame},
              Claim{"frame of 1 GB in a small file",
                    MrcFile().Size(32768, 32767, 1).Mode(0).Samples(std::vector<uint8_t>(1000)).Build(),
+                   {},
                    noFrame},
              // 4 x 32769 x 32769 is 2^32 + 262148: in 32 bits, the file seems to hold such a frame.
              Claim{"frame of 4 GB whose size wraps",
                    MrcFile().Size(32769, 32769, 1).Mode(2).Samples(std::vector<uint8_t>(262148)).Build(),
+                   {},
                    pixelsMissing},
+             Claim{"the same in a stream that claims to hold it",
+                   MrcFile().Size(32769, 32769, 1).Mode(2).Samples(std::vector<uint8_t>(4 << 20)).Build(),
+                   uint64_t{1} << 40, pixelsMissing},
          })
     {
         SCOPED_TRACE(claim.name);
         const ModuleHeap heap{LumoraModule::Shared().handle};
-        TestStream stream{claim.content};
+        TestStream stream{claim.content, {.reportedSize = claim.claimedSize}};
         const ComPtr<IWICBitmapDecoder> decoder = NewDecoder();
         EXPECT_EQ(OutcomeOf([&] { return Initialize(decoder, stream); }), claim.outcome);
         EXPECT_LE(heap.LargestRequest(), claim.content.size()) << "the window on the file is the largest";
