@@ -16,11 +16,11 @@
 /// How a stream misbehaves; nothing by default. Calls are counted from 1, and 0 means never.
 struct StreamFaults
 {
+    /// The size that Stat reports instead of the true one.
+    std::optional<uint64_t> reportedSize = std::nullopt;
     uint32_t failStatAt = 0;
     uint32_t failSeekAt = 0;
     uint32_t failReadAt = 0;
-    /// The size that Stat reports instead of the true one.
-    std::optional<uint64_t> reportedSize = std::nullopt;
     /// No read delivers more than this many bytes.
     uint32_t longestRead = UINT32_MAX;
     /// Added to the count that a read reports.

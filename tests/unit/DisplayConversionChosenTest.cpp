@@ -163,7 +163,7 @@ TEST(ChosenDisplayConversion, GivesTheReferencePictureOfEveryByte)
             std::vector<uint8_t> bytes;
             for (uint32_t value = 0; value < 256; ++value)
                 bytes.push_back(static_cast<uint8_t>(value));
-            bytes.resize(256 * (1 + common), static_cast<uint8_t>(common));
+            bytes.resize(size_t{256} * (1 + common), static_cast<uint8_t>(common));
             ExpectReferenceDisplay({.pixelType = type, .width = 256, .height = 1 + common, .bytes = bytes});
         }
     }

@@ -147,31 +147,31 @@ TEST(StretchContrast, LeavesPicturesOfAnotherSizeAlone)
 struct StretchRow
 {
     const char* what;
-    /// The picture's first two values, how often the first one stands there, and how often the second one.
-    uint8_t first;
-    uint8_t second;
+    /// How often the picture's two values stand there, and the values.
     size_t firstCount;
     size_t secondCount;
+    uint8_t first;
+    uint8_t second;
     /// What becomes of the two values.
     uint8_t firstShown;
     uint8_t secondShown;
 };
 
 constexpr StretchRow stretchRows[] = {
-    {"black stays", 0, 0, 5, 0, 0, 0},
-    {"constant gray: low is one below it, high itself", 7, 7, 5, 0, 255, 255},
-    {"constant white", 255, 255, 5, 0, 255, 255},
-    {"black is never added from the top, so low is 0; 100 times 2.55 is a little less than 255", 0, 100, 1, 1,
+    {"black stays", 5, 0, 0, 0, 0, 0},
+    {"constant gray: low is one below it, high itself", 5, 0, 7, 7, 255, 255},
+    {"constant white", 5, 0, 255, 255, 255, 255},
+    {"black is never added from the top, so low is 0; 100 times 2.55 is a little less than 255", 1, 1, 0, 100,
      0, 254},
-    {"low 9, high 20, so 1 and 11 times 255/11", 10, 20, 1, 1, 23, 255},
-    {"both ends used", 0, 255, 1, 1, 0, 255},
-    {"low 0 by the darkest value 1, high 255", 1, 255, 1, 1, 1, 255},
-    {"bright share of exactly 0.01: high stays at 200; low 49, so 1 time 255/151", 50, 200, 99, 1, 1, 255},
-    {"bright share below 0.01: high falls to 50", 50, 200, 199, 1, 255, 255},
-    {"dark share of exactly 0.01: low is 9; 1 time 255/41", 10, 50, 1, 99, 6, 255},
-    {"dark share below 0.01: low rises to 49 and 10 is below it", 10, 50, 1, 199, 0, 255},
-    {"black in more than 0.99: low and high are 0 and nothing changes", 0, 40, 199, 1, 0, 40},
-    {"white in more than 0.99: low is 254", 3, 255, 1, 199, 0, 255},
+    {"low 9, high 20, so 1 and 11 times 255/11", 1, 1, 10, 20, 23, 255},
+    {"both ends used", 1, 1, 0, 255, 0, 255},
+    {"low 0 by the darkest value 1, high 255", 1, 1, 1, 255, 1, 255},
+    {"bright share of exactly 0.01: high stays at 200; low 49, so 1 time 255/151", 99, 1, 50, 200, 1, 255},
+    {"bright share below 0.01: high falls to 50", 199, 1, 50, 200, 255, 255},
+    {"dark share of exactly 0.01: low is 9; 1 time 255/41", 1, 99, 10, 50, 6, 255},
+    {"dark share below 0.01: low rises to 49 and 10 is below it", 1, 199, 10, 50, 0, 255},
+    {"black in more than 0.99: low and high are 0 and nothing changes", 199, 1, 0, 40, 0, 40},
+    {"white in more than 0.99: low is 254", 1, 199, 3, 255, 0, 255},
 };
 
 TEST(StretchContrast, CutsTheEndsByTheirShares)
