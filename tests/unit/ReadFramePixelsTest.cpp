@@ -224,20 +224,28 @@ TEST(ReadFramePixels, GrowsTheBufferAndNeverShrinksIt)
     EXPECT_EQ(samples, (Bytes{1, 2, 9, 9, 9}));
 }
 
-TEST(ReadFramePixels, FailsWithoutMemoryForAFrameThatIsNotThere)
+TEST(ReadFramePixels, TakesNoMemoryForAFrameThatIsNotThere)
 {
-    for (const uint32_t stride : {0U, 1U})
+    // The first frame is a little smaller than 4 GiB, the second one larger.
+    for (const PixelType type : {PixelType::UInt8, PixelType::UInt16})
     {
-        const FrameReader reader{StoredFrame{.pixelType = PixelType::UInt16,
-                                             .width = 65535,
-                                             .height = 65535,
-                                             .xStride = stride,
-                                             .yStride = stride}};
-        TestStream stream{Bytes(10)};
-        Bytes samples;
-        EXPECT_FALSE(reader.ReadFramePixels(samples, &stream, 10, 0));
-        EXPECT_EQ(samples.capacity(), 0U);
-        EXPECT_EQ(stream.readCalls, 0U);
+        for (const uint32_t stride : {0U, 1U})
+        {
+            for (const uint64_t dataOffset : {uint64_t{0}, uint64_t{10}, uint64_t{11}, UINT64_MAX})
+            {
+                SCOPED_TRACE(dataOffset);
+                const FrameReader reader{StoredFrame{.pixelType = type,
+                                                     .width = 65535,
+                                                     .height = 65535,
+                                                     .xStride = stride,
+                                                     .yStride = stride}};
+                TestStream stream{Bytes(10)};
+                Bytes samples;
+                EXPECT_FALSE(reader.ReadFramePixels(samples, &stream, 10, dataOffset));
+                EXPECT_EQ(samples.capacity(), 0U);
+                EXPECT_EQ(stream.readCalls, 0U);
+            }
+        }
     }
 }
 
