@@ -54,11 +54,19 @@ CodeFrame::CodeFrame(const Image<double>& source, const RescaleToUInt32& rescale
 
 std::vector<uint8_t> CodeFrame::DisplayTable() const
 {
-    const uint32_t range = highest - lowest;
-    std::vector<uint32_t> distanceCounts(range + 1);
+    // Codes that do not occur need neither a count nor a display byte.
+    std::vector<uint16_t> present;
     for (uint32_t code = 0; code < codeCount; ++code)
     {
-        const uint32_t distance = order(static_cast<uint16_t>(code)) - lowest;
+        if (counts[code] != 0)
+            present.push_back(static_cast<uint16_t>(code));
+    }
+
+    const uint32_t range = highest - lowest;
+    std::vector<uint32_t> distanceCounts(size_t{range} + 1);
+    for (const uint16_t code : present)
+    {
+        const uint32_t distance = order(code) - lowest;
         if (distance <= range)
             distanceCounts[distance] = counts[code];
     }
@@ -67,12 +75,8 @@ std::vector<uint8_t> CodeFrame::DisplayTable() const
 
     const DisplayScale scale{calculator.low, calculator.high};
     std::vector<uint8_t> table(codeCount);
-    for (uint32_t code = 0; code < codeCount; ++code)
-    {
-        const uint32_t place = order(static_cast<uint16_t>(code));
-        if (place >= lowest)
-            table[code] = scale(place - lowest);
-    }
+    for (const uint16_t code : present)
+        table[code] = scale(order(code) - lowest);
     return table;
 }
 

@@ -13,8 +13,15 @@ namespace Tav::Imaging::RawImage {
 template <size_t tables, typename CodeAt>
 void CountInTurns(std::span<uint32_t> counts, size_t codeCount, const CodeAt& codeAt)
 {
-    std::vector<uint32_t> turns(tables * counts.size());
     size_t index = 0;
+    if (codeCount < counts.size())
+    {
+        // So few codes are counted before the tables would be ready.
+        for (; index < codeCount; ++index)
+            ++counts[codeAt(index)];
+        return;
+    }
+    std::vector<uint32_t> turns(tables * counts.size());
     for (; index + tables <= codeCount; index += tables)
     {
         for (size_t table = 0; table < tables; ++table)

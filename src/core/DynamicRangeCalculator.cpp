@@ -2,6 +2,7 @@
 
 #include "core/Diagnostics.h"
 
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -46,39 +47,49 @@ std::vector<uint32_t> CountCoarsely(const Image<unsigned int>& image, uint32_t b
     return counts;
 }
 
-std::vector<double> SharesOf(const std::vector<uint32_t>& counts, double total)
+/// A histogram bin that is not empty, and its share of all samples.
+struct Share
 {
-    std::vector<double> shares;
-    shares.reserve(counts.size());
-    for (const uint32_t count : counts)
-        shares.push_back(count / total);
+    uint32_t bin;
+    double share;
+};
+
+/// The shares of the bins that are not empty, in order; the empty ones would add nothing to any sum.
+std::vector<Share> SharesOf(const std::vector<uint32_t>& counts, size_t total)
+{
+    std::vector<Share> shares;
+    for (size_t bin = 0; bin < counts.size(); ++bin)
+    {
+        if (counts[bin] != 0)
+            shares.push_back({static_cast<uint32_t>(bin), counts[bin] / static_cast<double>(total)});
+    }
     return shares;
 }
 
-/// The bin at which the sum from the top first exceeds the threshold; 0, which is never added, when none.
-size_t CrossingFromTop(const std::vector<double>& shares, double threshold)
+/// The bin at which the sum of the shares from `first` to `last` first exceeds the threshold.
+template <typename Iterator>
+std::optional<uint32_t> Crossing(Iterator first, Iterator last, double threshold)
 {
     double sum = 0;
-    for (size_t bin = shares.size(); bin-- > 1;)
+    for (; first != last; ++first)
     {
-        sum += shares[bin];
+        sum += first->share;
         if (sum > threshold)
-            return bin;
+            return first->bin;
     }
-    return 0;
+    return std::nullopt;
 }
 
-/// The bin at which the sum from the bottom first exceeds the threshold; the number of bins when none.
-size_t CrossingFromBottom(const std::vector<double>& shares, double threshold)
+std::optional<uint32_t> CrossingFromBottom(const std::vector<Share>& shares, double threshold)
 {
-    double sum = 0;
-    for (size_t bin = 0; bin < shares.size(); ++bin)
-    {
-        sum += shares[bin];
-        if (sum > threshold)
-            return bin;
-    }
-    return shares.size();
+    return Crossing(shares.begin(), shares.end(), threshold);
+}
+
+/// From the top down to bin 1: bin 0 is never added.
+std::optional<uint32_t> CrossingFromTop(const std::vector<Share>& shares, double threshold)
+{
+    const bool beginsWithBin0 = !shares.empty() && shares.front().bin == 0;
+    return Crossing(shares.rbegin(), shares.rend() - (beginsWithBin0 ? 1 : 0), threshold);
 }
 
 /// Visiting every sample of a large frame would not change a bin 16384 values wide.
@@ -109,15 +120,15 @@ void DynamicRangeCalculator::ComputeExactRange(const std::vector<uint32_t>& coun
                                                uint32_t imageLow, uint32_t imageHigh)
 {
     const uint32_t base = low;
-    const std::vector<double> shares = SharesOf(counts, static_cast<double>(sampleCount));
+    const std::vector<Share> shares = SharesOf(counts, sampleCount);
 
     for (const double threshold : {0.999, 0.99, 0.95, 0.9})
     {
         // The dark end lands one value below its bin, the bright end on its bin.
-        if (const size_t bin = CrossingFromTop(shares, threshold); bin > 0)
-            low = base + static_cast<uint32_t>(bin) - 1;
-        if (const size_t bin = CrossingFromBottom(shares, threshold); bin < shares.size())
-            high = base + static_cast<uint32_t>(bin);
+        if (const auto bin = CrossingFromTop(shares, threshold))
+            low = base + *bin - 1;
+        if (const auto bin = CrossingFromBottom(shares, threshold))
+            high = base + *bin;
         if (high - low <= widestDisplayRange)
             break;
     }
@@ -143,11 +154,11 @@ void DynamicRangeCalculator::ComputeCoarseRange(const Image<unsigned int>& image
     const size_t step = CoarseStep(image.SampleCount());
     // The part that is left over when the step does not divide the samples is visited, but not in the total.
     const size_t total = image.SampleCount() / step;
-    const std::vector<double> shares = SharesOf(CountCoarsely(image, base, step), static_cast<double>(total));
-    if (const size_t bin = CrossingFromTop(shares, threshold); bin > 0)
-        low = base + static_cast<uint32_t>(bin) * coarseBinWidth;
-    if (const size_t bin = CrossingFromBottom(shares, threshold); bin < shares.size())
-        high = base + static_cast<uint32_t>(bin) * coarseBinWidth + (coarseBinWidth - 1);
+    const std::vector<Share> shares = SharesOf(CountCoarsely(image, base, step), total);
+    if (const auto bin = CrossingFromTop(shares, threshold))
+        low = base + *bin * coarseBinWidth;
+    if (const auto bin = CrossingFromBottom(shares, threshold))
+        high = base + *bin * coarseBinWidth + (coarseBinWidth - 1);
 
     if (high - low <= widestExactRange)
         ComputeExactRange(image);
