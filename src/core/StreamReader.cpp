@@ -54,6 +54,15 @@ bool StreamReader::GoTo(uint64_t offset)
     return true;
 }
 
+bool StreamReader::Skip(uint64_t count) noexcept
+{
+    const uint64_t position = Position();
+    if (position > streamSize || streamSize - position < count)
+        return false;
+    cursor += count;
+    return true;
+}
+
 std::optional<std::span<const uint8_t>> StreamReader::ReadBytes(size_t count)
 {
     const uint64_t position = Position();

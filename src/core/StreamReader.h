@@ -35,6 +35,9 @@ public:
     /// Puts the cursor at an absolute offset, loading a window only when the offset is outside this one.
     [[nodiscard]] bool GoTo(uint64_t offset);
 
+    /// Moves the cursor forward without reading; false, and no move, when the stream ends before.
+    [[nodiscard]] bool Skip(uint64_t count) noexcept;
+
     /// Absolute stream offset of the cursor.
     [[nodiscard]] uint64_t Position() const noexcept { return windowStart + cursor; }
 

@@ -110,11 +110,6 @@ std::optional<std::span<const uint8_t>> ReadBytesAt(StreamReader& reader, uint64
     return reader.ReadBytes(count);
 }
 
-std::string_view AsText(std::span<const uint8_t> bytes) noexcept
-{
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
 /// SerialEM packs two 4-bit samples into each byte of a mode 0 file and says so in a label.
 bool HasPackedSamples(StreamReader& reader)
 {
@@ -136,7 +131,7 @@ std::optional<std::wstring> ReadApplication(StreamReader& reader)
     if (!nameBytes)
         return std::nullopt;
 
-    std::wstring application = WidenText(*nameBytes);
+    std::wstring application = WidenText(UpToZero(*nameBytes));
     if (application == L"TAV Tomography")
         application = L"Tomography";
     else if (application == L"TAV Ardix")
@@ -145,7 +140,7 @@ std::optional<std::wstring> ReadApplication(StreamReader& reader)
     if ((*features & applicationVersionFeature) != 0)
     {
         if (const auto version = ReadBytesAt(reader, applicationVersionOffset, applicationTextBytes))
-            application += L" " + WidenText(*version);
+            application += L" " + WidenText(UpToZero(*version));
     }
     return application;
 }
