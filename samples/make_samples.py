@@ -2,6 +2,7 @@
 """Makes the sample files beside this script. They are drawn, not recorded: no microscope was needed."""
 
 import pathlib
+import struct
 
 import mrcfile
 import numpy as np
@@ -56,7 +57,139 @@ def tilt_series():
     write("tilt-series.mrc", np.round(sections).astype(np.int16), 5.0)
 
 
+SMALL = 128
+SMALL_Y, SMALL_X = np.mgrid[0:SMALL, 0:SMALL].astype(np.float64)
+FROM_CENTRE = np.hypot(SMALL_X - SMALL / 2, SMALL_Y - SMALL / 2)
+
+
+def save(name, *parts):
+    (HERE / name).write_bytes(b"".join(parts))
+
+
+def diffraction_spots():
+    """A diffraction pattern: bright spots on a lattice around a brighter beam, as Float32."""
+    pattern = 40 * np.exp(-FROM_CENTRE / 18) + RANDOM.normal(0, 0.4, (SMALL, SMALL))
+    for i in range(-3, 4):
+        for j in range(-3, 4):
+            x, y = SMALL / 2 + 17 * i + 4 * j, SMALL / 2 - 3 * i + 16 * j
+            spot = np.exp(-((SMALL_X - x) ** 2 + (SMALL_Y - y) ** 2) / 5)
+            pattern += 60 * spot / (1 + i * i + j * j)
+    return pattern.astype("<f4")
+
+
+def dm4_tag(kind, label, contents):
+    return struct.pack(">BH", kind, len(label)) + label + struct.pack(">Q", len(contents)) + contents
+
+
+def dm4_group(label, *entries):
+    return dm4_tag(20, label, struct.pack(">BBQ", 1, 0, len(entries)) + b"".join(entries))
+
+
+def dm4_number(label, value):
+    return dm4_tag(21, label, b"%%%%" + struct.pack(">QQ", 1, 5) + struct.pack("<I", value))
+
+
+def dm4_array(label, element_type, array):
+    words = struct.pack(">QQQQ", 3, 20, element_type, array.size)
+    return dm4_tag(21, label, b"%%%%" + words + array.tobytes())
+
+
+def dm4_image(data, element_type, data_type):
+    rows, columns = data.shape
+    return dm4_group(b"", dm4_group(
+        b"ImageData",
+        dm4_array(b"Data", element_type, data),
+        dm4_number(b"DataType", data_type),
+        dm4_group(b"Dimensions", dm4_number(b"", columns), dm4_number(b"", rows)),
+    ))
+
+
+def diffraction():
+    """A Digital Micrograph file: a colour thumbnail, then the image."""
+    image = diffraction_spots()
+    gray = np.clip(image * 6, 0, 255).astype("<u4")
+    thumbnail = gray | gray << 8 | gray << 16 | 0xFF000000
+    images = dm4_group(b"ImageList", dm4_image(thumbnail, 3, 23), dm4_image(image, 6, 2))
+    root = struct.pack(">BBQ", 1, 0, 1) + images
+    end = bytes(8)
+    size = 16 + len(root) + len(end) - 24
+    save("diffraction.dm4", struct.pack(">IQI", 4, size, 1), root, end)
+
+
+def holes_series():
+    """A SER series of three views of a film with holes."""
+    views = []
+    for shift in (0, 5, 10):
+        holes = np.cos((SMALL_X + shift) / 7) * np.cos(SMALL_Y / 7)
+        views.append((2000 + 1500 / (1 + np.exp(-8 * holes)) + RANDOM.normal(0, 90, holes.shape)).astype("<u2"))
+    element_bytes = 50 + views[0].nbytes
+    first = 30 + 8 * len(views)
+    header = struct.pack("<HHHIIIIQ", 0x4949, 0x0197, 0x0220, 0x4122, 0x4152, len(views), len(views), 30)
+    offsets = struct.pack(f"<{len(views)}Q", *(first + i * element_bytes for i in range(len(views))))
+    elements = [bytes(40) + struct.pack("<HII", 2, SMALL, SMALL) + view.tobytes() for view in views]
+    save("holes.ser", header, offsets, *elements)
+
+
+def edge_image():
+    """An EMI file with the edge of a film over vacuum, as Int16."""
+    film = 900 / (1 + np.exp((SMALL_X - 70 - 8 * np.sin(SMALL_Y / 17)) / 1.5))
+    fresnel = 140 * np.cos((SMALL_X - 70 - 8 * np.sin(SMALL_Y / 17)) / 2.2) * np.exp(-np.abs(SMALL_X - 70) / 14)
+    samples = (1200 - film + fresnel + RANDOM.normal(0, 30, film.shape)).astype("<i2").tobytes()
+    version = b"4.9.3.123"
+    save(
+        "edge.emi",
+        struct.pack("<HHI", 0x4B4A, 0x0200, 0),
+        struct.pack("<HHI", 96, 1810, len(version)), version,
+        struct.pack("<HHIHHHH", 0x2204, 1, len(samples) + 8, SMALL, 0, SMALL, 0), samples,
+    )
+
+
+def rings():
+    """Rings of a polycrystalline film, as a NumPy array."""
+    pattern = 300 * np.exp(-FROM_CENTRE / 20)
+    for radius in (18, 29, 37, 51):
+        pattern += 180 * np.exp(-((FROM_CENTRE - radius) ** 2) / 3) / radius**0.5
+    np.save(HERE / "rings.npy", RANDOM.poisson(pattern + 20).astype("<u2"))
+
+
+def gold():
+    """Gold particles on carbon, as a RAW file of signed 16-bit samples."""
+    image = 300 + RANDOM.normal(0, 18, (SMALL, SMALL))
+    for x, y, radius in RANDOM.uniform((8, 8, 2), (120, 120, 8), (26, 3)):
+        image[np.hypot(SMALL_X - x, SMALL_Y - y) < radius] -= 160
+    header = struct.pack("<IIIIIIII", SMALL, SMALL, 0, 16, 1, 0, 0, 0)
+    save("gold.raw", b"TAV RawImage".ljust(17, b"\0"), header, image.astype("<i2").tobytes())
+
+
+def probe():
+    """The rings of a defocused probe, as a BIN file of doubles."""
+    image = np.cos(FROM_CENTRE**2 / 130) ** 2 * np.exp(-((FROM_CENTRE / 48) ** 6)) + RANDOM.normal(0, 0.03, FROM_CENTRE.shape)
+    save("probe.bin", struct.pack("<HIII", 8, SMALL, SMALL, 14), image.astype("<f8").tobytes())
+
+
+def gyroid():
+    """A porous volume of 48 slices, as a lattice file of bytes."""
+    z, y, x = np.mgrid[0:48, 0:64, 0:64] / 6.0
+    surface = np.sin(x) * np.cos(y) + np.sin(y) * np.cos(z) + np.sin(z) * np.cos(x)
+    volume = np.clip(128 + 90 * surface + RANDOM.normal(0, 6, surface.shape), 0, 255).astype(np.uint8)
+    header = (
+        "# Vorna 1.0\n\n"
+        "define Lattice 64 64 48\n\n"
+        'Parameters {\n    Content "a porous volume",\n}\n\n'
+        "Lattice { byte Data } @1\n\n"
+        "# Data section follows\n@1\n"
+    )
+    save("gyroid.lattice", header.encode(), volume.tobytes())
+
+
 if __name__ == "__main__":
     particles()
     fringes()
     tilt_series()
+    diffraction()
+    holes_series()
+    edge_image()
+    rings()
+    gold()
+    probe()
+    gyroid()
