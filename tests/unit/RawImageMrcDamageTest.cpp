@@ -1,16 +1,12 @@
-#include "support/FileRead.h"
+#include "support/DamagedFile.h"
 #include "support/MrcFile.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <numeric>
 #include <set>
 
 using namespace Tav::Imaging::RawImage;
-using testing::Each;
-using testing::IsEmpty;
-using testing::StartsWith;
 
 using Bytes = std::vector<uint8_t>;
 
@@ -44,42 +40,13 @@ Bytes PackedFile()
         .Build();
 }
 
-/// Opens the file in both ways and checks what holds for every file, however damaged.
-void ExpectSaneOutcome(const Bytes& file, uint32_t frameIndex, size_t place)
-{
-    const FileOpen header{file, 0, frameIndex};
-    const FileOpen frame{file, 1, frameIndex};
-    EXPECT_THAT(header.lines, Each(StartsWith("[Lumora] "))) << place;
-    EXPECT_THAT(frame.lines, Each(StartsWith("[Lumora] "))) << place;
-    if (header.succeeded)
-    {
-        EXPECT_THAT(header.image.Reader()->displayPixels, IsEmpty()) << place;
-        EXPECT_LT(frameIndex, header.image.Reader()->frameCount) << place;
-    }
-    if (!frame.succeeded)
-        return;
-
-    ASSERT_TRUE(header.succeeded) << place;
-    const RawImageBase& known = *header.image.Reader();
-    const RawImageBase& shown = *frame.image.Reader();
-    const size_t bytesPerPixel = shown.pixelType == PixelType::RGB24 ? 3 : 1;
-    EXPECT_EQ(shown.displayPixels.size(), size_t{shown.width} * shown.height * bytesPerPixel) << place;
-    EXPECT_EQ(shown.width, known.width) << place;
-    EXPECT_EQ(shown.height, known.height) << place;
-    EXPECT_EQ(shown.frameCount, known.frameCount) << place;
-    EXPECT_EQ(shown.pixelType, known.pixelType) << place;
-    EXPECT_EQ(shown.byteOrder, known.byteOrder) << place;
-    EXPECT_EQ(shown.software, known.software) << place;
-    EXPECT_EQ(shown.formatDetails, known.formatDetails) << place;
-}
-
 TEST(DamagedMrcFile, OpensOrNotAtEveryLength)
 {
     const Bytes whole = AcquiredFile();
     ASSERT_EQ(whole.size(), 1176U);
     for (size_t length = 0; length <= whole.size(); ++length)
     {
-        const Bytes file(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(length));
+        const Bytes file = FirstBytes(whole, length);
         for (const uint32_t frameIndex : {0U, 1U})
         {
             // Each frame needs its 12 bytes, behind the extended header as soon as that leaves room for one.
