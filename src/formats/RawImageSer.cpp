@@ -152,7 +152,7 @@ bool RawImageSer::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
     frameCount = header->validElements;
     flipVertical = true;
 
-    if (!reader.GoTo(*element + elementTypeOffset))
+    if (!reader.GoTo(*element) || !reader.Skip(elementTypeOffset))
         return false;
     const auto dataType = reader.ReadNumber<uint16_t>(order);
     const auto columns = reader.ReadNumber<uint32_t>(order);

@@ -4,6 +4,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
+#include <utility>
 #include <vector>
 
 /// The first `length` bytes of a file.
@@ -30,11 +32,11 @@ void ExpectSaneRead(const std::vector<uint8_t>& file, uint32_t frameIndex, size_
                     frame.succeeded ? &frame.reader : nullptr, frame.lines, frameIndex, place);
 }
 
-/// Calls `check(file, place)` for every value of every single byte in the first `headerBytes` bytes.
+/// Calls `check(file, place)` for every value of every single byte from `first` to before `end`.
 template <typename Check>
-void ForEveryChangedByte(std::vector<uint8_t> file, size_t headerBytes, Check check)
+void ForEveryChangedByte(std::vector<uint8_t> file, size_t first, size_t end, Check check)
 {
-    for (size_t place = 0; place < headerBytes; ++place)
+    for (size_t place = first; place < end; ++place)
     {
         const uint8_t original = file.at(place);
         for (uint32_t value = 0; value < 256; ++value)
@@ -44,4 +46,11 @@ void ForEveryChangedByte(std::vector<uint8_t> file, size_t headerBytes, Check ch
         }
         file[place] = original;
     }
+}
+
+/// The same for the first `headerBytes` bytes.
+template <typename Check>
+void ForEveryChangedByte(std::vector<uint8_t> file, size_t headerBytes, Check check)
+{
+    ForEveryChangedByte(std::move(file), 0, headerBytes, check);
 }

@@ -110,4 +110,73 @@ TEST_F(RealFiles, DetectorMovie)
     ExpectPicture(file, {347, {17, 1, 3, 5, 5, 7, 8, 59}, {239, 244, 240, 237, 231, 228, 226, 222}, 35087});
 }
 
+TEST_F(RealFiles, SeriesOfDiffractionPatterns)
+{
+    const std::vector<uint8_t> file = Load("ser/diffraction_5_frames.ser");
+    if (file.empty())
+        return;
+
+    const FileOpen header{file, 0, 4};
+    ASSERT_TRUE(header.succeeded);
+    EXPECT_THAT(header.lines, IsEmpty());
+    const RawImageBase& reader = *header.image.Reader();
+    EXPECT_EQ(reader.fileType, FileType::Ser);
+    EXPECT_EQ(reader.width, 128U);
+    EXPECT_EQ(reader.height, 128U);
+    EXPECT_EQ(reader.frameCount, 5U);
+    EXPECT_EQ(reader.pixelType, PixelType::Int32);
+    EXPECT_EQ(reader.byteOrder, ByteOrder::LittleEndian);
+    EXPECT_TRUE(reader.flipVertical);
+    EXPECT_EQ(reader.software, L"Pellox");
+    EXPECT_EQ(reader.formatDetails, L"");
+
+    ExpectPicture(
+        file, {0, {126, 125, 166, 104, 126, 104, 84, 126}, {104, 126, 126, 84, 169, 148, 127, 174}, 1946050});
+    ExpectPicture(
+        file, {1, {112, 133, 133, 112, 90, 155, 112, 156}, {133, 134, 135, 90, 45, 112, 158, 185}, 2087950});
+    ExpectPicture(
+        file, {4, {111, 133, 68, 111, 111, 175, 111, 90}, {111, 156, 178, 90, 178, 157, 157, 183}, 2108426});
+
+    const FileOpen beyond{file, 0, 5};
+    EXPECT_FALSE(beyond.succeeded);
+    EXPECT_THAT(beyond.lines, testing::ElementsAre("[Lumora] SER: Frame index is out of range"));
+}
+
+TEST_F(RealFiles, SeriesOfOneImage)
+{
+    const std::vector<uint8_t> file = Load("ser/image_64.ser");
+    if (file.empty())
+        return;
+
+    const FileOpen header{file, 0};
+    ASSERT_TRUE(header.succeeded);
+    EXPECT_THAT(header.lines, IsEmpty());
+    const RawImageBase& reader = *header.image.Reader();
+    EXPECT_EQ(reader.fileType, FileType::Ser);
+    EXPECT_EQ(reader.width, 64U);
+    EXPECT_EQ(reader.height, 64U);
+    EXPECT_EQ(reader.frameCount, 1U);
+    EXPECT_EQ(reader.pixelType, PixelType::Float32);
+    EXPECT_TRUE(reader.flipVertical);
+    EXPECT_EQ(reader.software, L"Pellox");
+
+    ExpectPicture(
+        file,
+        {0, {253, 246, 248, 247, 246, 247, 249, 246}, {242, 243, 243, 243, 247, 249, 246, 245}, 814197});
+}
+
+TEST_F(RealFiles, SeriesOfSpectra)
+{
+    const std::vector<uint8_t> file = Load("ser/spectrum.ser");
+    if (file.empty())
+        return;
+
+    for (const uint32_t mode : {0U, 1U})
+    {
+        const FileOpen open{file, mode};
+        EXPECT_FALSE(open.succeeded);
+        EXPECT_THAT(open.lines, testing::ElementsAre("[Lumora] SER: No 2D data structure found"));
+    }
+}
+
 } // namespace

@@ -1,0 +1,146 @@
+#include "formats/RawImageSer.h"
+#include "support/DamagedFile.h"
+#include "support/SerFile.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+using namespace Tav::Imaging::RawImage;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+using Bytes = std::vector<uint8_t>;
+using SerRead = FileRead<RawImageSer>;
+
+namespace {
+
+const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
+
+/// Two pictures of 4 x 2 bytes.
+Bytes Series(uint16_t version)
+{
+    return SerFile()
+        .Version(version)
+        .Element(4, 2, {1, 2, 3, 4, 5, 6, 7, 8})
+        .Element(4, 2, {9, 10, 11, 12, 13, 14, 15, 16})
+        .Build();
+}
+
+struct LengthRow
+{
+    uint16_t version;
+    uint32_t frameIndex;
+    /// The shortest lengths of which the facts can be read, and the frame can be shown.
+    size_t headerEnd;
+    size_t frameEnd;
+};
+
+TEST(DamagedSerFile, OpensOrNotAtEveryLength)
+{
+    // Both offsets must lie in the stream for either frame; the second element begins 58 bytes after the
+    // first, which begins at 34 or 46. Each has a header of 50 bytes and 8 bytes of samples.
+    constexpr LengthRow rows[] = {
+        {0x0210, 0, 93, 93},
+        {0x0210, 1, 142, 150},
+        {0x0220, 0, 105, 105},
+        {0x0220, 1, 154, 162},
+    };
+    for (const LengthRow& row : rows)
+    {
+        const Bytes whole = Series(row.version);
+        ASSERT_EQ(whole.size(), row.version == 0x0210 ? 150U : 162U);
+        for (size_t length = 0; length <= whole.size(); ++length)
+        {
+            const Bytes file = FirstBytes(whole, length);
+            const SerRead header{file, 0, row.frameIndex};
+            EXPECT_EQ(header.succeeded, length >= row.headerEnd) << length;
+            EXPECT_THAT(header.lines, IsEmpty()) << length;
+
+            const SerRead frame{file, 1, row.frameIndex};
+            EXPECT_EQ(frame.succeeded, length >= row.frameEnd) << length;
+            if (length >= row.headerEnd && length < row.frameEnd)
+            {
+                EXPECT_THAT(frame.lines, ElementsAre(cannotReadImage)) << length;
+            }
+            else
+            {
+                EXPECT_THAT(frame.lines, IsEmpty()) << length;
+            }
+            ExpectSaneOutcome(file, row.frameIndex, length);
+        }
+    }
+}
+
+TEST(DamagedSerFile, IsReadOrNotWithAnyByteOfItsHeadersChanged)
+{
+    struct Row
+    {
+        uint16_t version;
+        /// Where the first element begins, and the second one's data type.
+        size_t fileHeaderEnd;
+        size_t secondType;
+    };
+    for (const Row& row : {Row{0x0210, 34, 132}, Row{0x0220, 46, 144}})
+    {
+        const Bytes file = Series(row.version);
+        const auto check = [](const Bytes& changed, size_t place) {
+            ExpectSaneRead<RawImageSer>(changed, 1, place);
+        };
+        ForEveryChangedByte(file, row.fileHeaderEnd, check);
+        ForEveryChangedByte(file, row.secondType, row.secondType + 10, check);
+    }
+}
+
+TEST(DamagedSerFile, OpensOrNotWithAnyByteOfItsHeaderChanged)
+{
+    ForEveryChangedByte(Series(0x0220), 46,
+                        [](const Bytes& file, size_t place) { ExpectSaneOutcome(file, 0, place); });
+}
+
+TEST(SerReader, PassesOnWhatKeepsAStreamFromBeingRead)
+{
+    RawImageSer reader;
+    EXPECT_THROW((void)reader.Read(nullptr, 2048, 0, 0), std::invalid_argument);
+    EXPECT_EQ(reader.fileType, FileType::Ser);
+    EXPECT_EQ(reader.readMode, 0U);
+    EXPECT_EQ(reader.software, L"Pellox");
+
+    for (const StreamFaults& faults :
+         {StreamFaults{.failStatAt = 1}, StreamFaults{.failSeekAt = 1}, StreamFaults{.failReadAt = 1},
+          StreamFaults{.reportedSize = 2048}, StreamFaults{.longestRead = 100}})
+    {
+        TestStream stream{Series(0x0210), faults};
+        RawImageSer ser;
+        EXPECT_THROW((void)ser.Read(&stream, 150, 1, 0), std::runtime_error);
+        EXPECT_EQ(stream.references, 0U);
+    }
+}
+
+TEST(SerReader, FailsSilentlyWhereALaterWindowCannotBeRead)
+{
+    // The element lies in a second window.
+    const Bytes far = SerFile().Element(1, 1, Bytes(0x400000)).Element(2, 1, {0, 255}).Build();
+    ASSERT_TRUE(SerRead(far, 0, 1).succeeded);
+    for (const StreamFaults& faults : {StreamFaults{.failSeekAt = 2}, StreamFaults{.failReadAt = 2}})
+    {
+        const SerRead read{far, 0, 1, faults};
+        EXPECT_FALSE(read.succeeded);
+        EXPECT_THAT(read.lines, IsEmpty());
+    }
+}
+
+TEST(SerReader, SaysWhenTheFrameCannotBeRead)
+{
+    for (const StreamFaults& faults :
+         {StreamFaults{.failStatAt = 2}, StreamFaults{.failSeekAt = 2}, StreamFaults{.failReadAt = 2}})
+    {
+        const SerRead read{Series(0x0220), 1, 1, faults};
+        EXPECT_FALSE(read.succeeded);
+        EXPECT_THAT(read.lines, ElementsAre(cannotReadImage));
+        EXPECT_THAT(read.reader.displayPixels, IsEmpty());
+    }
+}
+
+} // namespace

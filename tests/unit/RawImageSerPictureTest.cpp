@@ -1,0 +1,183 @@
+#include "formats/RawImageSer.h"
+#include "support/FileRead.h"
+#include "support/FrameReader.h"
+#include "support/SerFile.h"
+#include "support/VariedSamples.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using namespace Tav::Imaging::RawImage;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+using Bytes = std::vector<uint8_t>;
+using SerRead = FileRead<RawImageSer>;
+
+namespace {
+
+struct TypeRow
+{
+    uint16_t dataType;
+    PixelType pixelType;
+    /// Samples of a frame of 2 x 2 pixels.
+    Bytes samples;
+    Bytes picture;
+};
+
+// Numbers are chosen to span exactly 255 steps, so that the picture is the distance from the smallest one,
+// or, for fractions, to span 0 to 1: quantised to 65535 steps and then divided by 257.
+const TypeRow dataTypes[] = {
+    {1, PixelType::UInt8, {0, 100, 200, 255}, {200, 255, 0, 100}},
+    {2, PixelType::UInt16, Stored<uint16_t>({65000, 65255, 65001, 65128}), {1, 128, 0, 255}},
+    {3, PixelType::UInt32, Stored<uint32_t>({70000, 70255, 70001, 70128}), {1, 128, 0, 255}},
+    // Signed, even where half of the samples are zero.
+    {4, PixelType::Int8, Stored<uint8_t>({0x80, 0x00, 0x00, 0x7F}), {128, 255, 0, 128}},
+    {5, PixelType::Int16, Stored<int16_t>({-100, -99, 55, 155}), {155, 255, 0, 1}},
+    {6, PixelType::Int32, Stored<int32_t>({-100000, -99999, -99845, -99745}), {155, 255, 0, 1}},
+    {7, PixelType::Float32, Stored<float>({0, 1, 0.5F, 0.25F}), {127, 63, 0, 255}},
+    {8, PixelType::Double64, Stored<double>({0, 1, 0.5, 0.25}), {127, 63, 0, 255}},
+    // Magnitudes of 0, 5, 2.5 and 1.25.
+    {9, PixelType::Complex64, Stored<float>({0, 0, 3, -4, -1.5F, 2, 0.75F, 1}), {127, 63, 0, 255}},
+    {10, PixelType::Complex128, Stored<double>({0, 0, 3, -4, -1.5, 2, 0.75, 1}), {127, 63, 0, 255}},
+};
+
+TEST(SerReader, ShowsEveryDataTypeWithTheLastStoredRowAtTheTop)
+{
+    for (const TypeRow& row : dataTypes)
+    {
+        const SerRead read{SerFile().Element({row.dataType, 2, 2, row.samples}).Build()};
+        EXPECT_TRUE(read.succeeded) << row.dataType;
+        EXPECT_EQ(read.reader.pixelType, row.pixelType) << row.dataType;
+        EXPECT_TRUE(read.reader.flipVertical) << row.dataType;
+        EXPECT_EQ(read.reader.displayPixels, row.picture) << row.dataType;
+        EXPECT_THAT(read.lines, IsEmpty()) << row.dataType;
+    }
+}
+
+TEST(SerReader, ShowsEveryDataTypeAsTheReferenceDoes)
+{
+    constexpr uint32_t sizes[][2] = {{7, 5}, {1, 1}, {1, 9}, {9, 1}, {64, 48}};
+    for (const TypeRow& row : dataTypes)
+        for (const auto& [width, height] : sizes)
+        {
+            StoredFrame frame = {.pixelType = row.pixelType,
+                                 .width = width,
+                                 .height = height,
+                                 .bytes = VariedSamples(row.pixelType, size_t{width} * height),
+                                 .flipVertical = true,
+                                 .fileType = FileType::Ser};
+            const DisplayedFrame expected = ReferenceDisplay(frame);
+            const auto file = SerFile().Version(0x0220).Element({row.dataType, width, height, frame.bytes});
+            const SerRead read{file.Build()};
+
+            EXPECT_TRUE(read.succeeded) << row.dataType << ", " << width << " x " << height;
+            EXPECT_EQ(read.reader.displayPixels, expected.pixels)
+                << row.dataType << ", " << width << " x " << height;
+            EXPECT_EQ(read.lines, expected.lines) << row.dataType << ", " << width << " x " << height;
+        }
+}
+
+TEST(SerReader, NeedsEverySampleOnlyToShowThem)
+{
+    for (const TypeRow& row : dataTypes)
+    {
+        const Bytes cut(row.samples.begin(), row.samples.end() - 1);
+        const Bytes file = SerFile().Element({row.dataType, 2, 2, cut}).Build();
+        const SerRead header{file, 0};
+        EXPECT_TRUE(header.succeeded) << row.dataType;
+        EXPECT_EQ(header.reader.pixelType, row.pixelType) << row.dataType;
+        EXPECT_THAT(header.lines, IsEmpty()) << row.dataType;
+
+        const SerRead frame{file, 1};
+        EXPECT_FALSE(frame.succeeded) << row.dataType;
+        EXPECT_THAT(frame.lines, ElementsAre("[Lumora] Failed to read the image data into memory"))
+            << row.dataType;
+    }
+}
+
+TEST(SerReader, ShowsElementsOfDifferentTypesAndSizes)
+{
+    const Bytes file = SerFile()
+                           .Version(0x0220)
+                           .Element(3, 1, {0, 5, 255})
+                           .Element({5, 1, 2, Stored<int16_t>({-200, 55})})
+                           .Element({7, 2, 1, Stored<float>({1, 0})})
+                           .Build();
+    EXPECT_THAT(SerRead(file, 1, 0).reader.displayPixels, ElementsAre(0, 5, 255));
+    EXPECT_THAT(SerRead(file, 1, 1).reader.displayPixels, ElementsAre(255, 0));
+    EXPECT_THAT(SerRead(file, 1, 2).reader.displayPixels, ElementsAre(255, 0));
+}
+
+/// Five pictures of 2 MiB each.
+Bytes LargeSeries()
+{
+    SerFile file;
+    for (int i = 0; i < 5; ++i)
+        file.Element(2048, 1024, Bytes(2048 * 1024));
+    return file.Build();
+}
+
+TEST(SerReader, ReadsNoSamplesForTheFactsOfASeries)
+{
+    constexpr uint64_t windowBytes = 0x400000;
+    const Bytes file = LargeSeries();
+
+    // The second element begins in the first window, the last needs a window of its own.
+    const SerRead near{file, 0, 1};
+    EXPECT_TRUE(near.succeeded);
+    EXPECT_EQ(near.stream.readCalls, 1U);
+    EXPECT_EQ(near.stream.bytesRead, windowBytes);
+    const SerRead far{file, 0, 4};
+    EXPECT_TRUE(far.succeeded);
+    EXPECT_EQ(far.stream.readCalls, 2U);
+    EXPECT_LE(far.stream.bytesRead, 2 * windowBytes);
+    EXPECT_EQ(far.reader.width, 2048U);
+    EXPECT_EQ(far.reader.height, 1024U);
+}
+
+TEST(SerReader, ReadsTheSamplesOfOneElementInOneGo)
+{
+    const SerRead read{LargeSeries(), 1, 4};
+    EXPECT_TRUE(read.succeeded);
+    EXPECT_EQ(read.reader.displayPixels.size(), 2048U * 1024U);
+    EXPECT_EQ(read.stream.readCalls, 3U);
+}
+
+/// A million and a half frames that share one element, with an array of 6000000 bytes.
+Bytes LongSeries()
+{
+    constexpr uint32_t count = 1500000;
+    const Bytes element = SerElement{1, 3, 1, {0, 99, 255}}.Build();
+    const uint32_t place = 26 + 4 * count;
+    ByteWriter file;
+    file.Put(SerFile().TotalCount(count).ValidCount(count).Build());
+    for (uint32_t i = 0; i < count; ++i)
+        file.Put(place);
+    file.Put(element);
+    return std::move(file.bytes);
+}
+
+TEST(SerReader, WalksALongArrayWindowByWindow)
+{
+    Bytes file = LongSeries();
+    const SerRead last{file, 1, 1499999};
+    EXPECT_TRUE(last.succeeded);
+    EXPECT_EQ(last.reader.frameCount, 1500000U);
+    EXPECT_THAT(last.reader.displayPixels, ElementsAre(0, 99, 255));
+    // Two windows, the second up to the end of the file, and the samples.
+    EXPECT_EQ(last.stream.readCalls, 3U);
+    EXPECT_EQ(last.stream.bytesRead, file.size() + 2 + 3);
+
+    const SerRead beyond{file, 0, 1500000};
+    EXPECT_FALSE(beyond.succeeded);
+    EXPECT_THAT(beyond.lines, ElementsAre("[Lumora] SER: Frame index is out of range"));
+
+    // The last entry's last byte.
+    file.at(26 + 6000000 - 1) = 0x7F;
+    const SerRead damaged{file, 1, 0};
+    EXPECT_FALSE(damaged.succeeded);
+    EXPECT_THAT(damaged.lines, IsEmpty());
+}
+
+} // namespace
