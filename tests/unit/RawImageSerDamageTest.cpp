@@ -121,11 +121,11 @@ TEST(SerReader, PassesOnWhatKeepsAStreamFromBeingRead)
 TEST(SerReader, FailsSilentlyWhereALaterWindowCannotBeRead)
 {
     // The element lies in a second window.
-    const Bytes far = SerFile().Element(1, 1, Bytes(0x400000)).Element(2, 1, {0, 255}).Build();
-    ASSERT_TRUE(SerRead(far, 0, 1).succeeded);
+    const Bytes distant = SerFile().Element(1, 1, Bytes(0x400000)).Element(2, 1, {0, 255}).Build();
+    ASSERT_TRUE(SerRead(distant, 0, 1).succeeded);
     for (const StreamFaults& faults : {StreamFaults{.failSeekAt = 2}, StreamFaults{.failReadAt = 2}})
     {
-        const SerRead read{far, 0, 1, faults};
+        const SerRead read{distant, 0, 1, faults};
         EXPECT_FALSE(read.succeeded);
         EXPECT_THAT(read.lines, IsEmpty());
     }
