@@ -249,7 +249,7 @@ TYPED_TEST(DmReader, IgnoresTheLengthsOfNamesAndTheNumberOfTypeWords)
 
 TYPED_TEST(DmReader, EndsTheWalkAtAWrongDelimiter)
 {
-    for (const std::string& delimiter : {"%%%%", "$%%%", "%$%%", "%%$%", "%%%$", "%%%&"})
+    for (const std::string delimiter : {"%%%%", "$%%%", "%$%%", "%%$%", "%%%$", "%%%&"})
     {
         DmWriter contents{this->layout};
         contents.Text(delimiter);
@@ -296,7 +296,7 @@ TEST(Dm4Reader, IgnoresTheSizeOfAnEntrysContents)
 {
     const DmLayout layout{4};
     Bytes file = FileAround(layout, DmTags{layout}.UInt32("value", 1).Group("group", DmTags{layout}));
-    for (const std::string& label : {"value", "group", "DataType", "Dimensions", "ImageData"})
+    for (const std::string label : {"value", "group", "DataType", "Dimensions", "ImageData"})
         for (const uint32_t noise : {0x00U, 0x01U, 0xFFU})
         {
             const auto end = std::search(file.begin(), file.end(), label.begin(), label.end()) +

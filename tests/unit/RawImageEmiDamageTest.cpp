@@ -128,11 +128,12 @@ TEST(EmiReader, PassesOnWhatKeepsAStreamFromBeingRead)
 TEST(EmiReader, KeepsWhatStandsBeforeAWindowThatCannotBeRead)
 {
     const Bytes nine = {0, 1, 2, 3, 4, 5, 6, 7, 255};
-    const Bytes far = EmiFile().Bytes(9, 1, nine).Sized(0x2000, 1, Bytes(0x400000)).Bytes(9, 1, nine).Build();
-    ASSERT_EQ(EmiRead(far, 0).reader.frameCount, 2U);
+    const Bytes distant =
+        EmiFile().Bytes(9, 1, nine).Sized(0x2000, 1, Bytes(0x400000)).Bytes(9, 1, nine).Build();
+    ASSERT_EQ(EmiRead(distant, 0).reader.frameCount, 2U);
     for (const StreamFaults& faults : {StreamFaults{.failSeekAt = 2}, StreamFaults{.failReadAt = 2}})
     {
-        const EmiRead read{far, 1, 0, faults};
+        const EmiRead read{distant, 1, 0, faults};
         EXPECT_TRUE(read.succeeded);
         EXPECT_EQ(read.reader.frameCount, 1U);
         EXPECT_EQ(read.reader.displayPixels, nine);

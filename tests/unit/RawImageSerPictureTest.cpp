@@ -124,16 +124,16 @@ TEST(SerReader, ReadsNoSamplesForTheFactsOfASeries)
     const Bytes file = LargeSeries();
 
     // The second element begins in the first window, the last needs a window of its own.
-    const SerRead near{file, 0, 1};
-    EXPECT_TRUE(near.succeeded);
-    EXPECT_EQ(near.stream.readCalls, 1U);
-    EXPECT_EQ(near.stream.bytesRead, windowBytes);
-    const SerRead far{file, 0, 4};
-    EXPECT_TRUE(far.succeeded);
-    EXPECT_EQ(far.stream.readCalls, 2U);
-    EXPECT_LE(far.stream.bytesRead, 2 * windowBytes);
-    EXPECT_EQ(far.reader.width, 2048U);
-    EXPECT_EQ(far.reader.height, 1024U);
+    const SerRead close{file, 0, 1};
+    EXPECT_TRUE(close.succeeded);
+    EXPECT_EQ(close.stream.readCalls, 1U);
+    EXPECT_EQ(close.stream.bytesRead, windowBytes);
+    const SerRead distant{file, 0, 4};
+    EXPECT_TRUE(distant.succeeded);
+    EXPECT_EQ(distant.stream.readCalls, 2U);
+    EXPECT_LE(distant.stream.bytesRead, 2 * windowBytes);
+    EXPECT_EQ(distant.reader.width, 2048U);
+    EXPECT_EQ(distant.reader.height, 1024U);
 }
 
 TEST(SerReader, ReadsTheSamplesOfOneElementInOneGo)

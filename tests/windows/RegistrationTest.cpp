@@ -129,8 +129,11 @@ TEST_F(Registration, TellsWicAboutTheDecoder)
     EXPECT_EQ(Text(instance, L"CLSID"), L"{0B6C4D37-1F0E-4E5B-9C57-6A3D2C9E41F8}");
     EXPECT_EQ(Text(instance, L"FriendlyName"), L"Lumora decoder");
     EXPECT_EQ(Text(decoder, L"ContainerFormat"), L"{E3A7F2C1-58D4-4B96-A60F-2D8B7C1E9F34}");
-    EXPECT_EQ(Text(decoder, L"FileExtensions"), L".mrc,.mrcs,.preali,.map,.st,.ali,.rec");
-    EXPECT_EQ(Text(decoder, L"MimeTypes"), L"image/x-mrc");
+    EXPECT_EQ(Text(decoder, L"FileExtensions"),
+              L".mrc,.mrcs,.preali,.map,.st,.ali,.rec,.dm3,.dm4,.ser,.emi,.npy,.lattice");
+    EXPECT_EQ(Text(decoder, L"MimeTypes"),
+              L"image/x-mrc,image/x-digital-micrograph,image/x-ser,image/x-emi,application/x-npy,"
+              L"image/x-tav-raw,image/x-tav-bin,image/x-lattice");
     EXPECT_EQ(Number(decoder, L"SupportMultiframe"), 1);
     EXPECT_EQ(Number(decoder, L"ArbitrationPriority"), 10);
     EXPECT_EQ(Text(decoder + L"\\Formats\\{6FDDC324-4E03-4BFE-B185-3D77768DC908}"), L"");
@@ -141,7 +144,7 @@ TEST_F(Registration, WritesTheHeaderPatterns)
 {
     EXPECT_FALSE(Register(Scope::Machine, dllPath).failure);
 
-    for (int i = 0; i < 10; ++i)
+    for (int i = 0; i < 22; ++i)
     {
         const std::wstring pattern = decoder + L"\\Patterns\\" + std::to_wstring(i);
         EXPECT_EQ(Number(pattern, L"Position"), 0) << i;
@@ -150,7 +153,7 @@ TEST_F(Registration, WritesTheHeaderPatterns)
         EXPECT_EQ(Binary(pattern, L"Pattern").size(), 64U) << i;
         EXPECT_EQ(Binary(pattern, L"Mask").size(), 64U) << i;
     }
-    EXPECT_FALSE(Exists(decoder + L"\\Patterns\\10"));
+    EXPECT_FALSE(Exists(decoder + L"\\Patterns\\22"));
 
     // The second one: a little-endian MRC header of mode 2 or 6.
     std::vector<uint8_t> wanted(64);

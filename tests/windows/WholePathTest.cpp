@@ -226,9 +226,11 @@ TEST(DecoderInfo, TellsWhatIsRegistered)
     EXPECT_EQ(id, GUID_VendorLumora);
     EXPECT_EQ(TextOf(info.Get(), &IWICBitmapDecoderInfo::GetFriendlyName), L"Lumora decoder");
     EXPECT_EQ(TextOf(info.Get(), &IWICBitmapDecoderInfo::GetAuthor), L"Lumora");
-    EXPECT_EQ(TextOf(info.Get(), &IWICBitmapDecoderInfo::GetMimeTypes), L"image/x-mrc");
+    EXPECT_EQ(TextOf(info.Get(), &IWICBitmapDecoderInfo::GetMimeTypes),
+              L"image/x-mrc,image/x-digital-micrograph,image/x-ser,image/x-emi,application/x-npy,"
+              L"image/x-tav-raw,image/x-tav-bin,image/x-lattice");
     EXPECT_EQ(TextOf(info.Get(), &IWICBitmapDecoderInfo::GetFileExtensions),
-              L".mrc,.mrcs,.preali,.map,.st,.ali,.rec");
+              L".mrc,.mrcs,.preali,.map,.st,.ali,.rec,.dm3,.dm4,.ser,.emi,.npy,.lattice");
 
     std::array<GUID, 4> formats{};
     UINT count = 0;
