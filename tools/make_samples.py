@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Makes the sample files beside this script. They are drawn, not recorded: no microscope was needed."""
+"""Makes the files in samples/. They are drawn, not recorded: no microscope was needed."""
 
 import pathlib
 import struct
@@ -7,7 +7,7 @@ import struct
 import mrcfile
 import numpy as np
 
-HERE = pathlib.Path(__file__).resolve().parent
+HERE = pathlib.Path(__file__).resolve().parent.parent / "samples"
 EDGE = 192
 RANDOM = np.random.default_rng(2014)
 Y, X = np.mgrid[0:EDGE, 0:EDGE].astype(np.float64)
