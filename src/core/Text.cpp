@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <sstream>
 
 namespace Tav::Imaging::RawImage {
 
@@ -29,9 +28,12 @@ std::wstring WidenText(std::span<const uint8_t> bytes)
 std::vector<std::string> SplitString(const std::string& text, char delimiter)
 {
     std::vector<std::string> pieces;
-    std::istringstream source{text};
-    for (std::string piece; std::getline(source, piece, delimiter);)
-        pieces.push_back(piece);
+    for (size_t begin = 0; begin < text.size();)
+    {
+        const size_t end = std::min(text.find(delimiter, begin), text.size());
+        pieces.push_back(text.substr(begin, end - begin));
+        begin = end + 1;
+    }
     return pieces;
 }
 
