@@ -79,7 +79,7 @@ bool RawImageUbo::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
         ++frameCount;
     if (frameIndex >= frameCount)
         return Fail(L"Frame index is out of range");
-    // Products beyond 64 bits wrap; the frame then lies anywhere, and is read only where the stream holds it.
+    // Only slices that are too large to be read make products beyond 64 bits.
     const uint64_t sliceBytes = uint64_t{width} * height * BytesPerPixel(pixelType);
     return ConvertToDisplay(stream, streamSize,
                             header.dataOffset + SliceOfFrame(frameIndex, slices) * sliceBytes);

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "support/LatticeFile.h"
+
+#include "formats/UboHeaderParser.h"
+
+#include <string>
+
+/// The header of a lattice file and what the parser made of it.
+struct ParsedHeader : Tav::Imaging::RawImage::UboHeaderParser
+{
+    explicit ParsedHeader(const std::string& text) : understood(Parse(text)) {}
+    explicit ParsedHeader(const LatticeFile& file) : ParsedHeader(file.Header()) {}
+    bool understood;
+};

@@ -1,0 +1,302 @@
+#include "formats/RawImageUbo.h"
+#include "support/DiagnosticLines.h"
+#include "support/FileRead.h"
+#include "support/LatticeFile.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+using namespace Tav::Imaging::RawImage;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+using Bytes = std::vector<uint8_t>;
+using Lines = std::vector<std::string>;
+using LatticeRead = FileRead<RawImageUbo>;
+
+namespace {
+
+const std::string unsupportedHeader = "[Lumora] UBO: Unsupported header format";
+const std::string noDimensions = "[Lumora] UBO: No valid image dimensions found";
+const std::string compressed = "[Lumora] UBO: Data compression is not supported";
+const std::string invalidResolution = "[Lumora] Invalid resolution";
+const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
+
+TEST(LatticeReader, FillsInTheFactsOfAFile)
+{
+    const LatticeRead read{LatticeFile().Size(3, 4, 2).Type("ushort").Samples(Bytes(48)).Build(), 0};
+
+    EXPECT_TRUE(read.succeeded);
+    EXPECT_EQ(read.reader.fileType, FileType::VornaMesh);
+    EXPECT_EQ(read.reader.byteOrder, ByteOrder::LittleEndian);
+    EXPECT_EQ(read.reader.readMode, 0U);
+    EXPECT_EQ(read.reader.pixelType, PixelType::UInt16);
+    EXPECT_FALSE(read.reader.flipVertical);
+    EXPECT_EQ(read.reader.software, L"Vorna");
+    EXPECT_EQ(read.reader.formatDetails, L"");
+    EXPECT_EQ(read.reader.width, 3U);
+    EXPECT_EQ(read.reader.height, 4U);
+    EXPECT_EQ(read.reader.frameCount, 2U);
+    EXPECT_EQ(read.reader.xStride, 0U);
+    EXPECT_EQ(read.reader.yStride, 0U);
+    EXPECT_THAT(read.reader.displayPixels, IsEmpty());
+    EXPECT_THAT(read.lines, IsEmpty());
+}
+
+struct MagicRow
+{
+    const char* line;
+    FileType fileType;
+    const wchar_t* software;
+};
+
+TEST(LatticeReader, TellsThePelixVariantByTheFourthCharacter)
+{
+    constexpr MagicRow rows[] = {
+        {"# Vorna 1.0", FileType::VornaMesh, L"Vorna"},
+        {"# PelixMesh 1.0", FileType::PelixMesh, L"Pelix"},
+        // Nothing else of the line is looked at.
+        {"# Pelix", FileType::PelixMesh, L"Pelix"},
+        {"xyze", FileType::PelixMesh, L"Pelix"},
+        {"# Velix", FileType::PelixMesh, L"Pelix"},
+        {"# PElix", FileType::VornaMesh, L"Vorna"},
+        {"# Porna", FileType::VornaMesh, L"Vorna"},
+        {"#  Pelix", FileType::VornaMesh, L"Vorna"},
+        {"\n\n\nelix", FileType::PelixMesh, L"Pelix"},
+    };
+    for (const MagicRow& row : rows)
+        for (const uint32_t mode : {0U, 1U})
+        {
+            const LatticeRead read{LatticeFile().Magic(row.line).Samples({7}).Build(), mode};
+            EXPECT_TRUE(read.succeeded) << row.line;
+            EXPECT_EQ(read.reader.fileType, row.fileType) << row.line;
+            EXPECT_EQ(read.reader.software, row.software) << row.line;
+        }
+}
+
+TEST(LatticeReader, OpensFilesOfBothPrograms)
+{
+    const FileOpen vorna{LatticeFile().Magic("# Vorna BINARY").Samples({7}).Build()};
+    ASSERT_TRUE(vorna.succeeded);
+    EXPECT_EQ(vorna.image.Reader()->fileType, FileType::VornaMesh);
+
+    const FileOpen pelix{LatticeFile().Magic("# PelixMesh BINARY").Samples({7}).Build()};
+    ASSERT_TRUE(pelix.succeeded);
+    EXPECT_EQ(pelix.image.Reader()->fileType, FileType::PelixMesh);
+
+    const FileOpen other{LatticeFile().Magic("# Pelix BINARY").Samples({7}).Build()};
+    EXPECT_FALSE(other.succeeded);
+    EXPECT_THAT(other.lines, ElementsAre("[Lumora] Could not identify the file format"));
+}
+
+TEST(LatticeReader, KeepsTheReadModeAsGivenAndReadsPixelsUnlessItIsZero)
+{
+    for (const uint32_t mode : {0U, 1U, 2U, 0xFFFFFFFFU})
+    {
+        const LatticeRead read{LatticeFile().Size(2, 3, 1).Samples({1, 2, 3, 4, 5, 6}).Build(), mode};
+        EXPECT_TRUE(read.succeeded) << mode;
+        EXPECT_EQ(read.reader.readMode, mode);
+        EXPECT_EQ(read.reader.displayPixels.size(), mode == 0 ? 0U : 6U) << mode;
+    }
+}
+
+struct TypeRow
+{
+    const char* word;
+    PixelType pixelType;
+};
+
+TEST(LatticeReader, TakesTheSampleTypeFromTheTypeLine)
+{
+    constexpr TypeRow rows[] = {
+        {"byte", PixelType::UInt8}, {"ushort", PixelType::UInt16}, {"short", PixelType::Int16},
+        {"int", PixelType::Int32},  {"float", PixelType::Float32}, {"double", PixelType::Double64},
+    };
+    for (const TypeRow& row : rows)
+    {
+        const LatticeRead read{LatticeFile().Type(row.word).Samples(Bytes(8)).Build(), 0};
+        EXPECT_TRUE(read.succeeded) << row.word;
+        EXPECT_EQ(read.reader.pixelType, row.pixelType) << row.word;
+    }
+}
+
+struct FailureRow
+{
+    const char* what;
+    LatticeFile file;
+    std::string line;
+};
+
+TEST(LatticeReader, SaysWhyItRefusesAFile)
+{
+    const FailureRow rows[] = {
+        {"no type line", LatticeFile().TypeLine(""), unsupportedHeader},
+        {"no known type", LatticeFile().Type("complex"), unsupportedHeader},
+        {"no dimensions", LatticeFile().Definition(""), unsupportedHeader},
+        {"two dimensions", LatticeFile().Definition("define Lattice 4 4"), unsupportedHeader},
+        {"not a number", LatticeFile().Definition("define Lattice 4 4 x"), unsupportedHeader},
+        {"a number that does not fit", LatticeFile().Definition("define Lattice 4 4 4294967296"),
+         unsupportedHeader},
+        {"no columns", LatticeFile().Size(0, 4, 4), noDimensions},
+        {"no rows", LatticeFile().Size(4, 0, 4), noDimensions},
+        {"no slices", LatticeFile().Size(4, 4, 0), noDimensions},
+        {"runs of equal bytes", LatticeFile().TypeLine("Lattice byte @1(HxByteRLE,5)"), compressed},
+        {"deflated data", LatticeFile().TypeLine("Lattice byte @1(HxZip,5)"), compressed},
+        // The first trouble is the one that is told.
+        {"no rows, no type", LatticeFile().Size(4, 0, 4).Type("complex"), unsupportedHeader},
+        {"no columns, deflated", LatticeFile().Size(0, 4, 4).TypeLine("Lattice byte @1(HxZip,5)"),
+         noDimensions},
+        {"deflated, too wide", LatticeFile().Size(65536, 1, 1).TypeLine("Lattice byte @1(HxZip,5)"),
+         compressed},
+    };
+    for (const FailureRow& row : rows)
+        for (const uint32_t mode : {0U, 1U})
+            for (const uint32_t frameIndex : {0U, 100U})
+            {
+                const LatticeRead read{LatticeFile{row.file}.Samples(Bytes(70000)).Build(), mode, frameIndex};
+                EXPECT_FALSE(read.succeeded) << row.what;
+                EXPECT_THAT(read.lines, ElementsAre(row.line)) << row.what;
+                EXPECT_EQ(read.reader.fileType, FileType::VornaMesh) << row.what;
+                EXPECT_EQ(read.reader.readMode, mode) << row.what;
+                EXPECT_EQ(read.reader.software, L"Vorna") << row.what;
+            }
+}
+
+TEST(LatticeReader, LeavesTheLargestPictureToTheConversion)
+{
+    constexpr uint32_t sizes[][3] = {{65536, 1, 1},      {1, 65536, 1},         {0xFFFFFFFF, 1, 1},
+                                     {1, 0xFFFFFFFF, 1}, {65536, 65536, 65536}, {0xFFFFFFFF, 0xFFFFFFFF, 1}};
+    for (const auto& [x, y, z] : sizes)
+    {
+        const Bytes file = LatticeFile().Size(x, y, z).Type("double").Samples(Bytes(70000)).Build();
+        const LatticeRead header{file, 0};
+        EXPECT_TRUE(header.succeeded) << x << " x " << y;
+        EXPECT_EQ(header.reader.width, x);
+        EXPECT_EQ(header.reader.height, y);
+        EXPECT_THAT(header.lines, IsEmpty());
+
+        const LatticeRead frame{file, 1};
+        EXPECT_FALSE(frame.succeeded) << x << " x " << y;
+        EXPECT_THAT(frame.lines, ElementsAre(invalidResolution)) << x << " x " << y;
+    }
+    EXPECT_TRUE(LatticeRead(LatticeFile().Size(65535, 1, 1).Samples(Bytes(65535)).Build()).succeeded);
+}
+
+TEST(LatticeReader, TakesZeroBytesOfTheHeaderForSpaces)
+{
+    Bytes file = LatticeFile().Size(4, 3, 2).Type("float").Samples(Bytes(96)).Build();
+    const size_t headerBytes = LatticeFile().Size(4, 3, 2).Type("float").Header().size();
+    for (size_t i = 0; i < headerBytes; ++i)
+        if (file[i] == ' ')
+            file[i] = 0;
+    const LatticeRead read{file};
+
+    EXPECT_TRUE(read.succeeded);
+    EXPECT_EQ(read.reader.width, 4U);
+    EXPECT_EQ(read.reader.height, 3U);
+    EXPECT_EQ(read.reader.frameCount, 2U);
+    EXPECT_EQ(read.reader.pixelType, PixelType::Float32);
+}
+
+TEST(LatticeReader, TakesLinesThatAreSurroundedByZeroBytes)
+{
+    Bytes file(1000, 0);
+    const Bytes lattice = LatticeFile().LineEnd(std::string("\0\0\n\0\0", 5)).Samples({7}).Build();
+    file.insert(file.end(), lattice.begin(), lattice.end());
+    const LatticeRead read{file};
+    EXPECT_TRUE(read.succeeded);
+    EXPECT_EQ(read.reader.software, L"Vorna");
+}
+
+/// A file whose "@1" ends at this place. Spaces fill the line before.
+Bytes FileWithHeaderOf(size_t headerBytes)
+{
+    const LatticeFile file = LatticeFile().Size(2, 2, 1);
+    const size_t spaces = headerBytes - file.Header().size();
+    return LatticeFile{file}.DataMark(std::string(spaces, ' ') + "@1").Samples({0, 64, 128, 255}).Build();
+}
+
+TEST(LatticeReader, LooksForTheDataInTheFirst262143Bytes)
+{
+    for (const size_t headerBytes :
+         {size_t{1000}, size_t{262138}, size_t{262139}, size_t{262142}, size_t{262143}})
+    {
+        const LatticeRead read{FileWithHeaderOf(headerBytes)};
+        EXPECT_TRUE(read.succeeded) << headerBytes;
+        EXPECT_THAT(read.reader.displayPixels, ElementsAre(0, 64, 128, 255)) << headerBytes;
+    }
+    // Beyond that place the header has no end, and the picture is its first text, "# Vo": 35, 32, 86 and 111,
+    // stretched from 31...111 to 0...255.
+    for (const size_t headerBytes : {size_t{262144}, size_t{262145}, size_t{300000}})
+    {
+        const LatticeRead read{FileWithHeaderOf(headerBytes)};
+        EXPECT_TRUE(read.succeeded) << headerBytes;
+        EXPECT_THAT(read.reader.displayPixels, ElementsAre(12, 3, 175, 255)) << headerBytes;
+    }
+}
+
+TEST(LatticeReader, ReadsOnBehindAFloodOfAnyCharacterAsFarAsItReadsAtAll)
+{
+    for (const char character : {'{', '}', ' ', '\0', '\t', '\r', '\n', 'L', '@', '"', '\xFF'})
+    {
+        const auto flooded = [character](size_t length) {
+            return LatticeFile().Magic("# Vorna " + std::string(length, character)).Samples({7}).Build();
+        };
+        EXPECT_TRUE(LatticeRead(flooded(1000)).succeeded) << int{character};
+        EXPECT_TRUE(LatticeRead(flooded(262000)).succeeded) << int{character};
+        const LatticeRead read{flooded(262143)};
+        EXPECT_FALSE(read.succeeded) << int{character};
+        EXPECT_THAT(read.lines, ElementsAre(unsupportedHeader)) << int{character};
+    }
+}
+
+TEST(LatticeReader, RefusesAnEmptyFile)
+{
+    const LatticeRead read{Bytes{}};
+    EXPECT_FALSE(read.succeeded);
+    EXPECT_THAT(read.lines, ElementsAre(unsupportedHeader));
+    EXPECT_EQ(read.reader.fileType, FileType::VornaMesh);
+}
+
+TEST(LatticeReader, FailsSilentlyWhenTheHeaderCannotBeRead)
+{
+    // The stream has become shorter since its size was asked for.
+    TestStream stream{LatticeFile().Samples({7}).Build()};
+    RawImageUbo reader;
+    DiagnosticLines diagnostics;
+    EXPECT_FALSE(reader.Read(&stream, stream.bytes.size() + 1, 1, 0));
+    EXPECT_THAT(diagnostics.Take(), IsEmpty());
+    EXPECT_EQ(reader.fileType, FileType::VornaMesh);
+}
+
+TEST(LatticeReader, PassesOnWhatKeepsAStreamFromBeingRead)
+{
+    RawImageUbo reader;
+    EXPECT_THROW((void)reader.Read(nullptr, 2048, 0, 0), std::invalid_argument);
+
+    for (const StreamFaults& faults :
+         {StreamFaults{.failStatAt = 1}, StreamFaults{.failSeekAt = 1}, StreamFaults{.failReadAt = 1},
+          StreamFaults{.longestRead = 50}, StreamFaults{.reportedSize = 2048}})
+    {
+        TestStream stream{LatticeFile().Samples({7}).Build(), faults};
+        RawImageUbo ubo;
+        EXPECT_THROW((void)ubo.Read(&stream, stream.bytes.size(), 1, 0), std::runtime_error);
+        EXPECT_EQ(stream.references, 0U);
+    }
+}
+
+TEST(LatticeReader, SaysWhenTheFrameCannotBeRead)
+{
+    for (const StreamFaults& faults :
+         {StreamFaults{.failStatAt = 2}, StreamFaults{.failSeekAt = 2}, StreamFaults{.failReadAt = 2}})
+    {
+        const LatticeRead read{LatticeFile().Samples({7}).Build(), 1, 0, faults};
+        EXPECT_FALSE(read.succeeded);
+        EXPECT_THAT(read.lines, ElementsAre(cannotReadImage));
+        EXPECT_THAT(read.reader.displayPixels, IsEmpty());
+    }
+}
+
+} // namespace
