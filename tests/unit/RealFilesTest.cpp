@@ -179,4 +179,46 @@ TEST_F(RealFiles, SeriesOfSpectra)
     }
 }
 
+TEST_F(RealFiles, ArrayWithAnImage)
+{
+    const std::vector<uint8_t> file = Load("npy/survey_512.npy");
+    if (file.empty())
+        return;
+
+    const FileOpen header{file, 0};
+    ASSERT_TRUE(header.succeeded);
+    EXPECT_THAT(header.lines, IsEmpty());
+    const RawImageBase& reader = *header.image.Reader();
+    EXPECT_EQ(reader.fileType, FileType::Npy);
+    EXPECT_EQ(reader.width, 512U);
+    EXPECT_EQ(reader.height, 512U);
+    EXPECT_EQ(reader.frameCount, 1U);
+    EXPECT_EQ(reader.pixelType, PixelType::UInt16);
+    EXPECT_EQ(reader.software, L"");
+    EXPECT_EQ(reader.formatDetails, L"");
+
+    ExpectPicture(file,
+                  {0, {178, 178, 178, 178, 178, 178, 178, 178}, {83, 83, 83, 83, 83, 83, 83, 83}, 33154441});
+}
+
+TEST_F(RealFiles, ArrayWithATable)
+{
+    const std::vector<uint8_t> file = Load("npy/table.npy");
+    if (file.empty())
+        return;
+
+    // Columns one after another, with numbers that are none, which is read as rows all the same.
+    const FileOpen header{file, 0};
+    ASSERT_TRUE(header.succeeded);
+    EXPECT_THAT(header.lines, IsEmpty());
+    const RawImageBase& reader = *header.image.Reader();
+    EXPECT_EQ(reader.fileType, FileType::Npy);
+    EXPECT_EQ(reader.width, 6U);
+    EXPECT_EQ(reader.height, 154U);
+    EXPECT_EQ(reader.frameCount, 1U);
+    EXPECT_EQ(reader.pixelType, PixelType::Double64);
+
+    ExpectPicture(file, {0, {0, 0, 0, 0, 0, 0, 0, 0}, {0, 0, 0, 0, 0, 0, 0, 0}, 32161});
+}
+
 } // namespace
