@@ -1,0 +1,115 @@
+#pragma once
+
+#include "support/DmReaderTest.h"
+
+#include "core/PixelType.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+/// Tags of the kinds that matter to the search for images, all in one group.
+struct TagList
+{
+    explicit TagList(const DmLayout& fileLayout) : tags(fileLayout), layout(fileLayout) {}
+
+    TagList& Data(uint8_t number)
+    {
+        tags.Array("Data", DmType::uint16, 10000, NumberedSamples(number));
+        return *this;
+    }
+
+    TagList& DataType(uint32_t code)
+    {
+        tags.UInt32("DataType", code);
+        return *this;
+    }
+
+    TagList& Dimensions(std::initializer_list<uint32_t> numbers)
+    {
+        DmTags dimensions{layout};
+        for (const uint32_t number : numbers)
+            dimensions.UInt32("", number);
+        return Group("Dimensions", dimensions);
+    }
+
+    TagList& Group(const char* label, const DmTags& members)
+    {
+        tags.Group(label, members);
+        return *this;
+    }
+
+    TagList& Unsigned(const char* label, uint32_t number)
+    {
+        tags.UInt32(label, number);
+        return *this;
+    }
+
+    TagList& Signed(const char* label, uint8_t number)
+    {
+        tags.Value(label, DmType::int32, {number, 0, 0, 0});
+        return *this;
+    }
+
+    TagList& Text(const char* label)
+    {
+        tags.String(label, u"text");
+        return *this;
+    }
+
+    [[nodiscard]] DmTags NewGroup() const { return DmTags{layout}; }
+
+    DmTags tags;
+
+private:
+    DmLayout layout;
+};
+
+/// A frame of 3 x 1 or 1 x 3 samples of 16 bits that the search finds.
+struct FoundFrame
+{
+    Tav::Imaging::RawImage::PixelType pixelType;
+    uint32_t width;
+    uint32_t height;
+    /// The middle sample.
+    uint32_t number;
+};
+
+/// Tags, and all the frames that they lead to.
+struct SearchRow
+{
+    const char* what;
+    void (*write)(TagList& list);
+    std::vector<FoundFrame> frames;
+};
+
+/// Expects that a file of the row's tags has the row's frames and no more.
+template <typename Reader>
+void ExpectFound(const DmLayout& layout, const SearchRow& row)
+{
+    SCOPED_TRACE(row.what);
+    TagList list{layout};
+    row.write(list);
+    const std::vector<uint8_t> file = DmFile{layout}.Root(list.tags).Build();
+    const auto frameCount = static_cast<uint32_t>(row.frames.size());
+    for (uint32_t i = 0; i < frameCount; ++i)
+    {
+        const FileRead<Reader> read{file, 1, i};
+        EXPECT_TRUE(read.succeeded);
+        EXPECT_EQ(read.reader.frameCount, frameCount);
+        EXPECT_EQ(read.reader.pixelType, row.frames[i].pixelType);
+        EXPECT_EQ(read.reader.width, row.frames[i].width);
+        EXPECT_EQ(read.reader.height, row.frames[i].height);
+        EXPECT_THAT(read.reader.displayPixels, testing::ElementsAre(0, row.frames[i].number, 255));
+    }
+    const std::string version = layout.version == 4 ? "DM4" : "DM3";
+    for (const uint32_t mode : {0U, 1U})
+    {
+        const FileRead<Reader> beyond{file, mode, frameCount};
+        EXPECT_FALSE(beyond.succeeded);
+        EXPECT_THAT(beyond.lines, testing::ElementsAre("[Lumora] " + version + ": No images found"));
+    }
+}
