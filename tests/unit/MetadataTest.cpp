@@ -1,5 +1,6 @@
 #include "metadata/Metadata.h"
 
+#include "support/DmImages.h"
 #include "support/FileRead.h"
 #include "support/MrcFile.h"
 
@@ -136,6 +137,48 @@ TEST(Metadata, DescribesAnOpenedFile)
     EXPECT_EQ(Text(metadata, MetadataProperty::PixelFormat), L"Float16 (Big endian)");
     EXPECT_EQ(Text(metadata, MetadataProperty::Software), L"Gatan Digital Micrograph");
     EXPECT_EQ(Text(metadata, MetadataProperty::FormatDetails), L"MRC2014 Mode 12");
+}
+
+TEST(Metadata, DescribesTheImageBehindAThumbnail)
+{
+    for (const DmLayout& layout : {DmLayout{3}, DmLayout{4}})
+    {
+        const DmTags images = DmTags{layout}.Image(Thumbnail(1)).Image(SmallNumberedImage(2));
+        const FileOpen open{DmFile{layout}.Root(images).Build(), 0};
+        Metadata metadata;
+        metadata.FillFromImage(open.image);
+
+        EXPECT_EQ(Number(metadata, MetadataProperty::Width), 3U);
+        EXPECT_EQ(Number(metadata, MetadataProperty::Height), 1U);
+        EXPECT_EQ(Text(metadata, MetadataProperty::Dimensions), L"3 x 1");
+        EXPECT_EQ(Number(metadata, MetadataProperty::FrameCount), 1U);
+        EXPECT_EQ(Number(metadata, MetadataProperty::BitDepth), 16U);
+        EXPECT_EQ(Text(metadata, MetadataProperty::PixelFormat), L"UInt16");
+        EXPECT_EQ(Text(metadata, MetadataProperty::Software), L"Gatan Digital Micrograph");
+        EXPECT_EQ(Text(metadata, MetadataProperty::FormatDetails), std::nullopt);
+    }
+}
+
+// A file can hold two images in colour before the others. The reader sets aside the first only, so the second
+// is met where the property handler expects no thumbnail, and makes it open the frame behind it.
+TEST(Metadata, DescribesTheFrameThatWasOpenedLast)
+{
+    for (const DmLayout& layout : {DmLayout{3}, DmLayout{4}})
+    {
+        const DmTags images =
+            DmTags{layout}.Image(Thumbnail(1)).Image(Thumbnail(2)).Image(SmallNumberedImage(3));
+        FileOpen open{DmFile{layout}.Root(images).Build(), 0};
+        ASSERT_TRUE(open.succeeded);
+        EXPECT_EQ(open.image.Reader()->pixelType, PixelType::RGBA32);
+        EXPECT_EQ(open.image.Reader()->frameCount, 2U);
+
+        ASSERT_TRUE(open.image.Open(&open.stream, 0, 1));
+        Metadata metadata;
+        metadata.FillFromImage(open.image);
+        EXPECT_EQ(Text(metadata, MetadataProperty::Dimensions), L"3 x 1 x 2");
+        EXPECT_EQ(Number(metadata, MetadataProperty::BitDepth), 16U);
+        EXPECT_EQ(Text(metadata, MetadataProperty::PixelFormat), L"UInt16");
+    }
 }
 
 TEST(Metadata, OutlivesTheImage)

@@ -10,6 +10,7 @@
 #include <numeric>
 
 using namespace Tav::Imaging::RawImage;
+using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
@@ -219,6 +220,82 @@ TEST_F(RealFiles, ArrayWithATable)
     EXPECT_EQ(reader.pixelType, PixelType::Double64);
 
     ExpectPicture(file, {0, {0, 0, 0, 0, 0, 0, 0, 0}, {0, 0, 0, 0, 0, 0, 0, 0}, 32161});
+}
+
+/// A file whose picture in small is the only image with enough samples to be found.
+struct ThumbnailFile
+{
+    const char* name;
+    FileType fileType;
+    uint32_t width;
+    uint32_t height;
+    /// Where a dump of the tags shows the first sample of the picture, and the sum of all shown bytes.
+    size_t dataOffset;
+    uint32_t sum;
+};
+
+TEST_F(RealFiles, TagFilesWithAThumbnailAndASmallImage)
+{
+    constexpr ThumbnailFile files[] = {
+        {"dm/diffraction.dm3", FileType::Dm3, 384, 384, 4476, 29624304},
+        {"dm/luminescence.dm4", FileType::Dm4, 384, 384, 9345, 84601764},
+        {"dm/packed_fft.dm4", FileType::Dm4, 128, 128, 6315, 2216292},
+        {"dm/spectrum_1d.dm4", FileType::Dm4, 384, 193, 5206, 45524246},
+    };
+    for (const ThumbnailFile& expected : files)
+    {
+        SCOPED_TRACE(expected.name);
+        const std::vector<uint8_t> file = Load(expected.name);
+        if (file.empty())
+            return;
+
+        std::vector<uint8_t> picture;
+        for (size_t i = 0; i < size_t{4} * expected.width * expected.height; ++i)
+            if (i % 4 != 3)
+                picture.push_back(file.at(expected.dataOffset + i));
+        EXPECT_EQ(std::accumulate(picture.begin(), picture.end(), 0U), expected.sum);
+
+        for (const uint32_t mode : {0U, 1U})
+        {
+            const FileOpen open{file, mode};
+            ASSERT_TRUE(open.succeeded);
+            EXPECT_THAT(open.lines, IsEmpty());
+            const RawImageBase& reader = *open.image.Reader();
+            EXPECT_EQ(reader.fileType, expected.fileType);
+            EXPECT_EQ(reader.pixelType, PixelType::RGBA32);
+            EXPECT_EQ(reader.width, expected.width);
+            EXPECT_EQ(reader.height, expected.height);
+            EXPECT_EQ(reader.frameCount, 1U);
+            EXPECT_EQ(reader.software, L"Gatan Digital Micrograph");
+            EXPECT_EQ(reader.formatDetails, L"");
+            EXPECT_EQ(reader.displayPixels, mode == 0 ? std::vector<uint8_t>{} : picture);
+        }
+
+        const FileOpen second{file, 0, 1};
+        EXPECT_FALSE(second.succeeded);
+        EXPECT_THAT(second.lines,
+                    ElementsAre(expected.fileType == FileType::Dm3 ? "[Lumora] DM3: No images found"
+                                                                   : "[Lumora] DM4: No images found"));
+    }
+}
+
+// Even the thumbnails of these have fewer than 10000 samples. The one large array, the printer's settings,
+// comes last and leads to nothing.
+TEST_F(RealFiles, TagFilesWithSmallImagesOnly)
+{
+    for (const char* name : {"dm/small_2d.dm3", "dm/spectrum_1d.dm3"})
+    {
+        SCOPED_TRACE(name);
+        const std::vector<uint8_t> file = Load(name);
+        if (file.empty())
+            return;
+        for (const uint32_t mode : {0U, 1U})
+        {
+            const FileOpen open{file, mode};
+            EXPECT_FALSE(open.succeeded);
+            EXPECT_THAT(open.lines, ElementsAre("[Lumora] DM3: No images found"));
+        }
+    }
 }
 
 } // namespace
