@@ -3,7 +3,6 @@
 #include "core/RawImageBase.h"
 
 #include <cstdint>
-#include <optional>
 #include <string_view>
 
 namespace Tav::Imaging::RawImage {
