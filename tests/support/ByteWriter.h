@@ -42,7 +42,8 @@ public:
 
     ByteWriter& Text(std::string_view text)
     {
-        bytes.insert(bytes.end(), text.begin(), text.end());
+        for (const char character : text)
+            bytes.push_back(static_cast<uint8_t>(character));
         return *this;
     }
 
