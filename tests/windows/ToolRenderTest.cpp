@@ -1,5 +1,6 @@
 #include "support/MrcFile.h"
 #include "windows/DecoderClient.h"
+#include "windows/GrayFiles.h"
 #include "windows/GrayStack.h"
 #include "windows/TemporaryFolder.h"
 #include "windows/ToolRun.h"
@@ -73,6 +74,20 @@ TEST(ToolRender, WritesAllFrames)
     EXPECT_EQ(PngPixels(folder, "pictures/new/stack-0.png"), grayPictures[0]);
     EXPECT_EQ(PngPixels(folder, "pictures/new/stack-1.png"), grayPictures[1]);
     EXPECT_EQ(PngPixels(folder, "pictures/new/stack-2.png"), grayPictures[2]);
+}
+
+TEST(ToolRender, WritesFilesOfEveryFormat)
+{
+    for (const GrayFile& file : GrayFiles())
+    {
+        SCOPED_TRACE(file.name);
+        const TemporaryFolder folder;
+        const std::filesystem::path path = folder.Write(file.name, file.content);
+        const ToolRun run({L"render", path.filename().wstring()}, folder.Path());
+        EXPECT_EQ(run.exitCode, 0U) << run.error;
+        EXPECT_EQ(PngPixels(folder, path.filename().replace_extension(".png").string().c_str()),
+                  file.pictures[0]);
+    }
 }
 
 TEST(ToolRender, SaysWhichFramesThereAre)

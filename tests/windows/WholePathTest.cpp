@@ -1,6 +1,7 @@
 #include "registration/ClassIds.h"
 #include "support/MrcFile.h"
 #include "windows/DecoderClient.h"
+#include "windows/GrayFiles.h"
 #include "windows/GrayStack.h"
 #include "windows/PropertyStoreClient.h"
 #include "windows/RegisteredLumora.h"
@@ -82,6 +83,20 @@ TEST(Discovery, FindsTheDecoderForEveryModeInBothByteOrders)
                 MrcFile().Order(order).Size(6, 2, 1).Mode(mode).Samples(Pixels(6 * 2 * 4)).Build();
             EXPECT_EQ(FormatOf(Discover(file)), GUID_ContainerFormatLumora);
         }
+    }
+}
+
+TEST(Discovery, FindsTheDecoderForEveryFormat)
+{
+    for (const GrayFile& file : GrayFiles())
+    {
+        SCOPED_TRACE(file.name);
+        const ComPtr<IWICBitmapDecoder> decoder = Discover(file.content);
+        ASSERT_TRUE(decoder);
+        EXPECT_EQ(FormatOf(decoder), GUID_ContainerFormatLumora);
+        ASSERT_EQ(FrameCount(decoder), file.pictures.size());
+        for (UINT index = 0; index < file.pictures.size(); ++index)
+            EXPECT_EQ(Picture(Frame(decoder, index)), file.pictures[index]) << index;
     }
 }
 
@@ -259,6 +274,25 @@ TEST(Properties, ComeFromTheRegisteredHandler)
                 ElementsAre(PropertyValue(4UL), PropertyValue(2UL), PropertyValue(L"4 x 2 x 3"),
                             PropertyValue(3UL), PropertyValue(L"UInt16"), PropertyValue(L"Ardix 2.10"),
                             PropertyValue(16UL), PropertyValue(L"MRC2014 Mode 6")));
+}
+
+TEST(Properties, TellTheSameOfEveryFormat)
+{
+    const TemporaryFolder folder;
+    for (const GrayFile& file : GrayFiles())
+    {
+        SCOPED_TRACE(file.name);
+        const auto height = static_cast<ULONG>(file.pictures[0].size() / 4);
+        const auto frames = static_cast<ULONG>(file.pictures.size());
+        const std::wstring size = L"4 x " + std::to_wstring(height);
+        EXPECT_THAT(
+            ValuesOf(RegisteredStore(folder.Write(file.name, file.content))),
+            ElementsAre(PropertyValue(4UL), PropertyValue(height),
+                        PropertyValue(frames > 1 ? size + L" x " + std::to_wstring(frames) : size),
+                        PropertyValue(frames), PropertyValue(L"UInt16"), PropertyValue(file.software),
+                        PropertyValue(16UL),
+                        file.formatDetails.empty() ? PropertyValue() : PropertyValue(file.formatDetails)));
+    }
 }
 
 } // namespace

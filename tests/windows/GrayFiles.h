@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/// A file of one format whose frames look like pictures of the gray stack, and what the shell shows of it.
+struct GrayFile
+{
+    std::string name;
+    std::vector<uint8_t> content;
+    /// What each frame shows: rows of 4 pixels from top to bottom.
+    std::vector<std::vector<uint8_t>> pictures;
+    std::wstring software;
+    /// Empty where the format has none to tell.
+    std::wstring formatDetails;
+};
+
+/// A file of 16-bit samples in each format that has no other test of its own, both layouts of BIN included.
+[[nodiscard]] std::vector<GrayFile> GrayFiles();
