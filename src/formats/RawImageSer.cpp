@@ -3,6 +3,7 @@
 #include "core/Diagnostics.h"
 #include "core/StreamReader.h"
 
+#include <array>
 #include <optional>
 #include <string_view>
 
@@ -29,31 +30,12 @@ bool Fail(std::wstring_view message) noexcept
 
 PixelType PixelTypeOfElement(uint16_t dataType) noexcept
 {
-    switch (dataType)
-    {
-    case 1:
-        return PixelType::UInt8;
-    case 2:
-        return PixelType::UInt16;
-    case 3:
-        return PixelType::UInt32;
-    case 4:
-        return PixelType::Int8;
-    case 5:
-        return PixelType::Int16;
-    case 6:
-        return PixelType::Int32;
-    case 7:
-        return PixelType::Float32;
-    case 8:
-        return PixelType::Double64;
-    case 9:
-        return PixelType::Complex64;
-    case 10:
-        return PixelType::Complex128;
-    default:
-        return PixelType::Unknown;
-    }
+    constexpr std::array<PixelType, 11> types = {
+        PixelType::Unknown,  PixelType::UInt8,     PixelType::UInt16,     PixelType::UInt32,
+        PixelType::Int8,     PixelType::Int16,     PixelType::Int32,      PixelType::Float32,
+        PixelType::Double64, PixelType::Complex64, PixelType::Complex128,
+    };
+    return dataType < types.size() ? types[dataType] : PixelType::Unknown;
 }
 
 struct SeriesHeader
@@ -155,12 +137,16 @@ bool RawImageSer::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
     if (!reader.GoTo(*element) || !reader.Skip(elementTypeOffset))
         return false;
     const auto dataType = reader.ReadNumber<uint16_t>(order);
-    const auto columns = reader.ReadNumber<uint32_t>(order);
-    const auto rows = reader.ReadNumber<uint32_t>(order);
-    if (!dataType || !columns || !rows)
+    if (!dataType)
         return false;
     pixelType = PixelTypeOfElement(*dataType);
+    const auto columns = reader.ReadNumber<uint32_t>(order);
+    if (!columns)
+        return false;
     width = *columns;
+    const auto rows = reader.ReadNumber<uint32_t>(order);
+    if (!rows)
+        return false;
     height = *rows;
     if (pixelType == PixelType::Unknown)
         return Fail(L"Unsupported pixel type");

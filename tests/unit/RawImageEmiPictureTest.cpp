@@ -135,6 +135,20 @@ TEST(EmiReader, JudgesEveryTypeTogetherWithTheSizeOfItsSamples)
         }
 }
 
+TEST(EmiReader, TakesNoComplexNumbersOfDoublePrecision)
+{
+    const EmiRead complex{EmiFile().Array(0x2212, 4, 4, Bytes(16 * 16)).Build(), 0};
+    EXPECT_FALSE(complex.succeeded);
+    EXPECT_THAT(complex.lines, ElementsAre("[Lumora] EMI: No images found"));
+    // The same type with samples of another size, and the type before it.
+    const EmiRead narrow{EmiFile().Array(0x2212, 4, 4, Bytes(16 * 8)).Build(), 0};
+    EXPECT_THAT(narrow.lines,
+                ElementsAre("[Lumora] EMI: Unsupported pixel type", "[Lumora] EMI: No images found"));
+    const EmiRead unknown{EmiFile().Array(0x2210, 4, 4, Bytes(16)).Build(), 0};
+    EXPECT_THAT(unknown.lines,
+                ElementsAre("[Lumora] EMI: Unsupported pixel type", "[Lumora] EMI: No images found"));
+}
+
 TEST(EmiReader, RefusesEachArrayForItself)
 {
     const auto file = EmiFile()

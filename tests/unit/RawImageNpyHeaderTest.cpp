@@ -280,4 +280,18 @@ TEST(NpyReader, FillsInTheFactsOfAStackOfNothing)
     EXPECT_EQ(read.reader.frameCount, 0U);
 }
 
+TEST(NpyReader, KeepsWhatItHasFoundBeforeARefusal)
+{
+    const NpyRead colours{NpyFile().Descr("|u1").Shape("(0, 4, 3)").Samples(Bytes(64)).Build(), 0};
+    EXPECT_EQ(colours.reader.pixelType, PixelType::RGB24);
+    EXPECT_EQ(colours.reader.width, 4U);
+    EXPECT_EQ(colours.reader.height, 0U);
+    EXPECT_EQ(colours.reader.frameCount, 1U);
+
+    const NpyRead line{NpyFile().Descr("<i4").Shape("(5,)").Samples(Bytes(64)).Build(), 0};
+    EXPECT_EQ(line.reader.pixelType, PixelType::Int32);
+    EXPECT_EQ(line.reader.width, 0U);
+    EXPECT_EQ(line.reader.height, 0U);
+}
+
 } // namespace

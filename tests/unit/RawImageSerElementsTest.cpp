@@ -266,6 +266,33 @@ TEST(SerReader, SaysNothingOfADataTypeBeforeTheElementsHeaderIsComplete)
     }
 }
 
+TEST(SerReader, KeepsWhatItHasReadOfAnElementThatIsCut)
+{
+    struct Row
+    {
+        size_t length;
+        PixelType pixelType;
+        uint32_t width;
+    };
+    // The element begins at 30, its data type at 70, its width at 72 and its height at 76.
+    constexpr Row rows[] = {{71, PixelType::Unknown, 0},
+                            {72, PixelType::UInt16, 0},
+                            {75, PixelType::UInt16, 0},
+                            {76, PixelType::UInt16, 7},
+                            {79, PixelType::UInt16, 7}};
+    const Bytes whole = SerFile().Element({2, 7, 1, Bytes(14)}).Build();
+    for (const Row& row : rows)
+    {
+        const SerRead read{Bytes(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(row.length)), 0};
+        EXPECT_FALSE(read.succeeded) << row.length;
+        EXPECT_EQ(read.lines, Lines{}) << row.length;
+        EXPECT_EQ(read.reader.pixelType, row.pixelType) << row.length;
+        EXPECT_EQ(read.reader.width, row.width) << row.length;
+        EXPECT_EQ(read.reader.height, 0U) << row.length;
+        EXPECT_EQ(read.reader.frameCount, 1U) << row.length;
+    }
+}
+
 TEST(SerReader, LeavesTheSizeToTheDisplay)
 {
     struct Row
