@@ -181,6 +181,14 @@ std::optional<ChosenImage> ChooseImage(std::span<const ImageRun> images, uint32_
     return std::nullopt;
 }
 
+/// The images of all tags from the reader's position on.
+std::vector<ImageRun> WalkToImages(StreamReader& reader, bool hasWideFields)
+{
+    DmTagWalk walk{reader, hasWideFields};
+    walk.Run();
+    return FindImages(walk.tags);
+}
+
 } // namespace
 
 bool RawImageDm::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint32_t frameIndex)
@@ -215,9 +223,7 @@ bool RawImageDm::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint3
     if (*dataByteOrder == 0)
         return fail(L"Big endian byte ordering for data is not supported");
 
-    DmTagWalk walk{reader, version.hasWideFields};
-    walk.Run();
-    const auto image = ChooseImage(FindImages(walk.tags), frameIndex);
+    const auto image = ChooseImage(WalkToImages(reader, version.hasWideFields), frameIndex);
     if (!image)
         return fail(L"No images found");
     width = image->width;

@@ -79,6 +79,37 @@ Bytes FileWithRepeated(const DmLayout& layout, const Bytes& repeated)
     return DmFile{layout}.Content(content.bytes).Build();
 }
 
+/// The file with zero bytes for the elements of the array that begins at `place`.
+SparseStream WithElements(const Bytes& file, size_t place, uint32_t count)
+{
+    const auto split = file.begin() + static_cast<ptrdiff_t>(place);
+    return {file.size() + count, Bytes(file.begin(), split), place + count, Bytes(split, file.end())};
+}
+
+TYPED_TEST(DmReader, ReadsTagsAcrossTheEndOfAWindow)
+{
+    const DmTags image = this->Tags().Group(std::string(300, 'a'), this->Tags()).Image(SmallNumberedImage(7));
+    const size_t imageBytes = image.AsGroup().size();
+    for (size_t shift = 0; shift <= imageBytes; ++shift)
+    {
+        // An array that lets the rest of the file begin so many bytes before the window's end.
+        const auto fileOf = [this](uint32_t count, const DmTags& rest) {
+            const Bytes root = this->Tags().Array("", DmType::byte, count, {}).Group("", rest).AsGroup();
+            return DmFile{this->layout}
+                .Content(root)
+                .ClaimRootBytes(static_cast<uint32_t>(root.size()) + count)
+                .Build();
+        };
+        constexpr size_t trailer = 8;
+        const size_t place = this->File(this->Tags().Array("", DmType::byte, 0, {})).Build().size() - trailer;
+        const auto count = static_cast<uint32_t>(windowBytes - place - shift);
+        SparseStream stream = WithElements(fileOf(count, image), place, count);
+        TypeParam reader;
+        EXPECT_TRUE(reader.Read(&stream, *stream.faults.reportedSize, 1, 0)) << shift;
+        EXPECT_THAT(reader.displayPixels, ElementsAre(0, 7, 255)) << shift;
+    }
+}
+
 TYPED_TEST(DmReader, GivesUpAChainOfGroups)
 {
     // A group of one tag, and the beginning of an entry that is a group again.

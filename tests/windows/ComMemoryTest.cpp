@@ -1,4 +1,6 @@
+#include "support/DmImages.h"
 #include "windows/DecoderClient.h"
+#include "windows/GrayFiles.h"
 #include "windows/GrayStack.h"
 #include "windows/LumoraModule.h"
 #include "windows/ModuleHeap.h"
@@ -87,6 +89,27 @@ TEST(Memory, MayRunOutAtEveryPointOfOpeningAFile)
         decoder.Reset();
         EXPECT_EQ(stream.references, 0u);
     });
+}
+
+TEST(Memory, MayRunOutAtEveryPointOfOpeningAFileOfAnyFormat)
+{
+    ModuleHeap heap{LumoraModule::Shared().handle};
+    for (const GrayFile& file : GrayFiles())
+    {
+        SCOPED_TRACE(file.name);
+        ForEachRequest(heap, [&](uint32_t number) {
+            TestStream stream{file.content};
+            const ComPtr<IWICBitmapDecoder> decoder = NewDecoder();
+            heap.RefuseRequest(number);
+            const HRESULT result = OutcomeOf([&] { return Initialize(decoder, stream); }).result;
+            if (heap.HasRefused())
+            {
+                EXPECT_EQ(Initialize(decoder, stream), S_OK)
+                    << "memory has been found since, after " << result;
+            }
+            EXPECT_EQ(Picture(Frame(decoder, 0)), file.pictures[0]);
+        });
+    }
 }
 
 TEST(Memory, MayRunOutAtEveryPointOfDecodingTheNextFrame)
@@ -191,6 +214,28 @@ TEST(Memory, IsGivenBackWhereverTheStreamFails)
             EXPECT_EQ(ValueOf(store, servedKeys[0]),
                       outcome == Outcome{} ? PropertyValue{4ul} : PropertyValue{});
         });
+    }
+}
+
+TEST(Memory, IsASmallMultipleOfAFileOfManyTags)
+{
+    ModuleHeap heap{LumoraModule::Shared().handle};
+    for (const DmLayout& layout : {DmLayout{3}, DmLayout{4}})
+    {
+        const DmTags rows[] = {DmTags{layout}.Group("a", DmTags{layout}), DmTags{layout}.UInt32("a", 1),
+                               DmTags{layout}.Image(SmallNumberedImage(1))};
+        for (const DmTags& tags : rows)
+        {
+            ByteWriter groups;
+            while (groups.bytes.size() < (size_t{8} << 20))
+                groups.Put(tags.AsGroup());
+            const std::vector<uint8_t> file = DmFile{layout}.Content(groups.bytes).Build();
+            TestStream stream{file};
+            const ComPtr<IPropertyStore> store = NewPropertyStore();
+            static_cast<void>(Initialize(store, &stream));
+            // The list of tags grows by moving to a larger block, so this is most of what is held at once.
+            EXPECT_LE(heap.LargestRequest(), 4 * file.size());
+        }
     }
 }
 
