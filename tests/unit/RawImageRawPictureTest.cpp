@@ -200,6 +200,32 @@ TEST(RawReader, FindsTheSamplesBehindAGap)
     }
 }
 
+TEST(RawReader, ShowsSamplesWhoseSizeTheFileTells)
+{
+    const RawRead read{RawFile()
+                           .Size(2, 2)
+                           .Samples(16, RawFile::Unsigned, Stored<uint16_t>({65000, 65255, 65001, 65128}))
+                           .BitsPerPixel(12)
+                           .Build()};
+    EXPECT_TRUE(read.succeeded);
+    EXPECT_THAT(read.lines,
+                ElementsAre("[Lumora] RAW: The bits per pixel in the file header is not correct"));
+    EXPECT_EQ(read.reader.pixelType, PixelType::UInt16);
+    EXPECT_THAT(read.reader.displayPixels, ElementsAre(0, 255, 1, 128));
+}
+
+TEST(RawReader, WrapsTheLongestStrideWithinTheFrame)
+{
+    // 2^32 - 1 is 3 modulo 7: every third sample, round and round.
+    const RawRead read{RawFile()
+                           .Size(7, 1)
+                           .Samples(8, RawFile::Unsigned, {0, 43, 85, 128, 170, 213, 255})
+                           .Strides(0xFFFFFFFF, 0)
+                           .Build()};
+    EXPECT_TRUE(read.succeeded);
+    EXPECT_THAT(read.reader.displayPixels, ElementsAre(0, 128, 255, 85, 213, 43, 170));
+}
+
 TEST(RawReader, WrapsTheDataOffsetAt32Bits)
 {
     struct Row
