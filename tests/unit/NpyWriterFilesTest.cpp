@@ -1,13 +1,13 @@
 #include "support/FileBytes.h"
 #include "support/FileRead.h"
 #include "support/ReferenceDisplay.h"
+#include "support/WriterManifest.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <iomanip>
 #include <set>
-#include <sstream>
 
 using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
@@ -17,41 +17,7 @@ using Lines = std::vector<std::string>;
 
 namespace {
 
-/// What the writer knows of a file, from its line in the manifest.
-struct WrittenFile
-{
-    std::string name;
-    bool opens = false;
-    uint32_t width = 0;
-    uint32_t height = 0;
-    uint32_t frameCount = 0;
-    std::string pixelType;
-    /// Why it is refused; empty where nothing is said.
-    std::string message;
-};
-
 const std::string folder = LUMORA_NPY_FILES "/";
-
-std::vector<WrittenFile> Manifest()
-{
-    std::ifstream manifest{folder + "manifest"};
-    std::vector<WrittenFile> files;
-    for (std::string line; std::getline(manifest, line);)
-    {
-        std::istringstream words{line};
-        WrittenFile file;
-        std::string outcome;
-        words >> file.name >> outcome;
-        file.opens = outcome == "opens";
-        if (file.opens)
-            words >> file.width >> file.height >> file.frameCount >> file.pixelType;
-        else
-            words >> std::quoted(file.message);
-        EXPECT_TRUE(words && (file.opens || outcome == "refused")) << line;
-        files.push_back(file);
-    }
-    return files;
-}
 
 void ExpectFacts(const WrittenFile& file, const RawImageBase& reader)
 {
@@ -66,23 +32,10 @@ void ExpectFacts(const WrittenFile& file, const RawImageBase& reader)
     EXPECT_FALSE(reader.flipVertical);
 }
 
-/// The frame's samples as they stand in the file, and what the display makes of them.
-DisplayedFrame ExpectedFrame(const WrittenFile& file, PixelType pixelType, uint32_t frameIndex)
-{
-    const std::vector<uint8_t> samples = FileBytes(folder + file.name + ".raw");
-    EXPECT_EQ(samples.size() % file.frameCount, 0U);
-    const size_t frameBytes = samples.size() / file.frameCount;
-    const auto first = samples.begin() + static_cast<ptrdiff_t>(frameIndex * frameBytes);
-    return ReferenceDisplay({.pixelType = pixelType,
-                             .width = file.width,
-                             .height = file.height,
-                             .bytes = {first, first + static_cast<ptrdiff_t>(frameBytes)}});
-}
-
 TEST(NpyWriterFiles, OpenWithTheFactsAndPicturesThatTheirWriterKnows)
 {
     std::set<std::string> pixelTypes;
-    for (const WrittenFile& file : Manifest())
+    for (const WrittenFile& file : ReadManifest(folder))
     {
         if (!file.opens)
             continue;
@@ -99,7 +52,7 @@ TEST(NpyWriterFiles, OpenWithTheFactsAndPicturesThatTheirWriterKnows)
             ASSERT_TRUE(open.succeeded) << frameIndex;
             const RawImageBase& reader = *open.image.Reader();
             ExpectFacts(file, reader);
-            const DisplayedFrame expected = ExpectedFrame(file, reader.pixelType, frameIndex);
+            const DisplayedFrame expected = ReferenceDisplay(WrittenFrame(folder, file, reader, frameIndex));
             EXPECT_EQ(reader.displayPixels, expected.pixels) << frameIndex;
             EXPECT_EQ(open.lines, expected.lines) << frameIndex;
         }
@@ -116,18 +69,20 @@ TEST(NpyWriterFiles, OpenWithTheFactsAndPicturesThatTheirWriterKnows)
 TEST(NpyWriterFiles, AreRefusedForTheReasonsThatTheirWriterKnows)
 {
     std::set<std::string> messages;
-    for (const WrittenFile& file : Manifest())
+    for (WrittenFile& file : ReadManifest(folder))
     {
         if (file.opens)
             continue;
+        // Why it is refused; empty where nothing is said.
+        std::string message;
+        EXPECT_TRUE(file.rest >> std::quoted(message)) << file.name;
         for (const uint32_t mode : {0U, 1U})
         {
             const FileOpen open{FileBytes(folder + file.name), mode};
             EXPECT_FALSE(open.succeeded) << file.name;
-            EXPECT_EQ(open.lines, file.message.empty() ? Lines{} : Lines{"[Lumora] NPY: " + file.message})
-                << file.name;
+            EXPECT_EQ(open.lines, message.empty() ? Lines{} : Lines{"[Lumora] NPY: " + message}) << file.name;
         }
-        messages.insert(file.message);
+        messages.insert(message);
     }
     EXPECT_THAT(messages,
                 ElementsAre("", "Invalid resolution", "The number of frames is too large",

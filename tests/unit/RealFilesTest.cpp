@@ -35,6 +35,36 @@ protected:
     }
 };
 
+/// What another program tells of a file.
+struct FileFacts
+{
+    FileType fileType;
+    uint32_t width;
+    uint32_t height;
+    uint32_t frameCount;
+    PixelType pixelType;
+    bool flipVertical;
+    std::wstring software;
+    std::wstring formatDetails;
+};
+
+void ExpectFacts(const std::vector<uint8_t>& file, const FileFacts& expected)
+{
+    const FileOpen header{file, 0};
+    ASSERT_TRUE(header.succeeded);
+    EXPECT_THAT(header.lines, IsEmpty());
+    const RawImageBase& reader = *header.image.Reader();
+    EXPECT_EQ(reader.fileType, expected.fileType);
+    EXPECT_EQ(reader.width, expected.width);
+    EXPECT_EQ(reader.height, expected.height);
+    EXPECT_EQ(reader.frameCount, expected.frameCount);
+    EXPECT_EQ(reader.pixelType, expected.pixelType);
+    EXPECT_EQ(reader.byteOrder, ByteOrder::LittleEndian);
+    EXPECT_EQ(reader.flipVertical, expected.flipVertical);
+    EXPECT_EQ(reader.software, expected.software);
+    EXPECT_EQ(reader.formatDetails, expected.formatDetails);
+}
+
 /// What numpy computes of a frame's picture.
 struct FramePicture
 {
@@ -64,20 +94,7 @@ TEST_F(RealFiles, DensityMap)
     if (file.empty())
         return;
 
-    const FileOpen header{file, 0};
-    ASSERT_TRUE(header.succeeded);
-    EXPECT_THAT(header.lines, IsEmpty());
-    const RawImageBase& reader = *header.image.Reader();
-    EXPECT_EQ(reader.fileType, FileType::Mrc);
-    EXPECT_EQ(reader.width, 20U);
-    EXPECT_EQ(reader.height, 20U);
-    EXPECT_EQ(reader.frameCount, 20U);
-    EXPECT_EQ(reader.pixelType, PixelType::Float32);
-    EXPECT_EQ(reader.byteOrder, ByteOrder::LittleEndian);
-    EXPECT_FALSE(reader.flipVertical);
-    EXPECT_EQ(reader.software, L"");
-    EXPECT_EQ(reader.formatDetails, L"MRC Mode 2");
-
+    ExpectFacts(file, {FileType::Mrc, 20, 20, 20, PixelType::Float32, false, L"", L"MRC Mode 2"});
     ExpectPicture(file,
                   {0, {36, 41, 44, 50, 57, 66, 63, 56}, {152, 145, 147, 143, 136, 124, 123, 120}, 50124});
     ExpectPicture(file,
@@ -92,20 +109,7 @@ TEST_F(RealFiles, DetectorMovie)
     if (file.empty())
         return;
 
-    const FileOpen header{file, 0};
-    ASSERT_TRUE(header.succeeded);
-    EXPECT_THAT(header.lines, IsEmpty());
-    const RawImageBase& reader = *header.image.Reader();
-    EXPECT_EQ(reader.fileType, FileType::Mrc2014);
-    EXPECT_EQ(reader.width, 16U);
-    EXPECT_EQ(reader.height, 16U);
-    EXPECT_EQ(reader.frameCount, 348U);
-    EXPECT_EQ(reader.pixelType, PixelType::UInt16);
-    EXPECT_EQ(reader.byteOrder, ByteOrder::LittleEndian);
-    EXPECT_FALSE(reader.flipVertical);
-    EXPECT_EQ(reader.software, L"");
-    EXPECT_EQ(reader.formatDetails, L"MRC2014 Mode 6");
-
+    ExpectFacts(file, {FileType::Mrc2014, 16, 16, 348, PixelType::UInt16, false, L"", L"MRC2014 Mode 6"});
     ExpectPicture(file, {0, {12, 2, 3, 5, 5, 7, 8, 59}, {239, 242, 239, 237, 231, 227, 225, 223}, 35007});
     ExpectPicture(file, {174, {15, 3, 4, 5, 5, 7, 8, 59}, {239, 243, 241, 237, 232, 228, 226, 223}, 35174});
     ExpectPicture(file, {347, {17, 1, 3, 5, 5, 7, 8, 59}, {239, 244, 240, 237, 231, 228, 226, 222}, 35087});
@@ -117,20 +121,7 @@ TEST_F(RealFiles, SeriesOfDiffractionPatterns)
     if (file.empty())
         return;
 
-    const FileOpen header{file, 0, 4};
-    ASSERT_TRUE(header.succeeded);
-    EXPECT_THAT(header.lines, IsEmpty());
-    const RawImageBase& reader = *header.image.Reader();
-    EXPECT_EQ(reader.fileType, FileType::Ser);
-    EXPECT_EQ(reader.width, 128U);
-    EXPECT_EQ(reader.height, 128U);
-    EXPECT_EQ(reader.frameCount, 5U);
-    EXPECT_EQ(reader.pixelType, PixelType::Int32);
-    EXPECT_EQ(reader.byteOrder, ByteOrder::LittleEndian);
-    EXPECT_TRUE(reader.flipVertical);
-    EXPECT_EQ(reader.software, L"Pellox");
-    EXPECT_EQ(reader.formatDetails, L"");
-
+    ExpectFacts(file, {FileType::Ser, 128, 128, 5, PixelType::Int32, true, L"Pellox", L""});
     ExpectPicture(
         file, {0, {126, 125, 166, 104, 126, 104, 84, 126}, {104, 126, 126, 84, 169, 148, 127, 174}, 1946050});
     ExpectPicture(
@@ -149,18 +140,7 @@ TEST_F(RealFiles, SeriesOfOneImage)
     if (file.empty())
         return;
 
-    const FileOpen header{file, 0};
-    ASSERT_TRUE(header.succeeded);
-    EXPECT_THAT(header.lines, IsEmpty());
-    const RawImageBase& reader = *header.image.Reader();
-    EXPECT_EQ(reader.fileType, FileType::Ser);
-    EXPECT_EQ(reader.width, 64U);
-    EXPECT_EQ(reader.height, 64U);
-    EXPECT_EQ(reader.frameCount, 1U);
-    EXPECT_EQ(reader.pixelType, PixelType::Float32);
-    EXPECT_TRUE(reader.flipVertical);
-    EXPECT_EQ(reader.software, L"Pellox");
-
+    ExpectFacts(file, {FileType::Ser, 64, 64, 1, PixelType::Float32, true, L"Pellox", L""});
     ExpectPicture(
         file,
         {0, {253, 246, 248, 247, 246, 247, 249, 246}, {242, 243, 243, 243, 247, 249, 246, 245}, 814197});
@@ -186,18 +166,7 @@ TEST_F(RealFiles, ArrayWithAnImage)
     if (file.empty())
         return;
 
-    const FileOpen header{file, 0};
-    ASSERT_TRUE(header.succeeded);
-    EXPECT_THAT(header.lines, IsEmpty());
-    const RawImageBase& reader = *header.image.Reader();
-    EXPECT_EQ(reader.fileType, FileType::Npy);
-    EXPECT_EQ(reader.width, 512U);
-    EXPECT_EQ(reader.height, 512U);
-    EXPECT_EQ(reader.frameCount, 1U);
-    EXPECT_EQ(reader.pixelType, PixelType::UInt16);
-    EXPECT_EQ(reader.software, L"");
-    EXPECT_EQ(reader.formatDetails, L"");
-
+    ExpectFacts(file, {FileType::Npy, 512, 512, 1, PixelType::UInt16, false, L"", L""});
     ExpectPicture(file,
                   {0, {178, 178, 178, 178, 178, 178, 178, 178}, {83, 83, 83, 83, 83, 83, 83, 83}, 33154441});
 }
@@ -209,16 +178,7 @@ TEST_F(RealFiles, ArrayWithATable)
         return;
 
     // Columns one after another, with numbers that are none, which is read as rows all the same.
-    const FileOpen header{file, 0};
-    ASSERT_TRUE(header.succeeded);
-    EXPECT_THAT(header.lines, IsEmpty());
-    const RawImageBase& reader = *header.image.Reader();
-    EXPECT_EQ(reader.fileType, FileType::Npy);
-    EXPECT_EQ(reader.width, 6U);
-    EXPECT_EQ(reader.height, 154U);
-    EXPECT_EQ(reader.frameCount, 1U);
-    EXPECT_EQ(reader.pixelType, PixelType::Double64);
-
+    ExpectFacts(file, {FileType::Npy, 6, 154, 1, PixelType::Double64, false, L"", L""});
     ExpectPicture(file, {0, {0, 0, 0, 0, 0, 0, 0, 0}, {0, 0, 0, 0, 0, 0, 0, 0}, 32161});
 }
 
