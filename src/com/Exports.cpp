@@ -1,5 +1,6 @@
 #include "com/MyClassFactory.h"
 #include "com/WicBitmapDecoder.h"
+#include "formats/HdfAccess.h"
 #include "metadata/PropertyStore.h"
 #include "registration/ClassIds.h"
 
@@ -66,9 +67,12 @@ STDAPI DllUnregisterServer()
     return S_OK;
 }
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void*)
+extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* isProcessEnding)
 {
     if (reason == DLL_PROCESS_ATTACH)
         DisableThreadLibraryCalls(instance);
+    // At the end of the process its other threads are gone, perhaps out of the middle of the library.
+    if (reason == DLL_PROCESS_DETACH && !isProcessEnding)
+        Tav::Imaging::RawImage::CloseHdfLibrary();
     return TRUE;
 }

@@ -1,8 +1,11 @@
 #include "core/ReaderFactory.h"
 
+#include "core/Diagnostics.h"
+#include "formats/HdfMutexLock.h"
 #include "formats/RawImageBin.h"
 #include "formats/RawImageDm.h"
 #include "formats/RawImageEmi.h"
+#include "formats/RawImageHdf.h"
 #include "formats/RawImageMrc.h"
 #include "formats/RawImageNpy.h"
 #include "formats/RawImageRaw.h"
@@ -10,6 +13,19 @@
 #include "formats/RawImageUbo.h"
 
 namespace Tav::Imaging::RawImage {
+
+namespace {
+
+/// The reader is of use without the mutex, too: it says what is wrong.
+std::unique_ptr<RawImageBase> MakeHdfReader()
+{
+    const HANDLE mutex = CreateMutexW(nullptr, 0, hdfMutexName);
+    if (!mutex)
+        WriteDiagnostic(L"HDF: ", L"Failed to create mutex");
+    return std::make_unique<RawImageHdf>(mutex);
+}
+
+} // namespace
 
 std::unique_ptr<RawImageBase> MakeReader(Identity identity)
 {
@@ -21,6 +37,8 @@ std::unique_ptr<RawImageBase> MakeReader(Identity identity)
         return std::make_unique<RawImageDm3>();
     case Identity::Dm4:
         return std::make_unique<RawImageDm4>();
+    case Identity::Hdf:
+        return MakeHdfReader();
     case Identity::Emi:
         return std::make_unique<RawImageEmi>();
     case Identity::Mrc:

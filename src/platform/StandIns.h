@@ -124,4 +124,18 @@ void OutputDebugStringW(const wchar_t* line);
 using DebugStringSink = void (*)(const wchar_t* line);
 void SetDebugStringSink(DebugStringSink sink);
 
+/// Mutexes that are known by their names within this process. A handle stands for the mutex of its name, and
+/// is never closed.
+using HANDLE = void*;
+
+constexpr DWORD MUTEX_ALL_ACCESS = 0x1F0001;
+constexpr DWORD WAIT_OBJECT_0 = 0;
+constexpr DWORD WAIT_TIMEOUT = 0x102;
+constexpr DWORD WAIT_FAILED = 0xFFFFFFFF;
+
+HANDLE CreateMutexW(void* attributes, BOOL initialOwner, const wchar_t* name);
+HANDLE OpenMutexW(DWORD access, BOOL inheritHandle, const wchar_t* name);
+DWORD WaitForSingleObject(HANDLE mutex, DWORD milliseconds);
+BOOL ReleaseMutex(HANDLE mutex);
+
 // NOLINTEND(readability-identifier-naming)

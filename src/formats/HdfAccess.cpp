@@ -1,0 +1,180 @@
+#include "formats/HdfAccess.h"
+
+#include "core/Diagnostics.h"
+#include "core/StreamReader.h"
+#include "formats/HdfObject.h"
+
+#include <hdf5.h>
+#include <hdf5_hl.h>
+
+#include <array>
+#include <limits>
+#include <new>
+
+namespace Tav::Imaging::RawImage {
+
+namespace {
+
+bool isPrepared = false;
+
+/// The bytes of one chunk in memory; 0 for a dataset that has no chunks.
+uint64_t ChunkBytes(hid_t dataset)
+{
+    const HdfPropertyList creation{H5Dget_create_plist(dataset)};
+    std::array<hsize_t, H5S_MAX_RANK> sides{};
+    const int rank =
+        H5Pget_layout(creation.id) == H5D_CHUNKED ? H5Pget_chunk(creation.id, H5S_MAX_RANK, sides.data()) : 0;
+    if (rank <= 0)
+        return 0;
+    const HdfDataType type{H5Dget_type(dataset)};
+    // A chunk has less than 2^32 elements.
+    uint64_t bytes = H5Tget_size(type.id);
+    for (int i = 0; i < rank; ++i)
+        bytes *= sides[static_cast<size_t>(i)];
+    return bytes;
+}
+
+/// A chunk is unpacked whole. One that is larger than any file that is opened serves to exhaust memory only.
+bool HasReasonableChunks(hid_t dataset)
+{
+    constexpr uint64_t largestChunk = 0x20000000;
+    return ChunkBytes(dataset) <= largestChunk;
+}
+
+} // namespace
+
+void PrepareHdfLibrary() noexcept
+{
+    if (isPrepared)
+        return;
+    isPrepared = true;
+    H5dont_atexit();
+    H5open();
+    H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr);
+    H5PLset_loading_state(0);
+    H5Lunregister(H5L_TYPE_EXTERNAL);
+}
+
+void CloseHdfLibrary() noexcept
+{
+    if (isPrepared)
+        H5close();
+}
+
+hid_t OpenHdfFileImage(IStream* stream, uint64_t size, std::vector<uint8_t>& image)
+{
+    if (size > std::numeric_limits<uint32_t>::max())
+    {
+        WriteDiagnostic(L"HDF: ", L"File is too large (>4GB)");
+        return -1;
+    }
+    try
+    {
+        image.assign(size, 0);
+    }
+    catch (const std::bad_alloc&)
+    {
+        WriteDiagnostic(L"HDF: ", L"Could not allocated enough memory");
+        return -1;
+    }
+    if (!ReadStreamAt(stream, 0, image.data(), static_cast<uint32_t>(size)))
+        return -1;
+    return H5LTopen_file_image(image.data(), image.size(),
+                               H5LT_FILE_IMAGE_DONT_COPY | H5LT_FILE_IMAGE_DONT_RELEASE);
+}
+
+bool ReadHdfStringDataset(hid_t location, const std::string& name, std::string& value)
+{
+    const HdfDataSet dataset{H5Dopen2(location, name.c_str(), H5P_DEFAULT)};
+    if (!dataset.IsOpen() || IsStoredElsewhere(dataset.id) || !HasReasonableChunks(dataset.id))
+        return false;
+    const HdfDataSpace space{H5Dget_space(dataset.id)};
+    hsize_t count = 0;
+    if (!space.IsOpen() || H5Sget_simple_extent_ndims(space.id) != 1 ||
+        H5Sget_simple_extent_dims(space.id, &count, nullptr) < 0 || count == 0)
+        return false;
+
+    // Only the first string is of use, and many could all stand for one long text.
+    const hsize_t first = 0;
+    const hsize_t one = 1;
+    const HdfDataSpace memorySpace{H5Screate_simple(1, &one, nullptr)};
+    const HdfDataType type{H5Tcopy(H5T_C_S1)};
+    char* text = nullptr;
+    const bool isRead =
+        memorySpace.IsOpen() && H5Tset_size(type.id, H5T_VARIABLE) >= 0 &&
+        H5Sselect_hyperslab(space.id, H5S_SELECT_SET, &first, nullptr, &one, nullptr) >= 0 &&
+        H5Dread(dataset.id, type.id, memorySpace.id, space.id, H5P_DEFAULT, static_cast<void*>(&text)) >= 0;
+    if (isRead)
+        value = text ? text : "";
+    if (text)
+        H5Dvlen_reclaim(type.id, memorySpace.id, H5P_DEFAULT, static_cast<void*>(&text));
+    return isRead;
+}
+
+PixelType NativePixelType(hid_t dataset)
+{
+    const HdfDataType type{H5Dget_type(dataset)};
+    const HdfDataType native{H5Tget_native_type(type.id, H5T_DIR_ASCEND)};
+    if (!native.IsOpen())
+        return PixelType::Unknown;
+    struct NativeType
+    {
+        hid_t id;
+        PixelType pixelType;
+    };
+    const std::array<NativeType, 8> known = {{
+        {H5T_NATIVE_UCHAR, PixelType::UInt8},
+        {H5T_NATIVE_USHORT, PixelType::UInt16},
+        {H5T_NATIVE_UINT, PixelType::UInt32},
+        {H5T_NATIVE_SCHAR, PixelType::Int8},
+        {H5T_NATIVE_SHORT, PixelType::Int16},
+        {H5T_NATIVE_INT, PixelType::Int32},
+        {H5T_NATIVE_FLOAT, PixelType::Float32},
+        {H5T_NATIVE_DOUBLE, PixelType::Double64},
+    }};
+    for (const NativeType& candidate : known)
+    {
+        if (H5Tequal(native.id, candidate.id) > 0)
+            return candidate.pixelType;
+    }
+    return PixelType::Unknown;
+}
+
+bool IsStoredElsewhere(hid_t dataset)
+{
+    const HdfPropertyList creation{H5Dget_create_plist(dataset)};
+    return H5Pget_layout(creation.id) == H5D_VIRTUAL || H5Pget_external_count(creation.id) != 0;
+}
+
+bool ReadHdfDataset(hid_t dataset, hid_t memoryType, uint64_t elementCount, void* buffer)
+{
+    const HdfDataSpace space{H5Dget_space(dataset)};
+    const hssize_t count = space.IsOpen() ? H5Sget_simple_extent_npoints(space.id) : -1;
+    return count >= 0 && static_cast<uint64_t>(count) == elementCount && HasReasonableChunks(dataset) &&
+           H5Dread(dataset, memoryType, H5S_ALL, H5S_ALL, H5P_DEFAULT, buffer) >= 0;
+}
+
+bool ReadHdfSeriesFrame(hid_t location, const HdfImageEntry& entry, uint8_t* buffer)
+{
+    const HdfDataSet dataset{H5Dopen2(location, entry.path.c_str(), H5P_DEFAULT)};
+    if (!dataset.IsOpen() || IsStoredElsewhere(dataset.id) || !HasReasonableChunks(dataset.id))
+        return false;
+    const HdfDataType type{H5Dget_type(dataset.id)};
+    const HdfDataType native{H5Tget_native_type(type.id, H5T_DIR_ASCEND)};
+    const HdfDataSpace space{H5Dget_space(dataset.id)};
+    const std::array<hsize_t, 3> start = {0, 0, entry.frameInSeries};
+    const std::array<hsize_t, 3> count = {entry.height, entry.width, 1};
+    if (!native.IsOpen() || !space.IsOpen() || H5Sselect_none(space.id) < 0 ||
+        H5Sselect_hyperslab(space.id, H5S_SELECT_SET, start.data(), nullptr, count.data(), nullptr) < 0)
+        return false;
+    const HdfDataSpace memorySpace{H5Screate_simple(3, count.data(), nullptr)};
+    return memorySpace.IsOpen() &&
+           H5Dread(dataset.id, native.id, memorySpace.id, space.id, H5P_DEFAULT, buffer) >= 0;
+}
+
+bool IsThumbnailPath(const std::string& path)
+{
+    return ToLower(path) == "/thumbnail.jpg";
+}
+
+} // namespace Tav::Imaging::RawImage

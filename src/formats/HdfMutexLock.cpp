@@ -1,0 +1,17 @@
+#include "formats/HdfMutexLock.h"
+
+namespace Tav::Imaging::RawImage {
+
+HdfMutexLock::~HdfMutexLock()
+{
+    if (handle)
+        ReleaseMutex(handle);
+}
+
+bool HdfMutexLock::Acquire() const noexcept
+{
+    constexpr DWORD longestWaitMilliseconds = 1000;
+    return handle && WaitForSingleObject(handle, longestWaitMilliseconds) == WAIT_OBJECT_0;
+}
+
+} // namespace Tav::Imaging::RawImage
