@@ -31,10 +31,12 @@ std::vector<std::string> HardLinks(hid_t group)
     const auto collect = [](hid_t, const char* name, const H5L_info1_t* info, void* target) -> herr_t {
         try
         {
+            constexpr size_t longestName = 1023;
+            const std::string shown{name, std::min(std::strlen(name), longestName)};
             // A name with a slash or of a dot alone would be taken for a path.
-            if (info->type == H5L_TYPE_HARD && *name != '\0' && !std::strchr(name, '/') &&
-                std::strcmp(name, ".") != 0)
-                static_cast<std::vector<std::string>*>(target)->emplace_back(name);
+            if (info->type == H5L_TYPE_HARD && !shown.empty() && shown != "." &&
+                shown.find('/') == std::string::npos)
+                static_cast<std::vector<std::string>*>(target)->push_back(shown);
             return 0;
         }
         catch (...)

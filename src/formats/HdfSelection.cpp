@@ -30,25 +30,35 @@ bool IsInImageGroup(const HdfImageRun& run)
     return ToLower(run.first.path).starts_with("/data/image/");
 }
 
-bool IsThumbnail(const HdfImageRun& run)
+std::optional<size_t> LastThumbnail(const std::vector<HdfImageRun>& runs)
 {
-    return IsThumbnailPath(run.first.path);
+    for (size_t i = runs.size(); i-- > 0;)
+    {
+        if (IsThumbnailPath(runs[i].first.path))
+            return i;
+    }
+    return std::nullopt;
 }
 
-/// The last picture in small, or else the first of the largest frames.
-size_t RepresentativeRun(const std::vector<HdfImageRun>& runs)
+size_t FirstOfLargestArea(const std::vector<HdfImageRun>& runs)
 {
-    const auto area = [&runs](size_t i) { return runs[i].first.width * runs[i].first.height; };
-    size_t largest = 0;
-    std::optional<size_t> thumbnail;
+    const auto area = [](const HdfImageRun& run) { return run.first.width * run.first.height; };
+    return static_cast<size_t>(std::ranges::max_element(runs, {}, area) - runs.begin());
+}
+
+/// Of a file that has an image group, what lies outside is not shown, but for the thumbnail.
+void KeepImageGroup(std::vector<HdfImageRun>& runs)
+{
+    if (std::ranges::none_of(runs, IsInImageGroup))
+        return;
+    const std::optional<size_t> thumbnail = LastThumbnail(runs);
+    std::vector<HdfImageRun> kept;
     for (size_t i = 0; i < runs.size(); ++i)
     {
-        if (area(i) > area(largest))
-            largest = i;
-        if (IsThumbnail(runs[i]))
-            thumbnail = i;
+        if (i == thumbnail || IsInImageGroup(runs[i]))
+            kept.push_back(std::move(runs[i]));
     }
-    return thumbnail.value_or(largest);
+    runs = std::move(kept);
 }
 
 /// Moves the first frame of a run before all others.
@@ -72,10 +82,8 @@ std::vector<HdfImageEntry> SelectHdfEntries(std::vector<HdfImageRun> runs, bool 
     const uint64_t found = EntryCount(runs);
     if (found >= 2)
     {
-        if (std::any_of(runs.begin(), runs.end(), IsInImageGroup))
-            std::erase_if(runs,
-                          [](const HdfImageRun& run) { return !IsInImageGroup(run) && !IsThumbnail(run); });
-        MoveToFront(runs, RepresentativeRun(runs));
+        KeepImageGroup(runs);
+        MoveToFront(runs, LastThumbnail(runs).value_or(FirstOfLargestArea(runs)));
     }
     if (EntryCount(runs) > mostEntries && isReductionTold)
         WriteDiagnostic(L"HDF: ", L"Reduced images to " + std::to_wstring(mostEntries) + L" (found: " +
