@@ -58,6 +58,16 @@ constexpr Extension dmExtensions[] = {
     {L".dm4", false}, // Digital Micrograph, version 4
 };
 
+constexpr Signature hdfSignatures[] = {
+    {HeaderPattern{}.WithText(0, "\x89HDF")},
+};
+
+constexpr Extension hdfExtensions[] = {
+    {L".emd", false}, // electron-microscopy datasets
+    {L".h5", true},   // any data in HDF5; most of it is no picture
+    {L".hdf5", true}, // the same
+};
+
 constexpr Signature serSignatures[] = {
     {HeaderPattern{}.WithText(0, "II\x97\x01")},
 };
@@ -105,6 +115,7 @@ constexpr Signature binSignatures[] = {
 constexpr Format formats[] = {
     {L"image/x-mrc", mrcExtensions, mrcSignatures},
     {L"image/x-digital-micrograph", dmExtensions, dmSignatures},
+    {L"application/x-hdf5", hdfExtensions, hdfSignatures},
     {L"image/x-ser", serExtensions, serSignatures},
     {L"image/x-emi", emiExtensions, emiSignatures},
     {L"application/x-npy", npyExtensions, npySignatures},

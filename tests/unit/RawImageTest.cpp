@@ -72,7 +72,7 @@ const StartRow startRows[] = {
     {"# Vorna "sv, true, "[Lumora] UBO: Unsupported header format"},
     {"\0\0\0\3"sv, true, "[Lumora] DM3: Invalid checksum (number of bytes)"},
     {"\0\0\0\4"sv, true, "[Lumora] DM4: Invalid checksum (number of bytes)"},
-    {"\x89HDF"sv, false, unknown},
+    {"\x89HDF"sv, true, "[Lumora] HDF: Could not open file"},
     {"JK\0\2"sv, true, "[Lumora] EMI: No images found"},
     {"\x93NUMPY"sv, true, {}},
     {"TAV RawImage\0"sv, true, "[Lumora] RAW: Unsupported pixel type"},

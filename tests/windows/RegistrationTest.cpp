@@ -130,10 +130,10 @@ TEST_F(Registration, TellsWicAboutTheDecoder)
     EXPECT_EQ(Text(instance, L"FriendlyName"), L"Lumora decoder");
     EXPECT_EQ(Text(decoder, L"ContainerFormat"), L"{E3A7F2C1-58D4-4B96-A60F-2D8B7C1E9F34}");
     EXPECT_EQ(Text(decoder, L"FileExtensions"),
-              L".mrc,.mrcs,.preali,.map,.st,.ali,.rec,.dm3,.dm4,.ser,.emi,.npy,.lattice");
+              L".mrc,.mrcs,.preali,.map,.st,.ali,.rec,.dm3,.dm4,.emd,.h5,.hdf5,.ser,.emi,.npy,.lattice");
     EXPECT_EQ(Text(decoder, L"MimeTypes"),
-              L"image/x-mrc,image/x-digital-micrograph,image/x-ser,image/x-emi,application/x-npy,"
-              L"image/x-tav-raw,image/x-tav-bin,image/x-lattice");
+              L"image/x-mrc,image/x-digital-micrograph,application/x-hdf5,image/x-ser,image/x-emi,"
+              L"application/x-npy,image/x-tav-raw,image/x-tav-bin,image/x-lattice");
     EXPECT_EQ(Number(decoder, L"SupportMultiframe"), 1);
     EXPECT_EQ(Number(decoder, L"ArbitrationPriority"), 10);
     EXPECT_EQ(Text(decoder + L"\\Formats\\{6FDDC324-4E03-4BFE-B185-3D77768DC908}"), L"");
@@ -144,7 +144,7 @@ TEST_F(Registration, WritesTheHeaderPatterns)
 {
     EXPECT_FALSE(Register(Scope::Machine, dllPath).failure);
 
-    for (int i = 0; i < 22; ++i)
+    for (int i = 0; i < 23; ++i)
     {
         const std::wstring pattern = decoder + L"\\Patterns\\" + std::to_wstring(i);
         EXPECT_EQ(Number(pattern, L"Position"), 0) << i;
@@ -153,7 +153,7 @@ TEST_F(Registration, WritesTheHeaderPatterns)
         EXPECT_EQ(Binary(pattern, L"Pattern").size(), 64U) << i;
         EXPECT_EQ(Binary(pattern, L"Mask").size(), 64U) << i;
     }
-    EXPECT_FALSE(Exists(decoder + L"\\Patterns\\22"));
+    EXPECT_FALSE(Exists(decoder + L"\\Patterns\\23"));
 
     // The second one: a little-endian MRC header of mode 2 or 6.
     std::vector<uint8_t> wanted(64);

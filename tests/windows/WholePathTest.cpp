@@ -242,10 +242,10 @@ TEST(DecoderInfo, TellsWhatIsRegistered)
     EXPECT_EQ(TextOf(info.Get(), &IWICBitmapDecoderInfo::GetFriendlyName), L"Lumora decoder");
     EXPECT_EQ(TextOf(info.Get(), &IWICBitmapDecoderInfo::GetAuthor), L"Lumora");
     EXPECT_EQ(TextOf(info.Get(), &IWICBitmapDecoderInfo::GetMimeTypes),
-              L"image/x-mrc,image/x-digital-micrograph,image/x-ser,image/x-emi,application/x-npy,"
-              L"image/x-tav-raw,image/x-tav-bin,image/x-lattice");
+              L"image/x-mrc,image/x-digital-micrograph,application/x-hdf5,image/x-ser,image/x-emi,"
+              L"application/x-npy,image/x-tav-raw,image/x-tav-bin,image/x-lattice");
     EXPECT_EQ(TextOf(info.Get(), &IWICBitmapDecoderInfo::GetFileExtensions),
-              L".mrc,.mrcs,.preali,.map,.st,.ali,.rec,.dm3,.dm4,.ser,.emi,.npy,.lattice");
+              L".mrc,.mrcs,.preali,.map,.st,.ali,.rec,.dm3,.dm4,.emd,.h5,.hdf5,.ser,.emi,.npy,.lattice");
 
     std::array<GUID, 4> formats{};
     UINT count = 0;
