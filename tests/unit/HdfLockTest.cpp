@@ -64,8 +64,8 @@ private:
     std::thread thread;
 };
 
-// The first test of its program: a mutex stays where it has been created.
-TEST(HdfLock, IsNotToBeHadBeforeAnybodyHasCreatedIt)
+// Run by itself: the mutex stays where it has been created.
+TEST(HdfMissingMutex, FailsEveryRead)
 {
     ASSERT_EQ(OpenMutexW(MUTEX_ALL_ACCESS, 0, hdfMutexName), nullptr);
     TestStream stream{ImageFile()};

@@ -1,3 +1,4 @@
+#include "support/ComApartment.h"
 #include "support/FileRead.h"
 #include "support/Hdf5File.h"
 #include "support/JpegFile.h"
@@ -18,6 +19,11 @@ namespace {
 
 const char* const used = "[Lumora] HDF: Using embedded jpeg thumbnail";
 const char* const damaged = "[Lumora] HDF: Could not read jpeg image";
+
+class HdfThumbnail : public testing::Test
+{
+    ComApartment apartment;
+};
 
 /// A gray block and a red one, side by side.
 Bytes TwoBlocks()
@@ -52,7 +58,7 @@ Bytes FileWithThumbnail(const Bytes& jpeg)
     return WithThumbnail(file, "/Thumbnail.jpg", jpeg).Build();
 }
 
-TEST(HdfThumbnail, IsFrame0)
+TEST_F(HdfThumbnail, IsFrame0)
 {
     const Bytes file = FileWithThumbnail(TwoBlocks());
     const FileOpen thumbnail{file};
@@ -73,7 +79,7 @@ TEST(HdfThumbnail, IsFrame0)
     EXPECT_THAT(image.image.Reader()->displayPixels, SizeIs(40 * 50));
 }
 
-TEST(HdfThumbnail, IsDecodedWhenOnlyFactsAreWanted)
+TEST_F(HdfThumbnail, IsDecodedWhenOnlyFactsAreWanted)
 {
     const FileOpen open{FileWithThumbnail(TwoBlocks()), readModeHeader};
     ASSERT_TRUE(open.succeeded);
@@ -82,7 +88,7 @@ TEST(HdfThumbnail, IsDecodedWhenOnlyFactsAreWanted)
     EXPECT_EQ(open.image.Reader()->displayPixels, TwoBlockPicture());
 }
 
-TEST(HdfThumbnail, IsEnoughForAFile)
+TEST_F(HdfThumbnail, IsEnoughForAFile)
 {
     Hdf5File file;
     const FileOpen open{WithThumbnail(file, "/THUMBNAIL.jpg", TwoBlocks()).Build()};
@@ -92,7 +98,7 @@ TEST(HdfThumbnail, IsEnoughForAFile)
     EXPECT_EQ(open.image.Reader()->displayPixels, TwoBlockPicture());
 }
 
-TEST(HdfThumbnail, IsWhateverTypeItsBytesAreStoredAs)
+TEST_F(HdfThumbnail, IsWhateverTypeItsBytesAreStoredAs)
 {
     Bytes wide;
     for (const uint8_t byte : TwoBlocks())
@@ -102,7 +108,7 @@ TEST(HdfThumbnail, IsWhateverTypeItsBytesAreStoredAs)
     EXPECT_EQ(open.image.Reader()->displayPixels, TwoBlockPicture());
 }
 
-TEST(HdfThumbnail, IsLeftOutWhenItCannotBeDecoded)
+TEST_F(HdfThumbnail, IsLeftOutWhenItCannotBeDecoded)
 {
     struct Row
     {
@@ -129,7 +135,7 @@ TEST(HdfThumbnail, IsLeftOutWhenItCannotBeDecoded)
     }
 }
 
-TEST(HdfThumbnail, IsLeftOutWhenItHasNoStorageOrMoreThan32MiB)
+TEST_F(HdfThumbnail, IsLeftOutWhenItHasNoStorageOrMoreThan32MiB)
 {
     for (const Hdf5Storage& storage : {Hdf5Storage{}, Hdf5Storage{.isWritten = false}})
     {
@@ -144,7 +150,7 @@ TEST(HdfThumbnail, IsLeftOutWhenItHasNoStorageOrMoreThan32MiB)
     }
 }
 
-TEST(HdfThumbnail, MayHave32MiB)
+TEST_F(HdfThumbnail, MayHave32MiB)
 {
     Bytes jpeg = TwoBlocks();
     jpeg.resize(0x2000000);
@@ -154,13 +160,13 @@ TEST(HdfThumbnail, MayHave32MiB)
     EXPECT_EQ(open.image.Reader()->frameCount, 2U);
 }
 
-TEST(HdfThumbnail, IsNoFileThatThisReaderWouldBeAskedToDecode)
+TEST_F(HdfThumbnail, IsNoFileThatThisReaderWouldBeAskedToDecode)
 {
     for (const Bytes& inner : {FileWithThumbnail(TwoBlocks()), Hdf5File().Group("/a").Build()})
         EXPECT_THAT((FileOpen{FileWithThumbnail(inner)}.lines), ElementsAre(damaged));
 }
 
-TEST(HdfThumbnail, IsTheOneThatWasAskedForWhenThereAreSeveral)
+TEST_F(HdfThumbnail, IsTheOneThatWasAskedForWhenThereAreSeveral)
 {
     Hdf5File file;
     WithThumbnail(file, "/THUMBNAIL.jpg", JpegFile(8, 8).Block({200}).Build());
@@ -177,7 +183,7 @@ TEST(HdfThumbnail, IsTheOneThatWasAskedForWhenThereAreSeveral)
     EXPECT_EQ(first.image.Reader()->displayPixels, Bytes(8 * 8 * 3, 200));
 }
 
-TEST(HdfThumbnail, IsNoneInAnyOtherPlace)
+TEST_F(HdfThumbnail, IsNoneInAnyOtherPlace)
 {
     Hdf5File file;
     WithThumbnail(file, "/images/Thumbnail.jpg", TwoBlocks());
