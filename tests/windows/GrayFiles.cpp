@@ -3,6 +3,7 @@
 #include "support/BinFile.h"
 #include "support/DmImages.h"
 #include "support/EmiFile.h"
+#include "support/Hdf5File.h"
 #include "support/LatticeFile.h"
 #include "support/NpyFile.h"
 #include "support/RawFile.h"
@@ -71,15 +72,44 @@ std::vector<uint8_t> SerGray()
     return file.Build();
 }
 
+constexpr uint32_t hdfSide = 32;
+
+/// The picture over and over, for the format that shows nothing smaller.
+Picture Repeated(const Picture& picture)
+{
+    Picture repeated;
+    while (repeated.size() < hdfSide * hdfSide)
+        repeated.insert(repeated.end(), picture.begin(), picture.end());
+    return repeated;
+}
+
+std::vector<uint8_t> HdfGray(const std::vector<Picture>& pictures)
+{
+    // The number of the frame runs fastest.
+    ByteWriter samples;
+    for (size_t pixel = 0; pixel < hdfSide * hdfSide; ++pixel)
+    {
+        for (const Picture& picture : pictures)
+            samples.Put(static_cast<uint16_t>(300 + picture[pixel]));
+    }
+    return Hdf5File()
+        .DataSet("/Data/Image/1/Data", H5T_STD_U16LE, {hdfSide, hdfSide, pictures.size()}, samples.bytes)
+        .Strings("/Version", {"\"format\": \"Frame\",\n\"version\": \"1.1\""})
+        .Strings("/Info", {"\"applicationVersion\": \"2.10-rc1\""})
+        .Build();
+}
+
 } // namespace
 
 std::vector<GrayFile> GrayFiles()
 {
     const std::vector<Picture> pictures(grayPictures.begin(), grayPictures.end());
     const Picture high = HighPicture();
+    const std::vector<Picture> large = {Repeated(pictures[0]), Repeated(pictures[1]), Repeated(pictures[2])};
     return {
         {"gray.dm3", DmGray(DmLayout{3}), {pictures[0]}, L"Gatan Digital Micrograph", L""},
         {"gray.dm4", DmGray(DmLayout{4}), {pictures[0]}, L"Gatan Digital Micrograph", L""},
+        {"gray.h5", HdfGray(large), large, L"Frame 2.10", L"Data version: Frame 1.1", hdfSide},
         {"gray.ser", SerGray(), pictures, L"Pellox", L""},
         {"gray.emi",
          EmiFile()

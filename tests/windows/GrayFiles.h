@@ -9,11 +9,12 @@ struct GrayFile
 {
     std::string name;
     std::vector<uint8_t> content;
-    /// What each frame shows: rows of 4 pixels from top to bottom.
+    /// What each frame shows: rows of `width` pixels from top to bottom.
     std::vector<std::vector<uint8_t>> pictures;
     std::wstring software;
     /// Empty where the format has none to tell.
     std::wstring formatDetails;
+    uint32_t width = 4;
 };
 
 /// A file of 16-bit samples in each format that has no other test of its own, both layouts of BIN included.

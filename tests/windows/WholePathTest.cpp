@@ -282,12 +282,13 @@ TEST(Properties, TellTheSameOfEveryFormat)
     for (const GrayFile& file : GrayFiles())
     {
         SCOPED_TRACE(file.name);
-        const auto height = static_cast<ULONG>(file.pictures[0].size() / 4);
+        const ULONG width = file.width;
+        const auto height = static_cast<ULONG>(file.pictures[0].size() / width);
         const auto frames = static_cast<ULONG>(file.pictures.size());
-        const std::wstring size = L"4 x " + std::to_wstring(height);
+        const std::wstring size = std::to_wstring(width) + L" x " + std::to_wstring(height);
         EXPECT_THAT(
             ValuesOf(RegisteredStore(folder.Write(file.name, file.content))),
-            ElementsAre(PropertyValue(4UL), PropertyValue(height),
+            ElementsAre(PropertyValue(width), PropertyValue(height),
                         PropertyValue(frames > 1 ? size + L" x " + std::to_wstring(frames) : size),
                         PropertyValue(frames), PropertyValue(L"UInt16"), PropertyValue(file.software),
                         PropertyValue(16UL),
