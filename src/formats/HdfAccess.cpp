@@ -15,7 +15,29 @@ namespace Tav::Imaging::RawImage {
 
 namespace {
 
-bool isPrepared = false;
+enum class LibraryState
+{
+    Untouched,
+    Ready,
+    Unusable,
+};
+
+LibraryState libraryState = LibraryState::Untouched;
+
+/// Makes the library ready for files from anywhere: no plugins, no links into other files, and nothing
+/// printed on the host's console.
+bool PrepareLibrary()
+{
+    if (libraryState == LibraryState::Untouched)
+    {
+        // A library that could not begin, for want of memory, does not survive to be asked again.
+        libraryState = LibraryState::Unusable;
+        if (H5dont_atexit() >= 0 && H5open() >= 0 && H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr) >= 0 &&
+            H5PLset_loading_state(0) >= 0 && H5Lunregister(H5L_TYPE_EXTERNAL) >= 0)
+            libraryState = LibraryState::Ready;
+    }
+    return libraryState == LibraryState::Ready;
+}
 
 /// The bytes of one chunk in memory; 0 for a dataset that has no chunks.
 uint64_t ChunkBytes(hid_t dataset)
@@ -43,21 +65,9 @@ bool HasReasonableChunks(hid_t dataset)
 
 } // namespace
 
-void PrepareHdfLibrary() noexcept
-{
-    if (isPrepared)
-        return;
-    isPrepared = true;
-    H5dont_atexit();
-    H5open();
-    H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr);
-    H5PLset_loading_state(0);
-    H5Lunregister(H5L_TYPE_EXTERNAL);
-}
-
 void CloseHdfLibrary() noexcept
 {
-    if (isPrepared)
+    if (libraryState == LibraryState::Ready)
         H5close();
 }
 
@@ -78,6 +88,8 @@ hid_t OpenHdfFileImage(IStream* stream, uint64_t size, std::vector<uint8_t>& ima
         return -1;
     }
     if (!ReadStreamAt(stream, 0, image.data(), static_cast<uint32_t>(size)))
+        return -1;
+    if (!PrepareLibrary())
         return -1;
     return H5LTopen_file_image(image.data(), image.size(),
                                H5LT_FILE_IMAGE_DONT_COPY | H5LT_FILE_IMAGE_DONT_RELEASE);

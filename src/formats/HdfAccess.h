@@ -14,10 +14,6 @@ namespace Tav::Imaging::RawImage {
 
 // Everything here uses the HDF5 library, so the caller must hold its mutex.
 
-/// Makes the library ready for files from anywhere: no plugins, no links into other files, and nothing
-/// printed on the host's console.
-void PrepareHdfLibrary() noexcept;
-
 /// Gives back what the library keeps; for a module that is unloaded while its process goes on.
 void CloseHdfLibrary() noexcept;
 

@@ -72,7 +72,6 @@ bool RawImageHdf::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
     if (!lock.Acquire())
         return Fail(L"Mutex timeout");
 
-    PrepareHdfLibrary();
     std::vector<uint8_t> image;
     const HdfFile file{OpenHdfFileImage(stream, streamSize, image)};
     if (!file.IsOpen())

@@ -97,15 +97,21 @@ TEST(Memory, MayRunOutAtEveryPointOfOpeningAFileOfAnyFormat)
     for (const GrayFile& file : GrayFiles())
     {
         SCOPED_TRACE(file.name);
+        {
+            TestStream stream{file.content};
+            EXPECT_EQ(Picture(Frame(NewDecoder(stream), 0)), file.pictures[0]) << "and the library is ready";
+        }
         ForEachRequest(heap, [&](uint32_t number) {
             TestStream stream{file.content};
             const ComPtr<IWICBitmapDecoder> decoder = NewDecoder();
-            heap.RefuseRequest(number);
-            const HRESULT result = OutcomeOf([&] { return Initialize(decoder, stream); }).result;
-            if (heap.HasRefused())
+            heap.RefuseRequest(number, file.smallestRefusal);
+            const Outcome outcome = OutcomeOf([&] { return Initialize(decoder, stream); });
+            // A library can do without some of the memory that it would like to have.
+            const bool opened = outcome.result == S_OK && outcome.exception.empty();
+            EXPECT_TRUE(opened || heap.HasRefused()) << outcome;
+            if (!opened)
             {
-                EXPECT_EQ(Initialize(decoder, stream), S_OK)
-                    << "memory has been found since, after " << result;
+                EXPECT_EQ(Initialize(decoder, stream), S_OK) << "memory has been found since";
             }
             EXPECT_EQ(Picture(Frame(decoder, 0)), file.pictures[0]);
         });

@@ -15,6 +15,9 @@ struct GrayFile
     /// Empty where the format has none to tell.
     std::wstring formatDetails;
     uint32_t width = 4;
+    /// The smallest request for memory that may be refused while the file is opened. The HDF5 library does
+    /// not survive the refusal of small blocks; those of the file and its pictures are larger.
+    size_t smallestRefusal = 0;
 };
 
 /// A file of 16-bit samples in each format that has no other test of its own, both layouts of BIN included.

@@ -13,6 +13,8 @@ std::atomic<size_t> largestRequest{0};
 /// Counts down to the request that fails.
 std::atomic<uint32_t> requestsLeft{0};
 std::atomic<bool> refused{false};
+/// Requests for less are granted, and not counted.
+std::atomic<size_t> smallestRefused{0};
 
 /// The blocks held. A container that takes memory of its own would call the hooks out of themselves.
 std::mutex heldMutex;
@@ -27,7 +29,7 @@ bool Refuses(size_t size)
 {
     ++requests;
     largestRequest = std::max(largestRequest.load(), size);
-    if (requestsLeft == 0 || --requestsLeft != 0)
+    if (size < smallestRefused || requestsLeft == 0 || --requestsLeft != 0)
         return false;
     refused = true;
     return true;
@@ -93,9 +95,10 @@ ModuleHeap::~ModuleHeap()
     RefuseRequest(0);
 }
 
-void ModuleHeap::RefuseRequest(uint32_t number)
+void ModuleHeap::RefuseRequest(uint32_t number, size_t smallest)
 {
     refused = false;
+    smallestRefused = smallest;
     requestsLeft = number;
 }
 
