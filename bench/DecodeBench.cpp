@@ -3,6 +3,7 @@
 #include "support/BinFile.h"
 #include "support/DmFile.h"
 #include "support/EmiFile.h"
+#include "support/Hdf5File.h"
 #include "support/LatticeFile.h"
 #include "support/MrcFile.h"
 #include "support/NpyFile.h"
@@ -240,6 +241,28 @@ std::unique_ptr<TestStream> EmiStream()
     return InMemory(file.Build());
 }
 
+std::unique_ptr<TestStream> HdfStream()
+{
+    return InMemory(
+        Hdf5File()
+            .DataSet("/image", H5T_STD_U16LE, {4096, 4096}, MicrographFrame(PixelType::UInt16, 4096))
+            .Build());
+}
+
+/// 100 frames of 2048 x 2048 16-bit samples; the frame's number runs fastest, as such files are written
+/// unless they have a chunk to the frame.
+std::unique_ptr<TestStream> HdfSeriesStream(const Hdf5Storage& storage)
+{
+    constexpr size_t frames = 100;
+    const std::vector<uint8_t> frame = MicrographFrame(PixelType::UInt16, 2048);
+    std::vector<uint8_t> samples(frames * frame.size());
+    for (size_t i = 0; i < samples.size(); ++i)
+        samples[i] = frame[i / (2 * frames) * 2 + i % 2];
+    return InMemory(Hdf5File()
+                        .DataSet("/Data/Image/1/Data", H5T_STD_U16LE, {2048, 2048, frames}, samples, storage)
+                        .Build());
+}
+
 std::unique_ptr<TestStream> NpyStream()
 {
     return InMemory(NpyFile()
@@ -283,6 +306,13 @@ const BenchFile benchFiles[] = {
     {"Dm4/Float32/4096/2000tags", DmStream},
     {"Ser/UInt16/1024/1000frames", SerStream, 500},
     {"Emi/UInt16/1024/20images", EmiStream, 10},
+    {"Hdf/UInt16/4096", HdfStream},
+    {"Hdf/UInt16/2048/100frames", [] { return HdfSeriesStream({}); }, 50},
+    {"Hdf/UInt16/2048/100frames/chunked",
+     [] {
+         return HdfSeriesStream({.chunk = {2048, 2048, 1}});
+     },
+     50},
     {"Npy/UInt16/4096", NpyStream},
     {"Raw/UInt16/4096", RawStream},
     {"Bin/UInt16/4096", BinStream},

@@ -32,7 +32,8 @@ bool PrepareLibrary()
     {
         // A library that could not begin, for want of memory, does not survive to be asked again.
         libraryState = LibraryState::Unusable;
-        if (H5dont_atexit() >= 0 && H5open() >= 0 && H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr) >= 0 &&
+        H5dont_atexit();
+        if (H5open() >= 0 && H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr) >= 0 &&
             H5PLset_loading_state(0) >= 0 && H5Lunregister(H5L_TYPE_EXTERNAL) >= 0)
             libraryState = LibraryState::Ready;
     }

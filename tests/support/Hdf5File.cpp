@@ -2,24 +2,30 @@
 
 #include "formats/HdfObject.h"
 
-#include <gtest/gtest.h>
 #include <hdf5_hl.h>
 
 #include <array>
+#include <stdexcept>
 
 using namespace Tav::Imaging::RawImage;
 
 namespace {
 
+void Require(bool condition)
+{
+    if (!condition)
+        throw std::runtime_error{"the HDF5 file cannot be written"};
+}
+
 hid_t Made(hid_t identifier)
 {
-    EXPECT_GE(identifier, 0);
+    Require(identifier >= 0);
     return identifier;
 }
 
 void Done(herr_t result)
 {
-    EXPECT_GE(result, 0);
+    Require(result >= 0);
 }
 
 hid_t NewMemoryFile()
@@ -64,8 +70,8 @@ Hdf5File& Hdf5File::DataSet(const std::string& path, hid_t type, const std::vect
         Made(H5Dcreate2(file, path.c_str(), type, space.id, linkCreation, creation.id, H5P_DEFAULT))};
     if (!storage.isWritten)
         return *this;
-    EXPECT_EQ(samples.size(),
-              H5Tget_size(type) * static_cast<size_t>(H5Sget_simple_extent_npoints(space.id)));
+    Require(samples.size() ==
+            H5Tget_size(type) * static_cast<size_t>(H5Sget_simple_extent_npoints(space.id)));
     Done(H5Dwrite(dataset.id, type, H5S_ALL, H5S_ALL, H5P_DEFAULT, samples.data()));
     return *this;
 }
@@ -158,6 +164,6 @@ std::vector<uint8_t> Hdf5File::Build()
 {
     Done(H5Fflush(file, H5F_SCOPE_GLOBAL));
     std::vector<uint8_t> bytes(static_cast<size_t>(H5Fget_file_image(file, nullptr, 0)));
-    EXPECT_EQ(H5Fget_file_image(file, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+    Require(H5Fget_file_image(file, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()));
     return bytes;
 }

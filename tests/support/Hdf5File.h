@@ -16,7 +16,7 @@ struct Hdf5Storage
 };
 
 /// Writes an HDF5 file in memory with the HDF5 library. Missing groups of a path are made. A step that fails
-/// fails the test.
+/// throws.
 class Hdf5File
 {
 public:
