@@ -17,6 +17,8 @@ import sys
 
 import numpy as np
 
+from noise import noise, random
+
 PIXEL_TYPES = {
     "uint8": "UInt8", "uint16": "UInt16", "uint32": "UInt32", "int8": "Int8", "int16": "Int16", "int32": "Int32",
     "float32": "Float32", "float64": "Double64", "complex64": "Complex64", "complex128": "Complex128",
@@ -27,21 +29,6 @@ REFUSED_TYPES = [
 ]
 TYPE = "Unsupported pixel type"
 STRUCTURE = "Unsupported data structure"
-
-random = np.random.RandomState(1995)
-
-
-def noise(dtype, *shape):
-    """Samples over the whole range of whole numbers, or of both signs and several magnitudes."""
-    dtype = np.dtype(dtype)
-    if dtype.kind in "iu":
-        limits = np.iinfo(dtype)
-        samples = random.randint(int(limits.min), int(limits.max) + 1, size=shape, dtype="int64")
-    else:
-        samples = random.standard_normal(shape) * 10.0 ** random.randint(-2, 3, size=shape)
-        if dtype.kind == "c":
-            samples = samples * np.exp(2j * np.pi * random.random_sample(shape))
-    return samples.astype(dtype)
 
 
 class Folder:

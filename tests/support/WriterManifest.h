@@ -47,6 +47,19 @@ inline std::vector<WrittenFile> ReadManifest(const std::string& folder)
     return files;
 }
 
+/// A frame that begins where the samples do, with what its display depends on.
+inline StoredFrame WrittenFrame(const WrittenFile& file, const Tav::Imaging::RawImage::RawImageBase& reader,
+                                std::vector<uint8_t> samples)
+{
+    return {.pixelType = reader.pixelType,
+            .width = file.width,
+            .height = file.height,
+            .bytes = std::move(samples),
+            .byteOrder = reader.byteOrder,
+            .flipVertical = reader.flipVertical,
+            .fileType = reader.fileType};
+}
+
 /// The frame's samples as the writer had them, in the file NAME.raw, with what the display depends on.
 inline StoredFrame WrittenFrame(const std::string& folder, const WrittenFile& file,
                                 const Tav::Imaging::RawImage::RawImageBase& reader, uint32_t frameIndex)
@@ -55,11 +68,5 @@ inline StoredFrame WrittenFrame(const std::string& folder, const WrittenFile& fi
     EXPECT_EQ(samples.size() % file.frameCount, 0U);
     const size_t frameBytes = samples.size() / file.frameCount;
     const auto first = samples.begin() + static_cast<ptrdiff_t>(frameIndex * frameBytes);
-    return {.pixelType = reader.pixelType,
-            .width = file.width,
-            .height = file.height,
-            .bytes = {first, first + static_cast<ptrdiff_t>(frameBytes)},
-            .byteOrder = reader.byteOrder,
-            .flipVertical = reader.flipVertical,
-            .fileType = reader.fileType};
+    return WrittenFrame(file, reader, {first, first + static_cast<ptrdiff_t>(frameBytes)});
 }
