@@ -258,4 +258,46 @@ TEST_F(RealFiles, TagFilesWithSmallImagesOnly)
     }
 }
 
+// The names of its datasets end in "Image Data", and three channels of a scan have one each: signed counts of
+// two detectors, then a sum over diffraction patterns.
+TEST_F(RealFiles, ScanWithThreeChannels)
+{
+    const std::vector<uint8_t> file = Load("hdf/microprobe.h5");
+    if (file.empty())
+        return;
+
+    ExpectFacts(file, {FileType::Hdf, 64, 64, 3, PixelType::Int16, false, L"", L""});
+    ExpectPicture(file,
+                  {0, {0, 255, 255, 255, 255, 255, 255, 255}, {0, 0, 0, 255, 255, 255, 255, 255}, 941205});
+    ExpectPicture(
+        file,
+        {1, {127, 127, 127, 127, 127, 127, 127, 127}, {127, 127, 127, 127, 127, 127, 127, 127}, 530945});
+    ExpectPicture(file, {2, {6, 4, 3, 2, 0, 1, 1, 0}, {193, 195, 197, 198, 196, 164, 189, 189}, 227130});
+    const FileOpen sum{file, 0, 2};
+    ASSERT_TRUE(sum.succeeded);
+    EXPECT_EQ(sum.image.Reader()->pixelType, PixelType::Float32);
+
+    const FileOpen beyond{file, 0, 3};
+    EXPECT_FALSE(beyond.succeeded);
+    EXPECT_THAT(beyond.lines, ElementsAre("[Lumora] HDF: Frame index is out of range"));
+}
+
+// Pictures by other names, and one of four colours in a compound type.
+TEST_F(RealFiles, Hdf5FilesWithoutNamedImages)
+{
+    for (const char* name : {"hdf/acquisition.emd", "hdf/rgba16.hdf5"})
+    {
+        SCOPED_TRACE(name);
+        const std::vector<uint8_t> file = Load(name);
+        if (file.empty())
+            return;
+        for (const uint32_t mode : {0U, 1U})
+        {
+            const FileOpen open{file, mode};
+            EXPECT_FALSE(open.succeeded);
+            EXPECT_THAT(open.lines, ElementsAre("[Lumora] HDF: No images found"));
+        }
+    }
+}
+
 } // namespace
