@@ -4,6 +4,7 @@
 import pathlib
 import struct
 
+import h5py
 import mrcfile
 import numpy as np
 
@@ -182,6 +183,35 @@ def gyroid():
     save("gyroid.lattice", header.encode(), volume.tobytes())
 
 
+def acquisition():
+    """An HDF5 file: three frames of a twinned particle that drifts over a carbon film, as UInt16 counts."""
+    side = 160
+    y, x = np.mgrid[0:side, 0:side].astype(np.float64)
+    grain = np.fft.fft2(RANDOM.normal(0, 1, (side, side)))
+    frequency = np.hypot(np.fft.fftfreq(side)[:, None], np.fft.fftfreq(side)[None, :])
+    film = np.fft.ifft2(grain * np.exp(-((frequency - 0.12) ** 2) / 0.004)).real
+    frames = []
+    for index in range(3):
+        u, v = x - 76 - 5 * index, y - 80 - 3 * index
+        angle = 0.35 + 0.03 * index
+        along, across = u * np.cos(angle) + v * np.sin(angle), v * np.cos(angle) - u * np.sin(angle)
+        # One lattice and its mirror image beyond the twin boundary, within an outline of eight sides.
+        mirrored = np.abs(across)
+        columns = np.cos(0.62 * along + 0.26 * mirrored) + np.cos(0.22 * along - 0.62 * mirrored)
+        outline = np.max([np.abs(u * np.cos(a) + v * np.sin(a)) for a in angle + np.pi / 4 * np.arange(4)], axis=0)
+        particle = 1 / (1 + np.exp((outline - 54) / 1.6))
+        counts = 620 + 60 * film / film.std() + particle * (420 + 210 * columns - 2.6 * outline)
+        frames.append(RANDOM.poisson(np.clip(counts, 0, None)))
+    with h5py.File(HERE / "acquisition.h5", "w") as file:
+        data = np.stack(frames, axis=2).astype("<u2")
+        file.create_dataset("data/image/5e0b71c4/Data", data=data, track_times=False)
+        for name, text in (
+            ("Version", '{\n    "format": "Corvane",\n    "version": "1.4"\n}'),
+            ("Info", '{\n    "applicationVersion": "3.2.1-208"\n}'),
+        ):
+            file.create_dataset(name, data=[text], dtype=h5py.string_dtype("ascii"), track_times=False)
+
+
 if __name__ == "__main__":
     particles()
     fringes()
@@ -193,3 +223,4 @@ if __name__ == "__main__":
     gold()
     probe()
     gyroid()
+    acquisition()

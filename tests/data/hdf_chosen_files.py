@@ -190,7 +190,7 @@ def add_texts(folder):
         ("no_dash", "2.8.0", "2.8.0"), ("two_dashes", "2.8-0-1", "2.8"), ("dash_at_end", "2.8-", "2.8"),
         ("leading_dash", "-2.8", "-2.8"), ("leading_dash_and_another", "-2.8-1", "-2.8-1"), ("dash_only", "-", "-"),
     ):
-        write(name, VERSION, INFO.replace("2.8.0-12", application), details=full["details"], software=f"Corvane {shown}")
+        write(name, VERSION, INFO.replace("2.8.0-12", application), **details_only, software=f"Corvane {shown}")
     write("empty_application", VERSION, INFO.replace("2.8.0-12", ""), **details_only)
     write("other_application_key", VERSION, INFO.replace("application", "app"), **details_only)
 
