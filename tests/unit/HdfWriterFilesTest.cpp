@@ -1,3 +1,4 @@
+#include "support/ComApartment.h"
 #include "support/FileBytes.h"
 #include "support/FileRead.h"
 #include "support/ReferenceDisplay.h"
@@ -113,6 +114,7 @@ void ExpectPicture(HdfFrame frame, const std::vector<uint8_t>& bytes)
 
 TEST(HdfWriterFiles, OpenWithTheFactsAndPicturesThatTheirWriterKnows)
 {
+    const ComApartment apartment;
     std::set<std::string> shownTypes;
     std::set<std::string> messages;
     for (WrittenFile& file : ReadManifest(folder))
@@ -146,6 +148,7 @@ TEST(HdfWriterFiles, OpenWithTheFactsAndPicturesThatTheirWriterKnows)
 
 TEST(HdfWriterFiles, AreRefusedForTheReasonsThatTheirWriterKnows)
 {
+    const ComApartment apartment;
     std::set<std::string> seen;
     for (WrittenFile& file : ReadManifest(folder))
     {
