@@ -292,6 +292,11 @@ def add_storage(folder):
         file.create_dataset("image", shape=(64, 96), dtype="uint16", track_times=False)
         file.create_dataset("images/Data", shape=(64, 96, 2), dtype="uint16", chunks=(64, 96, 1), track_times=False)
     folder.refused("never_written.h5")
+    with folder.new("never_written_beside_images.h5") as file:
+        put(file, "image/1", image[:40])
+        put(file, "image/2", image)
+        file.create_dataset("image/3", shape=(99, 96), dtype="uint16", track_times=False)
+    folder.opens("never_written_beside_images.h5", [gray(image), gray(image[:40])])
     with folder.new("half_written.h5") as file:
         dataset = file.create_dataset("image", shape=(64, 96), dtype="uint16", chunks=(16, 96), track_times=False)
         dataset[:32] = image[:32]
