@@ -12,8 +12,9 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <optional>
+#include <span>
 #include <string_view>
+#include <utility>
 
 namespace Tav::Imaging::RawImage {
 

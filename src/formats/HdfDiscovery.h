@@ -7,6 +7,7 @@
 #include <H5public.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 

@@ -12,6 +12,7 @@
 
 #include <hdf5.h>
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -22,7 +23,7 @@ namespace {
 
 constexpr uint64_t largestFile = 0x20000000;
 
-bool Fail(std::wstring_view message)
+bool Fail(std::wstring_view message) noexcept
 {
     WriteDiagnostic(L"HDF: ", message);
     return false;

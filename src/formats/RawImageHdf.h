@@ -2,7 +2,6 @@
 
 #include "core/RawImageBase.h"
 #include "formats/HdfImageEntry.h"
-#include "platform/JpegDecoder.h"
 #include "platform/Platform.h"
 
 #include <H5Ipublic.h>
