@@ -10,6 +10,7 @@
 #include <array>
 #include <limits>
 #include <new>
+#include <string_view>
 
 namespace Tav::Imaging::RawImage {
 
@@ -187,7 +188,8 @@ bool ReadHdfSeriesFrame(hid_t location, const HdfImageEntry& entry, uint8_t* buf
 
 bool IsThumbnailPath(const std::string& path)
 {
-    return ToLower(path) == "/thumbnail.jpg";
+    constexpr std::string_view thumbnail = "/thumbnail.jpg";
+    return path.size() == thumbnail.size() && ToLower(path) == thumbnail;
 }
 
 } // namespace Tav::Imaging::RawImage

@@ -139,6 +139,10 @@ bool IsOwnFormat(const std::vector<uint8_t>& file)
 
 } // namespace
 
+HdfDiscovery::Level::Level(hid_t identifier, size_t length, bool isImage)
+    : group(identifier), names(HardLinks(identifier)), pathLength(length), isCalledImage(isImage)
+{}
+
 std::optional<JpegPicture> DecodeHdfThumbnail(hid_t location, const std::string& name)
 {
     constexpr hsize_t largestFile = 0x2000000;
@@ -160,48 +164,52 @@ std::optional<JpegPicture> DecodeHdfThumbnail(hid_t location, const std::string&
 
 void HdfDiscovery::Walk(hid_t file)
 {
-    const HdfGroup root{H5Gopen2(file, "/", H5P_DEFAULT)};
-    if (root.IsOpen())
-        WalkGroup(root.id, "", 1);
-}
-
-void HdfDiscovery::WalkGroup(hid_t group, const std::string& prefix, uint32_t depth)
-{
-    // A chain of groups must not use up the stack of the thread that asks.
-    constexpr uint32_t deepestGroup = 256;
-    for (const std::string& name : HardLinks(group))
+    Enter(file, "/", false);
+    while (!levels.empty())
     {
-        H5O_info1_t info{};
-        if (H5Oget_info_by_name2(group, name.c_str(), &info, H5O_INFO_BASIC, H5P_DEFAULT) < 0)
-            continue;
-        const std::string path = prefix + "/" + name;
-        if (info.type == H5O_TYPE_DATASET)
-        {
-            CheckDataset(group, name, path);
-        }
-        else if (info.type == H5O_TYPE_GROUP && depth < deepestGroup)
-        {
-            // Hard links can make circles.
-            const auto place = std::lower_bound(visited.begin(), visited.end(), info.addr);
-            if (place != visited.end() && *place == info.addr)
-                continue;
-            visited.insert(place, info.addr);
-            const HdfGroup inner{H5Gopen2(group, name.c_str(), H5P_DEFAULT)};
-            if (inner.IsOpen())
-                WalkGroup(inner.id, path, depth + 1);
-        }
+        Level& level = levels.back();
+        path.resize(level.pathLength);
+        if (level.next == level.names.size())
+            levels.pop_back();
+        else
+            Visit(level, level.names[level.next++]);
     }
 }
 
-void HdfDiscovery::CheckDataset(hid_t group, const std::string& name, const std::string& path)
+void HdfDiscovery::Enter(hid_t parent, const std::string& name, bool isCalledImage)
+{
+    const Level& level =
+        levels.emplace_back(H5Gopen2(parent, name.c_str(), H5P_DEFAULT), path.size(), isCalledImage);
+    if (!level.group.IsOpen())
+        levels.pop_back();
+}
+
+void HdfDiscovery::Visit(const Level& level, const std::string& name)
+{
+    // No file of sense is deeper. The paths of all its datasets would take the square of the file's size.
+    constexpr size_t deepestGroup = 256;
+    H5O_info1_t info{};
+    if (H5Oget_info_by_name2(level.group.id, name.c_str(), &info, H5O_INFO_BASIC, H5P_DEFAULT) < 0)
+        return;
+    path += "/" + name;
+    const bool isCalledImage = level.isCalledImage || ToLower(name).find("image") != std::string::npos;
+    if (info.type == H5O_TYPE_DATASET)
+        CheckDataset(level.group.id, name, isCalledImage);
+    else if (info.type == H5O_TYPE_GROUP && levels.size() < deepestGroup &&
+             // Hard links can make circles.
+             visited.insert(info.addr).second)
+        Enter(level.group.id, name, isCalledImage);
+}
+
+void HdfDiscovery::CheckDataset(hid_t group, const std::string& name, bool isCalledImage)
 {
     if (!IsThumbnailPath(path))
-        CheckImage(group, name, path);
-    else if (!AddThumbnail(group, name, path))
+        CheckImage(group, name, isCalledImage);
+    else if (!AddThumbnail(group, name))
         Note(L"Could not read jpeg image");
 }
 
-bool HdfDiscovery::AddThumbnail(hid_t group, const std::string& name, const std::string& path)
+bool HdfDiscovery::AddThumbnail(hid_t group, const std::string& name)
 {
     // Letter case makes thousands of such names, and each takes its time.
     constexpr uint32_t mostThumbnails = 16;
@@ -212,20 +220,20 @@ bool HdfDiscovery::AddThumbnail(hid_t group, const std::string& name, const std:
         return false;
     thumbnail = std::move(*picture);
     thumbnailPath = path;
-    runs.push_back({{.width = thumbnail.width,
-                     .height = thumbnail.height,
-                     .seriesFrames = thumbnail.frameCount,
-                     .pixelType = PixelType::RGB24,
-                     .path = path,
-                     .interlace = HdfInterlace::Pixel}});
+    found.Add({.width = thumbnail.width,
+               .height = thumbnail.height,
+               .seriesFrames = thumbnail.frameCount,
+               .pixelType = PixelType::RGB24,
+               .path = path,
+               .interlace = HdfInterlace::Pixel},
+              1);
     return true;
 }
 
-void HdfDiscovery::CheckImage(hid_t group, const std::string& name, const std::string& path)
+void HdfDiscovery::CheckImage(hid_t group, const std::string& name, bool isCalledImage)
 {
     const HdfDataSet dataset{H5Dopen2(group, name.c_str(), H5P_DEFAULT)};
-    if (!dataset.IsOpen() || IsStoredElsewhere(dataset.id) ||
-        (!HasImageClass(dataset.id) && ToLower(path).find("image") == std::string::npos))
+    if (!dataset.IsOpen() || IsStoredElsewhere(dataset.id) || (!isCalledImage && !HasImageClass(dataset.id)))
         return;
     PixelType pixelType = NativePixelType(dataset.id);
     if (pixelType == PixelType::Unknown)
@@ -267,13 +275,13 @@ void HdfDiscovery::CheckImage(hid_t group, const std::string& name, const std::s
     const uint64_t frames = storedBytes / frameBytes;
     if (frames >= 2 && *interlace != HdfInterlace::Plane)
         return Note(L"Skipped not supported image series");
-    runs.push_back({{.width = static_cast<uint32_t>(size->width),
-                     .height = static_cast<uint32_t>(size->height),
-                     .seriesFrames = static_cast<uint32_t>(std::min<uint64_t>(frames, UINT32_MAX)),
-                     .pixelType = pixelType,
-                     .path = path,
-                     .interlace = *interlace},
-                    frames});
+    found.Add({.width = static_cast<uint32_t>(size->width),
+               .height = static_cast<uint32_t>(size->height),
+               .seriesFrames = static_cast<uint32_t>(std::min<uint64_t>(frames, UINT32_MAX)),
+               .pixelType = pixelType,
+               .path = path,
+               .interlace = *interlace},
+              frames);
 }
 
 } // namespace Tav::Imaging::RawImage

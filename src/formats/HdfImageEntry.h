@@ -32,12 +32,4 @@ struct HdfImageEntry
     HdfInterlace interlace = HdfInterlace::Undefined;
 };
 
-/// Neighbouring entries that differ only in their frame of the series, from `first` on. A few bytes of a file
-/// can promise more frames than there is memory for, so they are counted and not listed.
-struct HdfImageRun
-{
-    HdfImageEntry first;
-    uint64_t count = 1;
-};
-
 } // namespace Tav::Imaging::RawImage

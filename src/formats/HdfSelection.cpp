@@ -6,8 +6,9 @@
 
 #include <algorithm>
 #include <limits>
-#include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 
 namespace Tav::Imaging::RawImage {
 
@@ -15,22 +16,46 @@ namespace {
 
 constexpr uint64_t mostEntries = 250;
 
-uint64_t EntryCount(const std::vector<HdfImageRun>& runs)
+/// Stays at the largest number instead of beginning again.
+uint64_t Sum(uint64_t a, uint64_t b)
 {
-    uint64_t count = 0;
-    for (const HdfImageRun& run : runs)
-        count = run.count > std::numeric_limits<uint64_t>::max() - count
-                    ? std::numeric_limits<uint64_t>::max()
-                    : count + run.count;
-    return count;
+    return b > std::numeric_limits<uint64_t>::max() - a ? std::numeric_limits<uint64_t>::max() : a + b;
 }
 
-bool IsInImageGroup(const HdfImageRun& run)
+uint32_t Area(const HdfImageEntry& entry)
 {
-    return ToLower(run.first.path).starts_with("/data/image/");
+    return entry.width * entry.height;
 }
 
-std::optional<size_t> LastThumbnail(const std::vector<HdfImageRun>& runs)
+bool IsInImageGroup(const std::string& path)
+{
+    constexpr std::string_view group = "/data/image/";
+    return ToLower(path.substr(0, group.size())) == group;
+}
+
+} // namespace
+
+void HdfSelection::Candidates::Add(const Run& run)
+{
+    const bool isLargest = Area(run.first) > largestArea;
+    largestArea = std::max(largestArea, Area(run.first));
+    if (found < mostEntries || IsThumbnailPath(run.first.path))
+        kept.push_back(run);
+    else if (isLargest)
+        largestBehind = run;
+    found = Sum(found, run.count);
+}
+
+std::vector<HdfSelection::Run> HdfSelection::Candidates::All() const
+{
+    std::vector<Run> runs = kept;
+    if (largestBehind)
+        runs.push_back(*largestBehind);
+    return runs;
+}
+
+/// The thumbnail, of which there are several when they differ in letter case.
+std::optional<size_t> HdfSelection::LastThumbnail(const std::vector<Run>& runs)
 {
     for (size_t i = runs.size(); i-- > 0;)
     {
@@ -40,34 +65,18 @@ std::optional<size_t> LastThumbnail(const std::vector<HdfImageRun>& runs)
     return std::nullopt;
 }
 
-size_t FirstOfLargestArea(const std::vector<HdfImageRun>& runs)
+size_t HdfSelection::FirstOfLargestArea(const std::vector<Run>& runs)
 {
-    const auto area = [](const HdfImageRun& run) { return run.first.width * run.first.height; };
+    const auto area = [](const Run& run) { return Area(run.first); };
     return static_cast<size_t>(std::ranges::max_element(runs, {}, area) - runs.begin());
 }
 
-/// Of a file that has an image group, what lies outside is not shown, but for the thumbnail.
-void KeepImageGroup(std::vector<HdfImageRun>& runs)
-{
-    if (std::ranges::none_of(runs, IsInImageGroup))
-        return;
-    const std::optional<size_t> thumbnail = LastThumbnail(runs);
-    std::vector<HdfImageRun> kept;
-    for (size_t i = 0; i < runs.size(); ++i)
-    {
-        if (i == thumbnail || IsInImageGroup(runs[i]))
-            kept.push_back(std::move(runs[i]));
-    }
-    runs = std::move(kept);
-}
-
 /// Moves the first frame of a run before all others.
-void MoveToFront(std::vector<HdfImageRun>& runs, size_t index)
+void HdfSelection::MoveToFront(std::vector<Run>& runs, size_t index)
 {
     if (index == 0)
         return;
-    HdfImageRun front = runs[index];
-    front.count = 1;
+    Run front{runs[index].first, 1};
     if (--runs[index].count == 0)
         runs.erase(runs.begin() + static_cast<std::ptrdiff_t>(index));
     else
@@ -75,22 +84,34 @@ void MoveToFront(std::vector<HdfImageRun>& runs, size_t index)
     runs.insert(runs.begin(), std::move(front));
 }
 
-} // namespace
-
-std::vector<HdfImageEntry> SelectHdfEntries(std::vector<HdfImageRun> runs, bool isReductionTold)
+void HdfSelection::Add(const HdfImageEntry& first, uint64_t frameCount)
 {
-    const uint64_t found = EntryCount(runs);
-    if (found >= 2)
+    (IsInImageGroup(first.path) ? imageGroup : others).Add({first, frameCount});
+}
+
+std::vector<HdfImageEntry> HdfSelection::Entries(bool isReductionTold) const
+{
+    std::vector<Run> runs = others.All();
+    uint64_t count = others.found;
+    // Of a file that has an image group, what lies outside is not shown, but for the thumbnail.
+    if (imageGroup.found > 0)
     {
-        KeepImageGroup(runs);
-        MoveToFront(runs, LastThumbnail(runs).value_or(FirstOfLargestArea(runs)));
+        const std::optional<size_t> thumbnail = LastThumbnail(runs);
+        const std::vector<Run> outside = std::exchange(runs, imageGroup.All());
+        count = Sum(imageGroup.found, thumbnail ? 1 : 0);
+        if (thumbnail)
+            runs.insert(runs.begin(), outside[*thumbnail]);
     }
-    if (EntryCount(runs) > mostEntries && isReductionTold)
+    MoveToFront(runs, LastThumbnail(runs).value_or(FirstOfLargestArea(runs)));
+    if (count > mostEntries && isReductionTold)
+    {
+        const auto found = static_cast<int32_t>(Sum(imageGroup.found, others.found));
         WriteDiagnostic(L"HDF: ", L"Reduced images to " + std::to_wstring(mostEntries) + L" (found: " +
-                                      std::to_wstring(static_cast<int32_t>(found)) + L")");
+                                      std::to_wstring(found) + L")");
+    }
 
     std::vector<HdfImageEntry> entries;
-    for (const HdfImageRun& run : runs)
+    for (const Run& run : runs)
     {
         HdfImageEntry entry = run.first;
         for (uint64_t i = 0; i < run.count && entries.size() < mostEntries; ++i, ++entry.frameInSeries)

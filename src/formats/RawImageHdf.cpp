@@ -80,7 +80,7 @@ bool RawImageHdf::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
     HdfDiscovery discovery;
     discovery.Walk(file.id);
     displayPixels = std::move(discovery.thumbnail.pixels);
-    entries = SelectHdfEntries(std::move(discovery.runs), frameIndex == 0);
+    entries = discovery.found.Entries(frameIndex == 0);
     if (entries.empty())
         return Fail(L"No images found");
     if (frameIndex >= entries.size())
