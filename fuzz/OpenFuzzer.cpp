@@ -53,11 +53,28 @@ std::optional<uint32_t> Open(const std::vector<uint8_t>& file, uint32_t mode, ui
 
     const RawImageBase& reader = *image.Reader();
     Require(frameIndex < reader.frameCount);
-    Require(reader.displayPixels.size() == (mode == readModeFrame ? PictureBytes(reader) : 0));
+    // The header of an HDF5 file includes the picture in small: its size is that of the decoded picture. The
+    // one that was decoded may be another than the frame that was asked for.
+    const bool isPictureExpected = mode == readModeFrame;
+    if (reader.fileType == FileType::Hdf && !isPictureExpected)
+        Require(reader.displayPixels.size() % 3 == 0);
+    else
+        Require(reader.displayPixels.size() == (isPictureExpected ? PictureBytes(reader) : 0));
     return reader.frameCount;
 }
 
 } // namespace
+
+// The HDF5 library asks this function of its own whether a block of metadata is whole. No input that the fuzzer
+// makes would pass, although anybody else can write the right sums: the linker puts this one in its place.
+extern "C" int __wrap_H5F_get_checksums(const uint8_t*, size_t, uint32_t* stored, uint32_t* computed)
+{
+    if (stored)
+        *stored = 0;
+    if (computed)
+        *computed = 0;
+    return 0;
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {

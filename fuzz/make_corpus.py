@@ -8,6 +8,8 @@ import os
 import struct
 import sys
 
+from hdf_corpus import hdf_files
+
 SERIALEM_LABEL = b"SerialEM: Acquired on a camera, 4 bits packed"
 
 
@@ -235,7 +237,6 @@ def lattice_files():
 def other_headers():
     """First bytes of formats that are refused or have no reader."""
     starts = {
-        "hdf": b"\x89HDF\r\n\x1a\n",
         "emf": struct.pack("<10I4s", 1, 88, 1, 0, 1, 1, 0, 0, 0, 0, b" EMF"),
         "bitmap": b"BM",
         "jpeg": b"\xff\xd8\xff\xe0",
@@ -250,7 +251,7 @@ def main():
     folder = sys.argv[1] if len(sys.argv) > 1 else os.path.join(os.path.dirname(__file__), "corpus")
     os.makedirs(folder, exist_ok=True)
     for files in (mrc_files, dm_files, ser_files, emi_files, npy_files, raw_files, bin_files, lattice_files,
-                  other_headers):
+                  hdf_files, other_headers):
         for name, content in files():
             with open(os.path.join(folder, name), "wb") as seed:
                 seed.write(content)
