@@ -2,6 +2,7 @@
 
 #include "core/Diagnostics.h"
 #include "core/StreamReader.h"
+#include "formats/HdfGuard.h"
 #include "formats/HdfObject.h"
 
 #include <hdf5.h>
@@ -34,8 +35,10 @@ bool PrepareLibrary()
         // A library that could not begin, for want of memory, does not survive to be asked again.
         libraryState = LibraryState::Unusable;
         H5dont_atexit();
-        if (H5open() >= 0 && H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr) >= 0 &&
-            H5PLset_loading_state(0) >= 0 && H5Lunregister(H5L_TYPE_EXTERNAL) >= 0)
+        // Memory that is given back must not be found again with its old contents.
+        if (H5open() >= 0 && H5set_free_list_limits(0, 0, 0, 0, 0, 0) >= 0 &&
+            H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr) >= 0 && H5PLset_loading_state(0) >= 0 &&
+            H5Lunregister(H5L_TYPE_EXTERNAL) >= 0)
             libraryState = LibraryState::Ready;
     }
     return libraryState == LibraryState::Ready;
@@ -93,6 +96,7 @@ hid_t OpenHdfFileImage(IStream* stream, uint64_t size, std::vector<uint8_t>& ima
         return -1;
     if (!PrepareLibrary())
         return -1;
+    const HdfGuard guard{size};
     return H5LTopen_file_image(image.data(), image.size(),
                                H5LT_FILE_IMAGE_DONT_COPY | H5LT_FILE_IMAGE_DONT_RELEASE);
 }

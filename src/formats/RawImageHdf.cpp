@@ -6,6 +6,7 @@
 #include "core/Text.h"
 #include "formats/HdfAccess.h"
 #include "formats/HdfDiscovery.h"
+#include "formats/HdfGuard.h"
 #include "formats/HdfMutexLock.h"
 #include "formats/HdfObject.h"
 #include "formats/HdfSelection.h"
@@ -77,6 +78,8 @@ bool RawImageHdf::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
     const HdfFile file{OpenHdfFileImage(stream, streamSize, image)};
     if (!file.IsOpen())
         return Fail(L"Could not open file");
+    // Closing the file is not limited: the library must let go of the bytes.
+    const HdfGuard guard{streamSize};
     HdfDiscovery discovery;
     discovery.Walk(file.id);
     displayPixels = std::move(discovery.thumbnail.pixels);

@@ -1,5 +1,7 @@
 #include "platform/StandIns.h"
 
+#include <malloc.h>
+
 #include <chrono>
 #include <condition_variable>
 #include <cstdlib>
@@ -57,6 +59,11 @@ void* CoTaskMemAlloc(size_t count)
 void CoTaskMemFree(void* memory)
 {
     std::free(memory);
+}
+
+size_t _msize(void* memory)
+{
+    return malloc_usable_size(memory);
 }
 
 void OutputDebugStringW(const wchar_t* line)

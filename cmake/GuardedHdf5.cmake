@@ -1,0 +1,11 @@
+# The HDF5 library trusts much of what a file says. It is taken as it is, but a copy of the archive asks
+# formats/HdfGuard.cpp for its memory, and before it looks at one more block or datatype of a file.
+set(guarded_hdf5 ${PROJECT_BINARY_DIR}/guarded-hdf5.a)
+get_target_property(hdf5_archive hdf5-static IMPORTED_LOCATION_RELEASE)
+set(renames)
+foreach(function malloc calloc realloc free strdup)
+  list(APPEND renames --redefine-sym ${function}=LumoraHdf_${function})
+endforeach()
+execute_process(COMMAND ${CMAKE_OBJCOPY} ${renames} ${hdf5_archive} ${guarded_hdf5} COMMAND_ERROR_IS_FATAL ANY)
+set_target_properties(hdf5-static PROPERTIES IMPORTED_LOCATION_RELEASE ${guarded_hdf5})
+target_link_options(hdf5-static INTERFACE -Wl,--wrap=H5T__alloc -Wl,--wrap=H5C_protect)

@@ -1,0 +1,149 @@
+#include "formats/HdfGuard.h"
+
+#include "platform/Platform.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+
+namespace Tav::Imaging::RawImage {
+
+namespace {
+
+/// What the library may still use. Its mutex serves for this, too.
+struct Allowance
+{
+    bool isLimited = false;
+    uint64_t heldBytes = 0;
+    uint64_t mostBytes = 0;
+    uint64_t steps = 0;
+    uintptr_t stackTop = 0;
+};
+
+Allowance allowance;
+
+uintptr_t StackPlace() noexcept
+{
+    return reinterpret_cast<uintptr_t>(__builtin_frame_address(0));
+}
+
+/// Small blocks are not refused: the library needs them to clear up, too.
+bool IsAllowed(uint64_t bytes) noexcept
+{
+    constexpr uint64_t smallBlock = 0x1000;
+    return !allowance.isLimited || bytes <= smallBlock ||
+           bytes <= allowance.mostBytes - std::min(allowance.heldBytes, allowance.mostBytes);
+}
+
+void Hold(void* memory) noexcept
+{
+    if (allowance.isLimited && memory)
+        allowance.heldBytes += _msize(memory);
+}
+
+void Release(void* memory) noexcept
+{
+    if (allowance.isLimited && memory)
+        allowance.heldBytes -= std::min<uint64_t>(allowance.heldBytes, _msize(memory));
+}
+
+/// Memory that is clear: some of the library's structures are freed before they have been filled.
+void* Allocate(size_t count, size_t bytes) noexcept
+{
+    if ((bytes != 0 && count > SIZE_MAX / bytes) || !IsAllowed(count * bytes))
+        return nullptr;
+    void* memory = std::calloc(count, bytes);
+    Hold(memory);
+    return memory;
+}
+
+} // namespace
+
+HdfGuard::HdfGuard(uint64_t fileBytes) noexcept
+{
+    constexpr uint64_t bytesForAnyFile = 0x4000000;
+    constexpr uint64_t stepsForAnyFile = 1000000;
+    allowance = {.isLimited = true,
+                 .mostBytes = bytesForAnyFile + 4 * fileBytes,
+                 .steps = stepsForAnyFile + fileBytes,
+                 .stackTop = StackPlace()};
+}
+
+HdfGuard::~HdfGuard()
+{
+    allowance.isLimited = false;
+}
+
+} // namespace Tav::Imaging::RawImage
+
+// The names that the linker gives to the library's calls.
+// NOLINTBEGIN(readability-identifier-naming,bugprone-reserved-identifier)
+extern "C" {
+using namespace Tav::Imaging::RawImage;
+
+void* LumoraHdf_malloc(size_t bytes)
+{
+    return Allocate(1, bytes);
+}
+
+void* LumoraHdf_calloc(size_t count, size_t bytes)
+{
+    return Allocate(count, bytes);
+}
+
+void* LumoraHdf_realloc(void* memory, size_t bytes)
+{
+    if (!IsAllowed(bytes))
+        return nullptr;
+    const size_t oldBytes = memory ? _msize(memory) : 0;
+    Release(memory);
+    auto* grown = static_cast<uint8_t*>(std::realloc(memory, bytes));
+    Hold(grown ? grown : memory);
+    if (grown && bytes > oldBytes)
+        std::memset(grown + oldBytes, 0, bytes - oldBytes);
+    return grown;
+}
+
+void LumoraHdf_free(void* memory)
+{
+    Release(memory);
+    std::free(memory);
+}
+
+char* LumoraHdf_strdup(const char* text)
+{
+    const size_t bytes = std::strlen(text) + 1;
+    void* copy = Allocate(1, bytes);
+    return copy ? static_cast<char*>(std::memcpy(copy, text, bytes)) : nullptr;
+}
+
+struct H5T_t;
+H5T_t* __real_H5T__alloc();
+
+/// Makes every datatype, also one within another: they are decoded by functions that call themselves.
+H5T_t* __wrap_H5T__alloc()
+{
+    constexpr uintptr_t deepestStack = 0xC000;
+    const uintptr_t place = StackPlace();
+    const uintptr_t depth = allowance.stackTop > place ? allowance.stackTop - place : 0;
+    return allowance.isLimited && depth > deepestStack ? nullptr : __real_H5T__alloc();
+}
+
+struct H5F_t;
+struct H5C_class_t;
+void* __real_H5C_protect(H5F_t* file, const H5C_class_t* kind, uint64_t address, void* data, unsigned flags);
+
+/// Looks at a block of metadata, also of those that refer to each other in circles.
+void* __wrap_H5C_protect(H5F_t* file, const H5C_class_t* kind, uint64_t address, void* data, unsigned flags)
+{
+    if (allowance.isLimited)
+    {
+        if (allowance.steps == 0)
+            return nullptr;
+        --allowance.steps;
+    }
+    return __real_H5C_protect(file, kind, address, data, flags);
+}
+}
+// NOLINTEND(readability-identifier-naming,bugprone-reserved-identifier)
