@@ -4,6 +4,7 @@
 #include "core/Identification.h"
 #include "core/StreamReader.h"
 #include "formats/HdfAccess.h"
+#include "formats/HdfGuard.h"
 #include "formats/HdfObject.h"
 
 #include <hdf5.h>
@@ -12,6 +13,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <exception>
 #include <span>
 #include <string_view>
 #include <utility>
@@ -26,32 +28,51 @@ void Note(std::wstring_view message)
 }
 
 /// The names of a group's hard links. All other links lead elsewhere, perhaps out of the file.
-std::vector<std::string> HardLinks(hid_t group)
+class HardLinks
 {
+public:
+    explicit HardLinks(hid_t group)
+    {
+        H5Literate1(group, H5_INDEX_NAME, H5_ITER_INC, nullptr, Collect, this);
+        // No exception passes through the library.
+        if (failure)
+            std::rethrow_exception(failure);
+    }
+
     std::vector<std::string> names;
-    const auto collect = [](hid_t, const char* name, const H5L_info1_t* info, void* target) -> herr_t {
+
+private:
+    static herr_t Collect(hid_t, const char* name, const H5L_info1_t* info, void* target)
+    {
+        auto& links = *static_cast<HardLinks*>(target);
         try
         {
-            constexpr size_t longestName = 1023;
-            const std::string shown{name, std::min(std::strlen(name), longestName)};
-            // A name with a slash or of a dot alone would be taken for a path.
-            if (info->type == H5L_TYPE_HARD && !shown.empty() && shown != "." &&
-                shown.find('/') == std::string::npos)
-                static_cast<std::vector<std::string>*>(target)->push_back(shown);
-            return 0;
+            links.Add(name, info->type);
         }
         catch (...)
         {
-            return -1;
+            links.failure = std::current_exception();
         }
-    };
-    H5Literate1(group, H5_INDEX_NAME, H5_ITER_INC, nullptr, collect, &names);
-    return names;
-}
+        // Blocks of a group can refer to each other in circles.
+        return TakeHdfStep() && !links.failure ? 0 : -1;
+    }
+
+    void Add(const char* name, H5L_type_t type)
+    {
+        constexpr size_t longestName = 1023;
+        const std::string shown{name, std::min(std::strlen(name), longestName)};
+        // A name with a slash or of a dot alone would be taken for a path.
+        if (type == H5L_TYPE_HARD && !shown.empty() && shown != "." && shown.find('/') == std::string::npos)
+            names.push_back(shown);
+    }
+
+    std::exception_ptr failure;
+};
 
 /// The text of an attribute of one fixed length, up to its zero byte; nothing for any other attribute. The
 /// library's own functions for image attributes trust them.
-std::optional<std::string> FixedText(hid_t dataset, const char* name, bool mustEndWithZero)
+std::optional<std::string> FixedText(hid_t dataset, const char* name,
+                                     std::optional<H5T_str_t> wantedEnd = std::nullopt)
 {
     constexpr hsize_t longestText = 1023;
     const HdfAttribute attribute{H5Aopen(dataset, name, H5P_DEFAULT)};
@@ -60,7 +81,7 @@ std::optional<std::string> FixedText(hid_t dataset, const char* name, bool mustE
     const HdfDataType type{H5Aget_type(attribute.id)};
     const hsize_t bytes = H5Aget_storage_size(attribute.id);
     if (H5Tget_class(type.id) != H5T_STRING || H5Tis_variable_str(type.id) != 0 || bytes == 0 ||
-        bytes > longestText || (mustEndWithZero && H5Tget_strpad(type.id) != H5T_STR_NULLTERM))
+        bytes > longestText || (wantedEnd && H5Tget_strpad(type.id) != *wantedEnd))
         return std::nullopt;
     std::string text(static_cast<size_t>(bytes), '\0');
     if (H5Aread(attribute.id, type.id, text.data()) < 0)
@@ -73,7 +94,7 @@ std::optional<std::string> FixedText(hid_t dataset, const char* name, bool mustE
 bool HasImageClass(hid_t dataset)
 {
     constexpr std::string_view imageClass = "IMAGE";
-    const auto text = FixedText(dataset, "CLASS", true);
+    const auto text = FixedText(dataset, "CLASS", H5T_STR_NULLTERM);
     return text && imageClass.substr(0, text->size()) == std::string_view{*text}.substr(0, imageClass.size());
 }
 
@@ -140,7 +161,7 @@ bool IsOwnFormat(const std::vector<uint8_t>& file)
 } // namespace
 
 HdfDiscovery::Level::Level(hid_t identifier, size_t length, bool isImage)
-    : group(identifier), names(HardLinks(identifier)), pathLength(length), isCalledImage(isImage)
+    : group(identifier), names(HardLinks{identifier}.names), pathLength(length), isCalledImage(isImage)
 {}
 
 std::optional<JpegPicture> DecodeHdfThumbnail(hid_t location, const std::string& name)
@@ -242,7 +263,7 @@ void HdfDiscovery::CheckImage(hid_t group, const std::string& name, bool isCalle
     std::string interlaceText;
     if (H5Aexists(dataset.id, "INTERLACE_MODE") != 0)
     {
-        const auto text = FixedText(dataset.id, "INTERLACE_MODE", false);
+        const auto text = FixedText(dataset.id, "INTERLACE_MODE");
         if (!text)
             return;
         interlaceText = *text;

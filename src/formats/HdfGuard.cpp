@@ -53,6 +53,7 @@ void* Allocate(size_t count, size_t bytes) noexcept
 {
     if ((bytes != 0 && count > SIZE_MAX / bytes) || !IsAllowed(count * bytes))
         return nullptr;
+    static_cast<void>(TakeHdfStep());
     void* memory = std::calloc(count, bytes);
     Hold(memory);
     return memory;
@@ -63,16 +64,26 @@ void* Allocate(size_t count, size_t bytes) noexcept
 HdfGuard::HdfGuard(uint64_t fileBytes) noexcept
 {
     constexpr uint64_t bytesForAnyFile = 0x4000000;
-    constexpr uint64_t stepsForAnyFile = 1000000;
+    constexpr uint64_t stepsForAnyFile = 10000000;
     allowance = {.isLimited = true,
                  .mostBytes = bytesForAnyFile + 4 * fileBytes,
-                 .steps = stepsForAnyFile + fileBytes,
+                 .steps = stepsForAnyFile + 4 * fileBytes,
                  .stackTop = StackPlace()};
 }
 
 HdfGuard::~HdfGuard()
 {
     allowance.isLimited = false;
+}
+
+bool TakeHdfStep() noexcept
+{
+    if (!allowance.isLimited)
+        return true;
+    if (allowance.steps == 0)
+        return false;
+    --allowance.steps;
+    return true;
 }
 
 } // namespace Tav::Imaging::RawImage
@@ -137,13 +148,23 @@ void* __real_H5C_protect(H5F_t* file, const H5C_class_t* kind, uint64_t address,
 /// Looks at a block of metadata, also of those that refer to each other in circles.
 void* __wrap_H5C_protect(H5F_t* file, const H5C_class_t* kind, uint64_t address, void* data, unsigned flags)
 {
-    if (allowance.isLimited)
-    {
-        if (allowance.steps == 0)
-            return nullptr;
-        --allowance.steps;
-    }
-    return __real_H5C_protect(file, kind, address, data, flags);
+    return TakeHdfStep() ? __real_H5C_protect(file, kind, address, data, flags) : nullptr;
+}
+
+int __real_H5B2_delete(H5F_t* file, uint64_t address, void* context, void* callback, void* data);
+
+/// Tidies up an index that the file says is empty: that changes nothing in a file that is only read.
+int __wrap_H5B2_delete(H5F_t* file, uint64_t address, void* context, void* callback, void* data)
+{
+    return allowance.isLimited ? 0 : __real_H5B2_delete(file, address, context, callback, data);
+}
+
+int __real_H5AC_mark_entry_dirty(void* entry);
+
+/// Notes that a block has to be written.
+int __wrap_H5AC_mark_entry_dirty(void* entry)
+{
+    return allowance.isLimited ? 0 : __real_H5AC_mark_entry_dirty(entry);
 }
 }
 // NOLINTEND(readability-identifier-naming,bugprone-reserved-identifier)

@@ -16,4 +16,7 @@ public:
     ~HdfGuard();
 };
 
+/// Counts a piece of work that the library does for us; false when there has been too much of it.
+[[nodiscard]] bool TakeHdfStep() noexcept;
+
 } // namespace Tav::Imaging::RawImage

@@ -2,48 +2,51 @@
 
 #include <hdf5.h>
 
+// The library's own function that takes an identifier away from its object.
+extern "C" void* H5I_remove(hid_t identifier);
+
 namespace Tav::Imaging::RawImage {
+
+void HdfObject::Close(herr_t (*close)(hid_t)) const noexcept
+{
+    // What a damaged file keeps from being closed has been torn down in part. Nobody may find it again.
+    if (IsOpen() && close(id) < 0)
+        H5I_remove(id);
+}
 
 HdfFile::~HdfFile()
 {
-    if (IsOpen())
-        H5Fclose(id);
+    Close(H5Fclose);
 }
 
 HdfGroup::~HdfGroup()
 {
-    if (IsOpen())
-        H5Gclose(id);
+    Close(H5Gclose);
 }
 
 HdfDataSet::~HdfDataSet()
 {
-    if (IsOpen())
-        H5Dclose(id);
+    Close(H5Dclose);
 }
 
 HdfDataType::~HdfDataType()
 {
-    if (IsOpen())
-        H5Tclose(id);
+    Close(H5Tclose);
 }
 
 HdfDataSpace::~HdfDataSpace()
 {
-    if (IsOpen())
-        H5Sclose(id);
+    Close(H5Sclose);
 }
 
 HdfAttribute::~HdfAttribute()
 {
-    if (IsOpen())
-        H5Aclose(id);
+    Close(H5Aclose);
 }
 
 HdfPropertyList::~HdfPropertyList()
 {
-    if (IsOpen())
-        H5Pclose(id);
+    Close(H5Pclose);
 }
 
 } // namespace Tav::Imaging::RawImage

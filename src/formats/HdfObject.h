@@ -1,6 +1,7 @@
 #pragma once
 
 #include <H5Ipublic.h>
+#include <H5public.h>
 
 namespace Tav::Imaging::RawImage {
 
@@ -18,6 +19,9 @@ public:
 
 protected:
     explicit HdfObject(hid_t identifier) noexcept : id(identifier) {}
+
+    /// Closes what is open with the library's function for it.
+    void Close(herr_t (*close)(hid_t)) const noexcept;
 };
 
 class HdfFile final : public HdfObject

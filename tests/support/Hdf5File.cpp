@@ -129,6 +129,14 @@ Hdf5File& Hdf5File::VariableText(const std::string& path, const std::string& att
     return *this;
 }
 
+Hdf5File& Hdf5File::Attribute(const std::string& path, const std::string& attribute, hid_t type)
+{
+    const HdfDataSpace space{Made(H5Screate(H5S_SCALAR))};
+    const HdfAttribute target{Made(H5Acreate_by_name(file, path.c_str(), attribute.c_str(), type, space.id,
+                                                     H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT))};
+    return *this;
+}
+
 Hdf5File& Hdf5File::Palettes(const std::string& path, hsize_t count)
 {
     for (hsize_t i = 0; i < count; ++i)

@@ -40,6 +40,8 @@ public:
     Hdf5File& Text(const std::string& path, const std::string& attribute, const std::string& text);
     /// An attribute that is one variable-length text.
     Hdf5File& VariableText(const std::string& path, const std::string& attribute, const std::string& text);
+    /// An attribute of one element of any type.
+    Hdf5File& Attribute(const std::string& path, const std::string& attribute, hid_t type);
     /// Gives an image that many palettes.
     Hdf5File& Palettes(const std::string& path, hsize_t count);
     Hdf5File& Group(const std::string& path);
