@@ -9,4 +9,5 @@ endforeach()
 execute_process(COMMAND ${CMAKE_OBJCOPY} ${renames} ${hdf5_archive} ${guarded_hdf5} COMMAND_ERROR_IS_FATAL ANY)
 set_target_properties(hdf5-static PROPERTIES IMPORTED_LOCATION_RELEASE ${guarded_hdf5})
 target_link_options(hdf5-static INTERFACE
-  -Wl,--wrap=H5T__alloc -Wl,--wrap=H5C_protect -Wl,--wrap=H5B2_delete -Wl,--wrap=H5AC_mark_entry_dirty)
+  -Wl,--wrap=H5T__alloc -Wl,--wrap=H5C_protect -Wl,--wrap=H5B2_delete -Wl,--wrap=H5AC_mark_entry_dirty
+  -Wl,--wrap=H5Z_pipeline)

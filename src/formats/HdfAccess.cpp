@@ -65,7 +65,9 @@ uint64_t ChunkBytes(hid_t dataset)
 bool HasReasonableChunks(hid_t dataset)
 {
     constexpr uint64_t largestChunk = 0x20000000;
-    return ChunkBytes(dataset) <= largestChunk;
+    const uint64_t chunkBytes = ChunkBytes(dataset);
+    ExpectHdfChunks(chunkBytes);
+    return chunkBytes <= largestChunk;
 }
 
 } // namespace
@@ -96,7 +98,7 @@ hid_t OpenHdfFileImage(IStream* stream, uint64_t size, std::vector<uint8_t>& ima
         return -1;
     if (!PrepareLibrary())
         return -1;
-    const HdfGuard guard{size};
+    const HdfGuard guard{image};
     return H5LTopen_file_image(image.data(), image.size(),
                                H5LT_FILE_IMAGE_DONT_COPY | H5LT_FILE_IMAGE_DONT_RELEASE);
 }

@@ -1,16 +1,17 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 
 namespace Tav::Imaging::RawImage {
 
-/// Holds the HDF5 library to what a file of this size can need, for as long as it lives: memory, work, and
+/// Holds the HDF5 library to what a file of these bytes can need, for as long as it lives: memory, work, and
 /// the stack that nested datatypes use. Beyond that, the library finds its requests refused and gives up. The
 /// caller must hold the library's mutex.
 class HdfGuard
 {
 public:
-    explicit HdfGuard(uint64_t fileBytes) noexcept;
+    explicit HdfGuard(std::span<const uint8_t> file) noexcept;
     HdfGuard(const HdfGuard&) = delete;
     HdfGuard& operator=(const HdfGuard&) = delete;
     ~HdfGuard();
@@ -18,5 +19,9 @@ public:
 
 /// Counts a piece of work that the library does for us; false when there has been too much of it.
 [[nodiscard]] bool TakeHdfStep() noexcept;
+
+/// Tells how many bytes a chunk of the dataset that is read next has; 0 when there are no chunks. Chunks that
+/// unpack to less are refused.
+void ExpectHdfChunks(uint64_t chunkBytes) noexcept;
 
 } // namespace Tav::Imaging::RawImage

@@ -79,7 +79,7 @@ bool RawImageHdf::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
     if (!file.IsOpen())
         return Fail(L"Could not open file");
     // Closing the file is not limited: the library must let go of the bytes.
-    const HdfGuard guard{streamSize};
+    const HdfGuard guard{image};
     HdfDiscovery discovery;
     discovery.Walk(file.id);
     displayPixels = std::move(discovery.thumbnail.pixels);

@@ -7,24 +7,25 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <zlib.h>
 
 #include <algorithm>
 
 using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 using Bytes = std::vector<uint8_t>;
 
 namespace {
 
-constexpr size_t largestType = 60000;
+constexpr size_t largestType = 50000;
+constexpr size_t smallStack = 0x40000;
 
-/// A type whose description in the file has about 60000 bytes, to be written over.
+/// A type whose description in the file has more than 50000 bytes, to be written over.
 HdfDataType LongType()
 {
-    // A member has 24 bytes with its name, 8 for how its type begins, and 4 for the text's size.
-    constexpr size_t members = 1000;
+    // A member takes 24 bytes for its name, 32 for its place and 12 for its type.
+    constexpr size_t members = 800;
     const hid_t type = H5Tcreate(H5T_COMPOUND, members);
     for (size_t i = 0; i < members; ++i)
         H5Tinsert(type, (std::string(20, 'n') + std::to_string(i)).c_str(), i, H5T_STD_U8LE);
@@ -34,7 +35,7 @@ HdfDataType LongType()
 /// Writes a type over the long type's description: kinds of types in each other, as deep as they can be.
 Bytes WithNestedType(Bytes file, const Bytes& kind)
 {
-    const Bytes longType = {0x16, 0xE8, 0x03, 0x00, 0xE8, 0x03, 0x00, 0x00};
+    const Bytes longType = {0x16, 0x20, 0x03, 0x00, 0x20, 0x03, 0x00, 0x00};
     const auto place = std::search(file.begin(), file.end(), longType.begin(), longType.end());
     EXPECT_NE(place, file.end());
     const size_t levels = std::min(largestType, static_cast<size_t>(file.end() - place)) / kind.size() - 1;
@@ -56,7 +57,6 @@ const std::vector<std::pair<std::string, Bytes>> nestingKinds = {
 /// What the file's one image gives on a thread with little stack, and what is told.
 void ExpectOneImage(const Bytes& file, const std::vector<std::string>& lines, const std::string& what)
 {
-    constexpr size_t smallStack = 0x40000;
     RunOnSmallStack(smallStack, [&] {
         const ComApartment apartment;
         const FileOpen open{file};
@@ -95,7 +95,7 @@ TEST_P(NestedTypes, OfTheAttributesOfAnImage)
         SCOPED_TRACE(name);
         const auto& [what, kind] = GetParam();
         const Bytes bytes = WithNestedType(file.Build(), kind);
-        RunOnSmallStack(0x40000, [&] { FileOpen{bytes}; });
+        RunOnSmallStack(smallStack, [&] { FileOpen{bytes}; });
     }
 }
 
@@ -112,11 +112,66 @@ TEST_P(NestedTypes, OfTexts)
 TEST_P(NestedTypes, OfAThumbnail)
 {
     Hdf5File file;
-    file.DataSet("/Thumbnail.jpg", LongType().id, {1000}, Bytes(1000000));
+    file.DataSet("/Thumbnail.jpg", LongType().id, {1000}, Bytes(800000));
     ExpectOutcome(file, {"[Lumora] HDF: Could not read jpeg image"});
 }
 
 INSTANTIATE_TEST_SUITE_P(Hdf, NestedTypes, testing::ValuesIn(nestingKinds));
+
+/// Makes the file's last node of an index lie within itself. `childOffset` is where its first child's address
+/// is.
+Bytes WithNodeWithinItself(Bytes file, size_t childOffset)
+{
+    const Bytes signature = {'T', 'R', 'E', 'E'};
+    const auto node = std::find_end(file.begin(), file.end(), signature.begin(), signature.end());
+    EXPECT_NE(node, file.end());
+    const auto address = static_cast<uint64_t>(node - file.begin());
+    constexpr ptrdiff_t levelOffset = 5;
+    node[levelOffset] = 1;
+    for (size_t i = 0; i < sizeof(address); ++i)
+        node[static_cast<ptrdiff_t>(childOffset + i)] = static_cast<uint8_t>(address >> (8 * i));
+    return file;
+}
+
+TEST(HdfReader, GivesUpAGroupWhoseIndexLiesWithinItself)
+{
+    // Signature, kind, level, count and two neighbours, then a key.
+    constexpr size_t childOffset = 24 + 8;
+    Hdf5File file;
+    file.AnyDataSet("/image", H5T_STD_U16LE, {40, 50});
+    const Bytes bytes = WithNodeWithinItself(file.Build(), childOffset);
+    RunOnSmallStack(smallStack, [&] {
+        const FileOpen open{bytes};
+        EXPECT_FALSE(open.succeeded);
+        EXPECT_THAT(open.lines, ElementsAre("[Lumora] HDF: No images found"));
+    });
+}
+
+TEST(HdfReader, GivesUpADatasetWhoseIndexLiesWithinItself)
+{
+    // A key is the chunk's size, its filters and its place in two dimensions and within a sample.
+    constexpr size_t childOffset = 24 + 8 + 3 * 8;
+    Hdf5File file;
+    file.AnyDataSet("/image", H5T_STD_U16LE, {40, 50}, {.chunk = {40, 50}});
+    const Bytes bytes = WithNodeWithinItself(file.Build(), childOffset);
+    RunOnSmallStack(smallStack, [&] { EXPECT_FALSE(FileOpen{bytes}.succeeded); });
+}
+
+TEST(HdfReader, UnpacksNoMoreThanAFileCanNeed)
+{
+    // 256 MiB of zeros.
+    std::vector<uint8_t> packed(300000);
+    const std::vector<uint8_t> zeros(0x10000000);
+    auto packedBytes = static_cast<uLongf>(packed.size());
+    ASSERT_EQ(compress(packed.data(), &packedBytes, zeros.data(), static_cast<uLong>(zeros.size())), Z_OK);
+    packed.resize(packedBytes);
+    Hdf5File file;
+    file.AnyDataSet("/image", H5T_STD_U16LE, {40, 50});
+    file.DataSet("/Thumbnail.jpg", H5T_STD_U8LE, {1000}, {},
+                 {.chunk = {1000}, .isCompressed = true, .isWritten = false});
+    file.Chunk("/Thumbnail.jpg", packed);
+    ExpectOneImage(file.Build(), {"[Lumora] HDF: Could not read jpeg image"}, "zeros");
+}
 
 TEST(HdfReader, FollowsGroupsOnASmallStack)
 {

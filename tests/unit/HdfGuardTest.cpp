@@ -1,0 +1,93 @@
+#include "formats/HdfGuard.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+using namespace Tav::Imaging::RawImage;
+
+// What the library calls.
+// NOLINTBEGIN(readability-identifier-naming)
+extern "C" {
+void* LumoraHdf_malloc(size_t bytes);
+void* LumoraHdf_calloc(size_t count, size_t bytes);
+void* LumoraHdf_realloc(void* memory, size_t bytes);
+void LumoraHdf_free(void* memory);
+}
+// NOLINTEND(readability-identifier-naming)
+
+namespace {
+
+constexpr size_t megabyte = size_t{1} << 20;
+
+TEST(HdfGuard, AllowsAsMuchMemoryAsAFileOfItsSizeCanNeed)
+{
+    // 64 MiB, and four times the file's two.
+    const std::vector<uint8_t> file(2 * megabyte);
+    const HdfGuard guard{file};
+    void* const whole = LumoraHdf_malloc(71 * megabyte);
+    EXPECT_TRUE(whole);
+    EXPECT_FALSE(LumoraHdf_malloc(2 * megabyte));
+    EXPECT_FALSE(LumoraHdf_calloc(2, megabyte));
+    EXPECT_FALSE(LumoraHdf_realloc(nullptr, 2 * megabyte));
+    // What little it takes to end its work, the library gets.
+    void* const small = LumoraHdf_malloc(4096);
+    EXPECT_TRUE(small);
+    LumoraHdf_free(small);
+    LumoraHdf_free(whole);
+
+    void* const again = LumoraHdf_malloc(71 * megabyte);
+    EXPECT_TRUE(again);
+    LumoraHdf_free(again);
+}
+
+TEST(HdfGuard, RefusesProductsThatDoNotFit)
+{
+    EXPECT_FALSE(LumoraHdf_calloc(SIZE_MAX / 4, 5));
+}
+
+TEST(HdfGuard, GivesClearMemory)
+{
+    const auto isClear = [](const void* memory, size_t first, size_t end) {
+        const auto* bytes = static_cast<const uint8_t*>(memory);
+        return std::all_of(bytes + first, bytes + end, [](uint8_t byte) { return byte == 0; });
+    };
+    void* memory = LumoraHdf_malloc(1000);
+    ASSERT_TRUE(memory);
+    EXPECT_TRUE(isClear(memory, 0, 1000));
+    *static_cast<uint8_t*>(memory) = 7;
+    memory = LumoraHdf_realloc(memory, 100000);
+    ASSERT_TRUE(memory);
+    EXPECT_EQ(*static_cast<uint8_t*>(memory), 7);
+    EXPECT_TRUE(isClear(memory, 1, 100000));
+    LumoraHdf_free(memory);
+}
+
+TEST(HdfGuard, CountsWork)
+{
+    const std::vector<uint8_t> file(1000);
+    const HdfGuard guard{file};
+    for (uint32_t step = 0; step < 10004000; ++step)
+        ASSERT_TRUE(TakeHdfStep()) << step;
+    EXPECT_FALSE(TakeHdfStep());
+    EXPECT_FALSE(TakeHdfStep());
+}
+
+TEST(HdfGuard, LimitsNothingWhenItIsGone)
+{
+    {
+        const HdfGuard guard{{}};
+        while (TakeHdfStep())
+        {}
+        EXPECT_FALSE(LumoraHdf_malloc(65 * megabyte));
+    }
+    EXPECT_TRUE(TakeHdfStep());
+    void* const memory = LumoraHdf_malloc(65 * megabyte);
+    EXPECT_TRUE(memory);
+    LumoraHdf_free(memory);
+}
+
+} // namespace
