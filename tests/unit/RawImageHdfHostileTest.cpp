@@ -63,7 +63,9 @@ void ExpectOneImage(const Bytes& file, const std::vector<std::string>& lines, co
         EXPECT_TRUE(open.succeeded) << what;
         EXPECT_EQ(open.lines, lines) << what;
         if (open.succeeded)
+        {
             EXPECT_EQ(open.image.Reader()->frameCount, 1U) << what;
+        }
     });
 }
 

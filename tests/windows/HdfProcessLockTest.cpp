@@ -75,8 +75,6 @@ TEST(HdfProcessLock, FailsAReadWhileAnotherProcessHoldsTheMutexForTwoSeconds)
     const ULONGLONG start = GetTickCount64();
     EXPECT_THAT(FileOpen{file}.lines, ElementsAre(timeout));
     EXPECT_GE(GetTickCount64() - start, 900U);
-    // The holder is asleep for less than another second.
-    EXPECT_TRUE(FileOpen{file}.succeeded) << "in time for the next one";
     holder.WaitForEnd();
     const FileOpen later{file};
     EXPECT_TRUE(later.succeeded);
