@@ -3,10 +3,10 @@
 #include "platform/Platform.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 
 namespace Tav::Imaging::RawImage {
 
@@ -21,9 +21,7 @@ struct Allowance
     uint64_t steps = 0;
     uintptr_t stackTop = 0;
     uint64_t chunkBytes = 0;
-    /// The file from its superblock on, to which all addresses refer.
-    std::span<const uint8_t> file;
-    uint64_t lengthBytes = 0;
+    HdfBlocks* blocks = nullptr;
 };
 
 Allowance allowance;
@@ -73,90 +71,22 @@ void* Allocate(size_t count, size_t bytes) noexcept
     return memory;
 }
 
-/// The file without what precedes its signature, which the library looks for at 0, 512, 1024, 2048 and so on.
-std::span<const uint8_t> FromSuperblock(std::span<const uint8_t> file) noexcept
-{
-    constexpr std::array<uint8_t, 8> signature = {0x89, 'H', 'D', 'F', '\r', '\n', 0x1A, '\n'};
-    for (size_t place = 0; place < file.size(); place = std::max<size_t>(2 * place, 512))
-    {
-        if (std::ranges::equal(file.subspan(place, std::min(signature.size(), file.size() - place)),
-                               signature))
-            return file.subspan(place);
-    }
-    return {};
-}
-
-/// How many bytes a length has in the file.
-uint64_t LengthBytes(std::span<const uint8_t> file) noexcept
-{
-    constexpr size_t versionOffset = 8;
-    const size_t offset = file.size() > versionOffset && file[versionOffset] < 2 ? 14 : 10;
-    return file.size() > offset ? file[offset] : 0;
-}
-
-uint64_t LittleEndian(std::span<const uint8_t> bytes) noexcept
-{
-    uint64_t value = 0;
-    for (size_t i = std::min(bytes.size(), sizeof(value)); i-- > 0;)
-        value = value << 8 | bytes[i];
-    return value;
-}
-
-/// False for a collection of variable-length data with free room of no bytes, at which the library would look
-/// for ever.
-bool IsCollectionFinite(std::span<const uint8_t> collection) noexcept
-{
-    constexpr uint64_t alignment = 8;
-    const auto aligned = [](uint64_t bytes) { return (bytes + alignment - 1) / alignment * alignment; };
-    // As many bytes come before the objects as before the contents of each.
-    const uint64_t headerBytes = aligned(alignment + allowance.lengthBytes);
-    uint64_t place = headerBytes;
-    while (place <= collection.size() && collection.size() - place >= headerBytes)
-    {
-        const auto object = collection.subspan(static_cast<size_t>(place));
-        const uint64_t index = LittleEndian(object.first(2));
-        const uint64_t bytes =
-            LittleEndian(object.subspan(alignment, static_cast<size_t>(allowance.lengthBytes)));
-        const uint64_t need = index == 0 ? bytes : headerBytes + aligned(bytes);
-        if (need == 0)
-            return false;
-        if (need > object.size())
-            break;
-        place += need;
-    }
-    return true;
-}
-
-/// Looks at a block before the library does.
-bool IsBlockSound(uint64_t address) noexcept
-{
-    constexpr std::array<uint8_t, 4> collectionSignature = {'G', 'C', 'O', 'L'};
-    if (!allowance.isLimited || address >= allowance.file.size() ||
-        allowance.file.size() - address < collectionSignature.size())
-        return true;
-    const auto block = allowance.file.subspan(static_cast<size_t>(address));
-    return !std::ranges::equal(block.first(collectionSignature.size()), collectionSignature) ||
-           IsCollectionFinite(block);
-}
-
 } // namespace
 
-HdfGuard::HdfGuard(std::span<const uint8_t> file) noexcept
+HdfGuard::HdfGuard(std::span<const uint8_t> file) : blocks(file)
 {
     constexpr uint64_t bytesForAnyFile = 0x4000000;
     constexpr uint64_t stepsForAnyFile = 10000000;
-    const std::span<const uint8_t> addressed = FromSuperblock(file);
     allowance = {.isLimited = true,
                  .mostBytes = bytesForAnyFile + 4 * file.size(),
                  .steps = stepsForAnyFile + 4 * file.size(),
                  .stackTop = StackPlace(),
-                 .file = addressed,
-                 .lengthBytes = LengthBytes(addressed)};
+                 .blocks = &blocks};
 }
 
 HdfGuard::~HdfGuard()
 {
-    allowance.isLimited = false;
+    allowance = {};
 }
 
 void ExpectHdfChunks(uint64_t chunkBytes) noexcept
@@ -233,9 +163,21 @@ void* __real_H5C_protect(H5F_t* file, const H5C_class_t* kind, uint64_t address,
 /// Looks at a block of metadata, also of those that refer to each other in circles.
 void* __wrap_H5C_protect(H5F_t* file, const H5C_class_t* kind, uint64_t address, void* data, unsigned flags)
 {
-    return TakeHdfStep() && HasStack() && IsBlockSound(address)
-               ? __real_H5C_protect(file, kind, address, data, flags)
-               : nullptr;
+    if (!allowance.isLimited)
+        return __real_H5C_protect(file, kind, address, data, flags);
+    try
+    {
+        if (!TakeHdfStep() || !HasStack() || !allowance.blocks->IsSound(address, data))
+            return nullptr;
+        void* const object = __real_H5C_protect(file, kind, address, data, flags);
+        if (object)
+            allowance.blocks->Remember(address, object);
+        return object;
+    }
+    catch (const std::bad_alloc&)
+    {
+        return nullptr;
+    }
 }
 
 struct H5O_pline_t;

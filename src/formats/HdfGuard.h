@@ -1,5 +1,7 @@
 #pragma once
 
+#include "formats/HdfBlocks.h"
+
 #include <cstdint>
 #include <span>
 
@@ -11,10 +13,14 @@ namespace Tav::Imaging::RawImage {
 class HdfGuard
 {
 public:
-    explicit HdfGuard(std::span<const uint8_t> file) noexcept;
+    /// Takes the whole file, which must outlive this object.
+    explicit HdfGuard(std::span<const uint8_t> file);
     HdfGuard(const HdfGuard&) = delete;
     HdfGuard& operator=(const HdfGuard&) = delete;
     ~HdfGuard();
+
+private:
+    HdfBlocks blocks;
 };
 
 /// Counts a piece of work that the library does for us; false when there has been too much of it.

@@ -1,0 +1,185 @@
+#include "formats/HdfBlocks.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <cstring>
+#include <string_view>
+
+namespace Tav::Imaging::RawImage {
+
+namespace {
+
+constexpr size_t signatureBytes = 4;
+/// Where the second kind of index says of what kind its records are, and how large.
+constexpr size_t kindOffset = 5;
+constexpr size_t nodeBytesOffset = 6;
+constexpr size_t recordBytesOffset = 10;
+constexpr size_t heightOffset = 12;
+constexpr size_t indexBytes = 14;
+
+std::span<const uint8_t> FromSuperblock(std::span<const uint8_t> file) noexcept
+{
+    // The library looks for the signature at 0, 512, 1024, 2048 and so on.
+    constexpr std::array<uint8_t, 8> signature = {0x89, 'H', 'D', 'F', '\r', '\n', 0x1A, '\n'};
+    for (size_t place = 0; place < file.size(); place = std::max<size_t>(2 * place, 512))
+    {
+        const auto rest = file.subspan(place);
+        if (rest.size() >= signature.size() && std::ranges::equal(rest.first(signature.size()), signature))
+            return rest;
+    }
+    return {};
+}
+
+uint64_t LittleEndian(std::span<const uint8_t> bytes) noexcept
+{
+    uint64_t value = 0;
+    for (size_t i = std::min(bytes.size(), sizeof(value)); i-- > 0;)
+        value = value << 8 | bytes[i];
+    return value;
+}
+
+std::string_view Signature(std::span<const uint8_t> block) noexcept
+{
+    return {reinterpret_cast<const char*>(block.data()), std::min(block.size(), signatureBytes)};
+}
+
+/// How many bytes it takes to store numbers up to a limit.
+uint64_t BytesFor(uint64_t limit) noexcept
+{
+    return limit == 0 ? 1 : (std::bit_width(limit) - 1) / 8 + 1;
+}
+
+} // namespace
+
+HdfBlocks::HdfBlocks(std::span<const uint8_t> wholeFile) : file(FromSuperblock(wholeFile))
+{
+    constexpr size_t versionOffset = 8;
+    constexpr size_t superblockBytes = 16;
+    if (file.size() < superblockBytes)
+        return;
+    const size_t offset = file[versionOffset] < 2 ? 13 : 9;
+    addressBytes = file[offset];
+    lengthBytes = file[offset + 1];
+}
+
+bool HdfBlocks::IsSound(uint64_t address, const void* request) const
+{
+    const auto block = At(address);
+    const std::string_view signature = Signature(block);
+    if (signature == "GCOL")
+        return IsCollectionFinite(block);
+    if (signature == "BTHD")
+        return HasWholeRecords(block) && !RecordsPerNode(block).empty();
+    if (signature == "BTLF" || signature == "BTIN")
+        return HasRoomForRecords(request, signature == "BTLF");
+    return true;
+}
+
+void HdfBlocks::Remember(uint64_t address, const void* object)
+{
+    const auto block = At(address);
+    if (Signature(block) == "BTHD")
+        recordsPerNode[object] = RecordsPerNode(block);
+}
+
+std::span<const uint8_t> HdfBlocks::At(uint64_t address) const noexcept
+{
+    return address < file.size() ? file.subspan(static_cast<size_t>(address)) : std::span<const uint8_t>{};
+}
+
+bool HdfBlocks::IsCollectionFinite(std::span<const uint8_t> collection) const noexcept
+{
+    // Free room of no bytes is where the library would stay for ever.
+    constexpr uint64_t alignment = 8;
+    const auto aligned = [](uint64_t bytes) { return (bytes + alignment - 1) / alignment * alignment; };
+    // As many bytes come before the objects as before the contents of each.
+    const uint64_t headerBytes = aligned(alignment + lengthBytes);
+    uint64_t place = headerBytes;
+    while (place <= collection.size() && collection.size() - place >= headerBytes)
+    {
+        const auto object = collection.subspan(static_cast<size_t>(place));
+        const uint64_t index = LittleEndian(object.first(2));
+        const uint64_t bytes = LittleEndian(object.subspan(alignment, static_cast<size_t>(lengthBytes)));
+        const uint64_t need = index == 0 ? bytes : headerBytes + aligned(bytes);
+        if (need == 0)
+            return false;
+        if (need > object.size())
+            break;
+        place += need;
+    }
+    return true;
+}
+
+bool HdfBlocks::HasWholeRecords(std::span<const uint8_t> index) const
+{
+    if (index.size() < indexBytes)
+        return false;
+    // What the library reads of a record.
+    const std::array<uint64_t, 12> leastBytes = {
+        UINT64_MAX,
+        // Large objects of a heap, also filtered, and without indirection.
+        addressBytes + 2 * lengthBytes, addressBytes + 3 * lengthBytes + 4, addressBytes + lengthBytes,
+        addressBytes + 2 * lengthBytes + 4,
+        // Links by name and by time.
+        4 + 7, 8 + 7,
+        // Shared messages.
+        1 + 4 + std::max<uint64_t>(4 + 8, 1 + 2 + addressBytes),
+        // Attributes by name and by time.
+        8 + 1 + 4 + 4, 8 + 1 + 4,
+        // Chunks in two dimensions or more, also filtered.
+        addressBytes + 2 * 8, addressBytes + 1 + 4 + 2 * 8};
+    const uint8_t kind = index[kindOffset];
+    return kind < leastBytes.size() && LittleEndian(index.subspan(recordBytesOffset, 2)) >= leastBytes[kind];
+}
+
+std::vector<uint64_t> HdfBlocks::RecordsPerNode(std::span<const uint8_t> index) const
+{
+    constexpr uint64_t prefixBytes = 10;
+    constexpr uint64_t greatestHeight = 16;
+    constexpr uint64_t mostRecords = uint64_t{1} << 40;
+    if (index.size() < indexBytes)
+        return {};
+    const uint64_t nodeBytes = LittleEndian(index.subspan(nodeBytesOffset, 4));
+    const uint64_t recordBytes = LittleEndian(index.subspan(recordBytesOffset, 2));
+    const uint64_t height = LittleEndian(index.subspan(heightOffset, 2));
+    if (recordBytes == 0 || nodeBytes < prefixBytes + recordBytes || height > greatestHeight)
+        return {};
+
+    std::vector<uint64_t> room = {(nodeBytes - prefixBytes) / recordBytes};
+    uint64_t below = room.front();
+    for (uint64_t level = 1; level <= height; ++level)
+    {
+        const uint64_t pointerBytes =
+            addressBytes + BytesFor(room.front()) + (level == 1 ? 0 : BytesFor(below));
+        if (nodeBytes < prefixBytes + recordBytes + 2 * pointerBytes || below > mostRecords)
+            return {};
+        room.push_back((nodeBytes - prefixBytes - pointerBytes) / (recordBytes + pointerBytes));
+        below = (room.back() + 1) * below + room.back();
+    }
+    return room;
+}
+
+bool HdfBlocks::HasRoomForRecords(const void* request, bool isLeaf) const
+{
+    // What the library's functions for the nodes of an index are told.
+    struct NodeRequest
+    {
+        const void* file;
+        const void* index;
+        const void* parent;
+        uint16_t recordCount;
+        uint16_t height;
+    };
+    static_assert(offsetof(NodeRequest, height) == 26);
+    if (!request)
+        return false;
+    NodeRequest node{};
+    std::memcpy(&node, request, isLeaf ? offsetof(NodeRequest, height) : offsetof(NodeRequest, height) + 2);
+    const auto index = recordsPerNode.find(node.index);
+    return index != recordsPerNode.end() && node.height < index->second.size() &&
+           node.recordCount <= index->second[node.height];
+}
+
+} // namespace Tav::Imaging::RawImage
