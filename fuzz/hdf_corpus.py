@@ -1,5 +1,7 @@
 """Small HDF5 files for the fuzzer, of every structure that the HDF5 library reads on our behalf."""
 
+import io
+
 import h5py
 import numpy
 
@@ -25,23 +27,24 @@ def jpeg(components):
 def hdf(fill, libver="earliest", **creation):
     """The bytes of a file that `fill` has written into, without the times of writing."""
     access = h5py.h5p.create(h5py.h5p.FILE_ACCESS)
-    access.set_fapl_core(512, False)
+    content = io.BytesIO()
+    access.set_fileobj_driver(h5py.h5fd.fileobj_driver, content)
     bound = {"earliest": h5py.h5f.LIBVER_EARLIEST, "latest": h5py.h5f.LIBVER_LATEST}[libver]
     access.set_libver_bounds(bound, h5py.h5f.LIBVER_LATEST)
     creation_list = h5py.h5p.create(h5py.h5p.FILE_CREATE)
     if "address_bytes" in creation:
         creation_list.set_sizes(creation["address_bytes"], creation["address_bytes"])
     # The name is only asked for.
-    file = h5py.File(h5py.h5f.create(b"lumora_seed", h5py.h5f.ACC_TRUNC, creation_list, access))
-    fill(file)
-    file.flush()
-    content = file.id.get_file_image()
-    file.close()
-    return content
+    with h5py.File(h5py.h5f.create(b"lumora_seed", h5py.h5f.ACC_TRUNC, creation_list, access)) as file:
+        fill(file)
+    return content.getvalue()
 
 
 def fixed_text(item, name, text):
-    item.attrs.create(name, text, dtype=f"S{len(text) + 1}")
+    kind = h5py.h5t.C_S1.copy()
+    kind.set_size(len(text) + 1)
+    attribute = h5py.h5a.create(item.id, name.encode(), kind, h5py.h5s.create(h5py.h5s.SCALAR))
+    attribute.write(numpy.array(text, dtype=f"S{len(text) + 1}"), kind)
 
 
 def as_image(dataset, interlace=b""):
@@ -96,7 +99,7 @@ def layouts():
 
 def elements():
     for code in ("u1", "u4", "i1", "i2", ">i4", "f4", ">f8", "i8", "f2"):
-        yield f"type_{code.strip('>')}", stored("image", dtype=code, compression="gzip")
+        yield f"type_{code.strip('>')}", stored("image", dtype=code)
     compound = numpy.dtype([("a", "u1"), ("b", [("c", "f4", (2,)), ("d", "S3")])])
 
     def types(file):
@@ -134,7 +137,7 @@ def pictures():
 
     def series(file):
         group = file.create_group("data/image/0001")
-        group.create_dataset("Data", data=samples((SIDE, SIDE, 2), "u1"), track_times=False)
+        group.create_dataset("Data", data=samples((SIDE, SIDE, 2), "u2"), track_times=False)
         for name, text in (("Version", '{"format": "Series", "version": "1.2"}'),
                            ("Info", '{"applicationVersion": "3.4-beta"}')):
             file.create_dataset(name, data=[text], dtype=h5py.string_dtype("ascii"), track_times=False)
@@ -179,8 +182,7 @@ def structures():
     yield "elsewhere", elsewhere
 
     def attributes(file):
-        image = file.create_dataset("image", (SIDE, SIDE), "u2", compression="gzip", track_times=False)
-        image[0, 0] = 1
+        image = file.create_dataset("image", data=samples((SIDE, SIDE), "u2"), track_times=False)
         for i in range(10):
             image.attrs[f"attribute {i}"] = i
         image.attrs["text"] = "of no fixed length"
@@ -199,4 +201,4 @@ def hdf_files():
         for kinds in (layouts, elements, pictures, structures):
             for name, fill in kinds():
                 yield f"hdf_{name}_{version}", hdf(fill, version)
-    yield "hdf_short_addresses", hdf(stored("image", compression="gzip"), address_bytes=4)
+    yield "hdf_short_addresses", hdf(stored("image"), address_bytes=4)
