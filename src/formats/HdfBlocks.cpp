@@ -96,6 +96,12 @@ bool HdfBlocks::IsCollectionFinite(std::span<const uint8_t> collection) const no
     const auto aligned = [](uint64_t bytes) { return (bytes + alignment - 1) / alignment * alignment; };
     // As many bytes come before the objects as before the contents of each.
     const uint64_t headerBytes = aligned(alignment + lengthBytes);
+    if (collection.size() < headerBytes)
+        return true;
+    const uint64_t collectionBytes =
+        LittleEndian(collection.subspan(alignment, static_cast<size_t>(lengthBytes)));
+    collection =
+        collection.first(static_cast<size_t>(std::min<uint64_t>(collectionBytes, collection.size())));
     uint64_t place = headerBytes;
     while (place <= collection.size() && collection.size() - place >= headerBytes)
     {

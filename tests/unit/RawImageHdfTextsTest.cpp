@@ -84,6 +84,17 @@ TEST(HdfReader, TakesTheFirstOfSeveralTexts)
     EXPECT_EQ(open.image.Reader()->software, L"");
 }
 
+TEST(HdfReader, ReadsTextsWhateverFollowsThemInTheFile)
+{
+    const FileOpen open{Hdf5File()
+                            .Strings("/Version", {version})
+                            .DataSet("/image", H5T_STD_U16LE, {512, 512}, std::vector<uint8_t>(512 * 512 * 2))
+                            .Build(),
+                        readModeHeader};
+    ASSERT_TRUE(open.succeeded);
+    EXPECT_EQ(open.image.Reader()->formatDetails, L"Data version: Frame 1.1");
+}
+
 TEST(HdfReader, TakesTextsFromTheRootGroupOnly)
 {
     const FileOpen open{Hdf5File()
