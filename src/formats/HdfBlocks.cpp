@@ -5,13 +5,18 @@
 #include <bit>
 #include <cstddef>
 #include <cstring>
-#include <string_view>
+
+// How the library describes its kinds of blocks: collections of variable-length data, and the second kind of
+// index.
+extern "C" const uint8_t H5AC_GHEAP[];
+extern "C" const uint8_t H5AC_BT2_HDR[];
+extern "C" const uint8_t H5AC_BT2_INT[];
+extern "C" const uint8_t H5AC_BT2_LEAF[];
 
 namespace Tav::Imaging::RawImage {
 
 namespace {
 
-constexpr size_t signatureBytes = 4;
 /// Where the second kind of index says of what kind its records are, and how large.
 constexpr size_t kindOffset = 5;
 constexpr size_t nodeBytesOffset = 6;
@@ -40,11 +45,6 @@ uint64_t LittleEndian(std::span<const uint8_t> bytes) noexcept
     return value;
 }
 
-std::string_view Signature(std::span<const uint8_t> block) noexcept
-{
-    return {reinterpret_cast<const char*>(block.data()), std::min(block.size(), signatureBytes)};
-}
-
 /// How many bytes it takes to store numbers up to a limit.
 uint64_t BytesFor(uint64_t limit) noexcept
 {
@@ -64,24 +64,22 @@ HdfBlocks::HdfBlocks(std::span<const uint8_t> wholeFile) : file(FromSuperblock(w
     lengthBytes = file[offset + 1];
 }
 
-bool HdfBlocks::IsSound(uint64_t address, const void* request) const
+bool HdfBlocks::IsSound(const void* kind, uint64_t address, const void* request) const
 {
     const auto block = At(address);
-    const std::string_view signature = Signature(block);
-    if (signature == "GCOL")
+    if (kind == H5AC_GHEAP)
         return IsCollectionFinite(block);
-    if (signature == "BTHD")
+    if (kind == H5AC_BT2_HDR)
         return HasWholeRecords(block) && !RecordsPerNode(block).empty();
-    if (signature == "BTLF" || signature == "BTIN")
-        return HasRoomForRecords(request, signature == "BTLF");
+    if (kind == H5AC_BT2_LEAF || kind == H5AC_BT2_INT)
+        return HasRoomForRecords(request, kind == H5AC_BT2_LEAF);
     return true;
 }
 
-void HdfBlocks::Remember(uint64_t address, const void* object)
+void HdfBlocks::Remember(const void* kind, uint64_t address, const void* object)
 {
-    const auto block = At(address);
-    if (Signature(block) == "BTHD")
-        recordsPerNode[object] = RecordsPerNode(block);
+    if (kind == H5AC_BT2_HDR)
+        recordsPerNode[object] = RecordsPerNode(At(address));
 }
 
 std::span<const uint8_t> HdfBlocks::At(uint64_t address) const noexcept

@@ -14,12 +14,12 @@ public:
     /// Takes the whole file, which must outlive this object.
     explicit HdfBlocks(std::span<const uint8_t> wholeFile);
 
-    /// False for a block that must not reach the library. `request` is what the library's own function for
-    /// this kind of block is told, besides the address.
-    [[nodiscard]] bool IsSound(uint64_t address, const void* request) const;
+    /// False for a block that must not reach the library. `kind` and `request` are what the library's own
+    /// function for blocks of this kind is told, besides the address.
+    [[nodiscard]] bool IsSound(const void* kind, uint64_t address, const void* request) const;
 
     /// Notes which of the library's objects stands for the block at an address.
-    void Remember(uint64_t address, const void* object);
+    void Remember(const void* kind, uint64_t address, const void* object);
 
 private:
     [[nodiscard]] std::span<const uint8_t> At(uint64_t address) const noexcept;

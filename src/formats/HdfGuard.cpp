@@ -76,10 +76,11 @@ void* Allocate(size_t count, size_t bytes) noexcept
 HdfGuard::HdfGuard(std::span<const uint8_t> file) : blocks(file)
 {
     constexpr uint64_t bytesForAnyFile = 0x4000000;
-    constexpr uint64_t stepsForAnyFile = 10000000;
+    constexpr uint64_t stepsForAnyFile = 16000000;
+    constexpr uint64_t stepsPerByte = 16;
     allowance = {.isLimited = true,
                  .mostBytes = bytesForAnyFile + 4 * file.size(),
-                 .steps = stepsForAnyFile + 4 * file.size(),
+                 .steps = stepsForAnyFile + stepsPerByte * file.size(),
                  .stackTop = StackPlace(),
                  .blocks = &blocks};
 }
@@ -167,11 +168,11 @@ void* __wrap_H5C_protect(H5F_t* file, const H5C_class_t* kind, uint64_t address,
         return __real_H5C_protect(file, kind, address, data, flags);
     try
     {
-        if (!TakeHdfStep() || !HasStack() || !allowance.blocks->IsSound(address, data))
+        if (!TakeHdfStep() || !HasStack() || !allowance.blocks->IsSound(kind, address, data))
             return nullptr;
         void* const object = __real_H5C_protect(file, kind, address, data, flags);
         if (object)
-            allowance.blocks->Remember(address, object);
+            allowance.blocks->Remember(kind, address, object);
         return object;
     }
     catch (const std::bad_alloc&)

@@ -4,5 +4,7 @@
 extern "C" const char* __lsan_default_suppressions()
 {
     return "leak:H5O__add_cont_msg\n"
-           "leak:H5D__chunk_init\n";
+           "leak:H5O__dtype_decode_helper\n"
+           "leak:H5D__layout_oh_read\n"
+           "leak:H5A__dense_build_table\n";
 }

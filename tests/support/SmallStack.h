@@ -11,20 +11,27 @@
 
 #include <gtest/gtest.h>
 
-/// Runs a function on a thread of its own that has a stack of so many bytes, as a host's thread may have.
+/// Runs a function on a stack of so many bytes, as a host's thread may have.
 inline void RunOnSmallStack(size_t stackBytes, const std::function<void()>& function)
 {
-    const void* const argument = &function;
 #ifdef _WIN32
-    const auto run = [](void* called) -> DWORD {
-        (*static_cast<const std::function<void()>*>(called))();
-        return 0;
+    // A fiber: the C++ runtime does not clear up after threads that it has not made itself.
+    struct Run
+    {
+        const std::function<void()>& function;
+        void* caller;
     };
-    const HANDLE thread = CreateThread(nullptr, stackBytes, run, const_cast<void*>(argument),
-                                       STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr);
-    ASSERT_TRUE(thread);
-    WaitForSingleObject(thread, INFINITE);
-    CloseHandle(thread);
+    Run run{function, ConvertThreadToFiber(nullptr)};
+    const auto start = [](void* argument) {
+        const Run& called = *static_cast<Run*>(argument);
+        called.function();
+        SwitchToFiber(called.caller);
+    };
+    void* const fiber = CreateFiberEx(0x1000, stackBytes, 0, start, &run);
+    ASSERT_TRUE(run.caller && fiber);
+    SwitchToFiber(fiber);
+    DeleteFiber(fiber);
+    ConvertFiberToThread();
 #else
     const auto run = [](void* called) -> void* {
         (*static_cast<const std::function<void()>*>(called))();
@@ -34,7 +41,7 @@ inline void RunOnSmallStack(size_t stackBytes, const std::function<void()>& func
     pthread_attr_init(&attributes);
     pthread_attr_setstacksize(&attributes, stackBytes);
     pthread_t thread;
-    ASSERT_EQ(pthread_create(&thread, &attributes, run, const_cast<void*>(argument)), 0);
+    ASSERT_EQ(pthread_create(&thread, &attributes, run, const_cast<std::function<void()>*>(&function)), 0);
     pthread_join(thread, nullptr);
     pthread_attr_destroy(&attributes);
 #endif
