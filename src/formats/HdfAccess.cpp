@@ -61,8 +61,9 @@ uint64_t ChunkBytes(hid_t dataset)
     return bytes;
 }
 
-/// A chunk is unpacked whole. One that is larger than any file that is opened serves to exhaust memory only.
-bool HasReasonableChunks(hid_t dataset)
+/// Makes ready to read a dataset, whose chunks are unpacked whole. False where one is larger than any file
+/// that is opened: it serves to exhaust memory only.
+bool PrepareChunks(hid_t dataset)
 {
     constexpr uint64_t largestChunk = 0x20000000;
     const uint64_t chunkBytes = ChunkBytes(dataset);
@@ -106,7 +107,7 @@ hid_t OpenHdfFileImage(IStream* stream, uint64_t size, std::vector<uint8_t>& ima
 bool ReadHdfStringDataset(hid_t location, const std::string& name, std::string& value)
 {
     const HdfDataSet dataset{H5Dopen2(location, name.c_str(), H5P_DEFAULT)};
-    if (!dataset.IsOpen() || IsStoredElsewhere(dataset.id) || !HasReasonableChunks(dataset.id))
+    if (!dataset.IsOpen() || IsStoredElsewhere(dataset.id) || !PrepareChunks(dataset.id))
         return false;
     const HdfDataSpace space{H5Dget_space(dataset.id)};
     hsize_t count = 0;
@@ -170,14 +171,14 @@ bool ReadHdfDataset(hid_t dataset, hid_t memoryType, uint64_t elementCount, void
 {
     const HdfDataSpace space{H5Dget_space(dataset)};
     const hssize_t count = space.IsOpen() ? H5Sget_simple_extent_npoints(space.id) : -1;
-    return count >= 0 && static_cast<uint64_t>(count) == elementCount && HasReasonableChunks(dataset) &&
+    return count >= 0 && static_cast<uint64_t>(count) == elementCount && PrepareChunks(dataset) &&
            H5Dread(dataset, memoryType, H5S_ALL, H5S_ALL, H5P_DEFAULT, buffer) >= 0;
 }
 
 bool ReadHdfSeriesFrame(hid_t location, const HdfImageEntry& entry, uint8_t* buffer)
 {
     const HdfDataSet dataset{H5Dopen2(location, entry.path.c_str(), H5P_DEFAULT)};
-    if (!dataset.IsOpen() || IsStoredElsewhere(dataset.id) || !HasReasonableChunks(dataset.id))
+    if (!dataset.IsOpen() || !PrepareChunks(dataset.id))
         return false;
     const HdfDataType type{H5Dget_type(dataset.id)};
     const HdfDataType native{H5Tget_native_type(type.id, H5T_DIR_ASCEND)};
