@@ -45,12 +45,11 @@ bool PrepareLibrary()
 }
 
 /// The bytes of one chunk in memory; 0 for a dataset that has no chunks.
-uint64_t ChunkBytes(hid_t dataset)
+uint64_t ChunkBytes(hid_t dataset, hid_t creation)
 {
-    const HdfPropertyList creation{H5Dget_create_plist(dataset)};
     std::array<hsize_t, H5S_MAX_RANK> sides{};
     const int rank =
-        H5Pget_layout(creation.id) == H5D_CHUNKED ? H5Pget_chunk(creation.id, H5S_MAX_RANK, sides.data()) : 0;
+        H5Pget_layout(creation) == H5D_CHUNKED ? H5Pget_chunk(creation, H5S_MAX_RANK, sides.data()) : 0;
     if (rank <= 0)
         return 0;
     const HdfDataType type{H5Dget_type(dataset)};
@@ -61,14 +60,21 @@ uint64_t ChunkBytes(hid_t dataset)
     return bytes;
 }
 
+/// Says which chunks the library will meet in a dataset; their size in bytes, 0 where there are none.
+uint64_t ExpectChunks(hid_t dataset)
+{
+    const HdfPropertyList creation{H5Dget_create_plist(dataset)};
+    const uint64_t chunkBytes = ChunkBytes(dataset, creation.id);
+    ExpectHdfChunks(chunkBytes, H5Pget_nfilters(creation.id) > 0);
+    return chunkBytes;
+}
+
 /// Makes ready to read a dataset, whose chunks are unpacked whole. False where one is larger than any file
 /// that is opened: it serves to exhaust memory only.
 bool PrepareChunks(hid_t dataset)
 {
     constexpr uint64_t largestChunk = 0x20000000;
-    const uint64_t chunkBytes = ChunkBytes(dataset);
-    ExpectHdfChunks(chunkBytes);
-    return chunkBytes <= largestChunk;
+    return ExpectChunks(dataset) <= largestChunk;
 }
 
 } // namespace
@@ -164,6 +170,8 @@ PixelType NativePixelType(hid_t dataset)
 bool IsStoredElsewhere(hid_t dataset)
 {
     const HdfPropertyList creation{H5Dget_create_plist(dataset)};
+    // What comes next may look into the index of chunks.
+    ExpectChunks(dataset);
     return H5Pget_layout(creation.id) == H5D_VIRTUAL || H5Pget_external_count(creation.id) != 0;
 }
 

@@ -12,6 +12,8 @@ extern "C" const uint8_t H5AC_GHEAP[];
 extern "C" const uint8_t H5AC_BT2_HDR[];
 extern "C" const uint8_t H5AC_BT2_INT[];
 extern "C" const uint8_t H5AC_BT2_LEAF[];
+extern "C" const uint8_t H5AC_EARRAY_HDR[];
+extern "C" const uint8_t H5AC_FARRAY_HDR[];
 
 namespace Tav::Imaging::RawImage {
 
@@ -23,6 +25,23 @@ constexpr size_t nodeBytesOffset = 6;
 constexpr size_t recordBytesOffset = 10;
 constexpr size_t heightOffset = 12;
 constexpr size_t indexBytes = 14;
+
+constexpr uint32_t mostDimensions = 32;
+
+/// What the library's functions for the beginning of an index or of an array of chunks are told.
+struct IndexRequest
+{
+    const void* file;
+    uint64_t address;
+    /// Nothing for attributes and links; the file for what belongs to a heap; for chunks, this.
+    const void* context;
+};
+struct ChunkContext
+{
+    const void* file;
+    uint32_t chunkBytes;
+    uint32_t dimensions;
+};
 
 std::span<const uint8_t> FromSuperblock(std::span<const uint8_t> file) noexcept
 {
@@ -70,7 +89,9 @@ bool HdfBlocks::IsSound(const void* kind, uint64_t address, const void* request)
     if (kind == H5AC_GHEAP)
         return IsCollectionFinite(block);
     if (kind == H5AC_BT2_HDR)
-        return HasWholeRecords(block) && !RecordsPerNode(block).empty();
+        return HasExpectedRecords(block, request) && !RecordsPerNode(block).empty();
+    if (kind == H5AC_EARRAY_HDR || kind == H5AC_FARRAY_HDR)
+        return HasExpectedElements(block, request);
     if (kind == H5AC_BT2_LEAF || kind == H5AC_BT2_INT)
         return HasRoomForRecords(request, kind == H5AC_BT2_LEAF);
     return true;
@@ -116,26 +137,61 @@ bool HdfBlocks::IsCollectionFinite(std::span<const uint8_t> collection) const no
     return true;
 }
 
-bool HdfBlocks::HasWholeRecords(std::span<const uint8_t> index) const
+bool HdfBlocks::HasExpectedRecords(std::span<const uint8_t> index, const void* request) const noexcept
 {
-    if (index.size() < indexBytes)
+    if (index.size() < indexBytes || !request)
         return false;
-    // What the library reads of a record.
-    const std::array<uint64_t, 12> leastBytes = {
-        UINT64_MAX,
-        // Large objects of a heap, also filtered, and without indirection.
-        addressBytes + 2 * lengthBytes, addressBytes + 3 * lengthBytes + 4, addressBytes + lengthBytes,
-        addressBytes + 2 * lengthBytes + 4,
-        // Links by name and by time.
-        4 + 7, 8 + 7,
-        // Shared messages.
-        1 + 4 + std::max<uint64_t>(4 + 8, 1 + 2 + addressBytes),
-        // Attributes by name and by time.
-        8 + 1 + 4 + 4, 8 + 1 + 4,
-        // Chunks in two dimensions or more, also filtered.
-        addressBytes + 2 * 8, addressBytes + 1 + 4 + 2 * 8};
+    // Large objects of a heap, also filtered, and without indirection; links by name and by time; shared
+    // messages; attributes by name and by time.
+    const std::array<uint64_t, 10> leastBytes = {0,
+                                                 addressBytes + 2 * lengthBytes,
+                                                 addressBytes + 3 * lengthBytes + 4,
+                                                 addressBytes + lengthBytes,
+                                                 addressBytes + 2 * lengthBytes + 4,
+                                                 4 + 7,
+                                                 8 + 7,
+                                                 0,
+                                                 8 + 1 + 4 + 4,
+                                                 8 + 1 + 4};
+    constexpr uint8_t firstOfLinks = 5;
+    constexpr uint8_t firstOfAttributes = 8;
+    constexpr uint8_t chunks = 10;
     const uint8_t kind = index[kindOffset];
-    return kind < leastBytes.size() && LittleEndian(index.subspan(recordBytesOffset, 2)) >= leastBytes[kind];
+    const uint64_t recordBytes = LittleEndian(index.subspan(recordBytesOffset, 2));
+    IndexRequest asked{};
+    std::memcpy(&asked, request, sizeof(asked));
+    if (asked.context && asked.context != asked.file)
+    {
+        ChunkContext context{};
+        std::memcpy(&context, asked.context, sizeof(context));
+        return kind == (areChunksFiltered ? chunks + 1 : chunks) && context.dimensions <= mostDimensions &&
+               recordBytes >= ChunkRecordBytes(context.chunkBytes) + 8 * uint64_t{context.dimensions};
+    }
+    const uint8_t first = asked.context ? 1 : isInAttributes ? firstOfAttributes : firstOfLinks;
+    const uint8_t count = asked.context ? 4 : 2;
+    return kind >= first && kind < first + count && recordBytes >= leastBytes[kind];
+}
+
+bool HdfBlocks::HasExpectedElements(std::span<const uint8_t> array, const void* request) const noexcept
+{
+    // Signature and version come first.
+    constexpr size_t elementBytesOffset = 6;
+    if (array.size() <= elementBytesOffset || !request)
+        return false;
+    IndexRequest asked{};
+    std::memcpy(&asked, request, sizeof(asked));
+    if (!asked.context)
+        return false;
+    ChunkContext context{};
+    std::memcpy(&context, asked.context, offsetof(ChunkContext, dimensions));
+    return array[kindOffset] == (areChunksFiltered ? 1 : 0) &&
+           array[elementBytesOffset] >= ChunkRecordBytes(context.chunkBytes);
+}
+
+uint64_t HdfBlocks::ChunkRecordBytes(uint32_t chunkBytes) const noexcept
+{
+    // A filter may make a chunk larger.
+    return addressBytes + (areChunksFiltered ? 1 + BytesFor(chunkBytes) + 4 : 0);
 }
 
 std::vector<uint64_t> HdfBlocks::RecordsPerNode(std::span<const uint8_t> index) const

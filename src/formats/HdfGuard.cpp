@@ -71,12 +71,29 @@ void* Allocate(size_t count, size_t bytes) noexcept
     return memory;
 }
 
+/// While it lives, the library looks for attributes.
+class AmongAttributes
+{
+public:
+    AmongAttributes() noexcept : before(allowance.blocks && allowance.blocks->ExpectAttributes(true)) {}
+    AmongAttributes(const AmongAttributes&) = delete;
+    AmongAttributes& operator=(const AmongAttributes&) = delete;
+    ~AmongAttributes()
+    {
+        if (allowance.blocks)
+            allowance.blocks->ExpectAttributes(before);
+    }
+
+private:
+    bool before;
+};
+
 } // namespace
 
 HdfGuard::HdfGuard(std::span<const uint8_t> file) : blocks(file)
 {
     constexpr uint64_t bytesForAnyFile = 0x4000000;
-    constexpr uint64_t stepsForAnyFile = 16000000;
+    constexpr uint64_t stepsForAnyFile = 2000000;
     constexpr uint64_t stepsPerByte = 16;
     allowance = {.isLimited = true,
                  .mostBytes = bytesForAnyFile + 4 * file.size(),
@@ -90,9 +107,11 @@ HdfGuard::~HdfGuard()
     allowance = {};
 }
 
-void ExpectHdfChunks(uint64_t chunkBytes) noexcept
+void ExpectHdfChunks(uint64_t chunkBytes, bool areFiltered) noexcept
 {
     allowance.chunkBytes = chunkBytes;
+    if (allowance.blocks)
+        allowance.blocks->ExpectFilters(areFiltered);
 }
 
 bool TakeHdfStep() noexcept
@@ -206,6 +225,41 @@ int __real_H5B2_delete(H5F_t* file, uint64_t address, void* context, void* callb
 int __wrap_H5B2_delete(H5F_t* file, uint64_t address, void* context, void* callback, void* data)
 {
     return allowance.isLimited ? 0 : __real_H5B2_delete(file, address, context, callback, data);
+}
+
+// The functions that look for attributes in an index, which is like that of a group's members.
+struct H5O_ainfo_t;
+struct H5A_t;
+H5A_t* __real_H5A__dense_open(H5F_t* file, const H5O_ainfo_t* place, const char* name);
+int __real_H5A__dense_exists(H5F_t* file, const H5O_ainfo_t* place, const char* name, bool* exists);
+int __real_H5A__dense_iterate(H5F_t* file, int64_t location, const H5O_ainfo_t* place, int index, int order,
+                              uint64_t skip, uint64_t* last, const void* operation, void* data);
+
+int __real_H5A__get_ainfo(H5F_t* file, void* header, H5O_ainfo_t* place);
+
+int __wrap_H5A__get_ainfo(H5F_t* file, void* header, H5O_ainfo_t* place)
+{
+    const AmongAttributes scope;
+    return __real_H5A__get_ainfo(file, header, place);
+}
+
+H5A_t* __wrap_H5A__dense_open(H5F_t* file, const H5O_ainfo_t* place, const char* name)
+{
+    const AmongAttributes scope;
+    return __real_H5A__dense_open(file, place, name);
+}
+
+int __wrap_H5A__dense_exists(H5F_t* file, const H5O_ainfo_t* place, const char* name, bool* exists)
+{
+    const AmongAttributes scope;
+    return __real_H5A__dense_exists(file, place, name, exists);
+}
+
+int __wrap_H5A__dense_iterate(H5F_t* file, int64_t location, const H5O_ainfo_t* place, int index, int order,
+                              uint64_t skip, uint64_t* last, const void* operation, void* data)
+{
+    const AmongAttributes scope;
+    return __real_H5A__dense_iterate(file, location, place, index, order, skip, last, operation, data);
 }
 
 int __real_H5AC_mark_entry_dirty(void* entry);

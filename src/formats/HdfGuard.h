@@ -26,8 +26,8 @@ private:
 /// Counts a piece of work that the library does for us; false when there has been too much of it.
 [[nodiscard]] bool TakeHdfStep() noexcept;
 
-/// Tells how many bytes a chunk of the dataset that is read next has; 0 when there are no chunks. Chunks that
-/// unpack to less are refused.
-void ExpectHdfChunks(uint64_t chunkBytes) noexcept;
+/// Tells how many bytes a chunk of the dataset that is read next has, and whether they have been through
+/// filters; 0 when there are no chunks. Chunks that unpack to less are refused, and an index of others.
+void ExpectHdfChunks(uint64_t chunkBytes, bool areFiltered) noexcept;
 
 } // namespace Tav::Imaging::RawImage
