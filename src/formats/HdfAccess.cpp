@@ -69,12 +69,32 @@ uint64_t ExpectChunks(hid_t dataset)
     return chunkBytes;
 }
 
+/// False for filters that read more than there is when their input is too short: those that pack samples in
+/// bits, and a check sum of what another filter has unpacked.
+bool HasSafeFilters(hid_t dataset)
+{
+    const HdfPropertyList creation{H5Dget_create_plist(dataset)};
+    const int count = H5Pget_nfilters(creation.id);
+    for (int i = 0; i < count; ++i)
+    {
+        unsigned flags = 0;
+        unsigned configuration = 0;
+        size_t valueCount = 0;
+        const H5Z_filter_t filter = H5Pget_filter2(creation.id, static_cast<unsigned>(i), &flags, &valueCount,
+                                                   nullptr, 0, nullptr, &configuration);
+        if (filter != H5Z_FILTER_DEFLATE && filter != H5Z_FILTER_SHUFFLE &&
+            (filter != H5Z_FILTER_FLETCHER32 || i + 1 < count))
+            return false;
+    }
+    return count >= 0;
+}
+
 /// Makes ready to read a dataset, whose chunks are unpacked whole. False where one is larger than any file
 /// that is opened: it serves to exhaust memory only.
 bool PrepareChunks(hid_t dataset)
 {
     constexpr uint64_t largestChunk = 0x20000000;
-    return ExpectChunks(dataset) <= largestChunk;
+    return ExpectChunks(dataset) <= largestChunk && HasSafeFilters(dataset);
 }
 
 } // namespace

@@ -6,9 +6,10 @@
 #include <cstddef>
 #include <cstring>
 
-// How the library describes its kinds of blocks: collections of variable-length data, and the second kind of
-// index.
+// How the library describes its kinds of blocks: collections of variable-length data, heaps, and the second
+// kind of index.
 extern "C" const uint8_t H5AC_GHEAP[];
+extern "C" const uint8_t H5AC_FHEAP_HDR[];
 extern "C" const uint8_t H5AC_BT2_HDR[];
 extern "C" const uint8_t H5AC_BT2_INT[];
 extern "C" const uint8_t H5AC_BT2_LEAF[];
@@ -70,6 +71,15 @@ uint64_t BytesFor(uint64_t limit) noexcept
     return limit == 0 ? 1 : (std::bit_width(limit) - 1) / 8 + 1;
 }
 
+/// True for a heap of links or attributes whose blocks have to be unpacked. Nobody packs them, and a block
+/// may turn out shorter than the library takes it to be.
+bool IsFilteredHeap(std::span<const uint8_t> heap) noexcept
+{
+    // Signature, version and the size of an identifier come first.
+    constexpr size_t filterBytesOffset = 7;
+    return heap.size() >= filterBytesOffset + 2 && LittleEndian(heap.subspan(filterBytesOffset, 2)) != 0;
+}
+
 } // namespace
 
 HdfBlocks::HdfBlocks(std::span<const uint8_t> wholeFile) : file(FromSuperblock(wholeFile))
@@ -88,6 +98,8 @@ bool HdfBlocks::IsSound(const void* kind, uint64_t address, const void* request)
     const auto block = At(address);
     if (kind == H5AC_GHEAP)
         return IsCollectionFinite(block);
+    if (kind == H5AC_FHEAP_HDR)
+        return !IsFilteredHeap(block);
     if (kind == H5AC_BT2_HDR)
         return HasExpectedRecords(block, request) && !RecordsPerNode(block).empty();
     if (kind == H5AC_EARRAY_HDR || kind == H5AC_FARRAY_HDR)

@@ -213,6 +213,10 @@ int __real_H5Z_pipeline(const H5O_pline_t* filters, unsigned flags, unsigned* ma
 int __wrap_H5Z_pipeline(const H5O_pline_t* filters, unsigned flags, unsigned* mask, int checks,
                         FilterCallback callback, size_t* byteCount, size_t* bufferBytes, void** buffer)
 {
+    // A check sum alone has so many bytes.
+    constexpr size_t sumBytes = 4;
+    if (allowance.isLimited && *byteCount <= sumBytes)
+        return -1;
     const int result =
         __real_H5Z_pipeline(filters, flags, mask, checks, callback, byteCount, bufferBytes, buffer);
     const bool isShort = allowance.isLimited && *byteCount < allowance.chunkBytes;
