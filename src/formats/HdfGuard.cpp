@@ -200,6 +200,16 @@ void* __wrap_H5C_protect(H5F_t* file, const H5C_class_t* kind, uint64_t address,
     }
 }
 
+struct H5S_t;
+int __real_H5S_select_deserialize(H5S_t** space, const uint8_t** encoded, size_t encodedBytes);
+
+/// Decodes which samples of another file a virtual dataset shows. We show none, and the library believes any
+/// number of dimensions.
+int __wrap_H5S_select_deserialize(H5S_t** space, const uint8_t** encoded, size_t encodedBytes)
+{
+    return allowance.isLimited ? -1 : __real_H5S_select_deserialize(space, encoded, encodedBytes);
+}
+
 struct H5O_pline_t;
 struct FilterCallback
 {
