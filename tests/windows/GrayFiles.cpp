@@ -72,7 +72,7 @@ std::vector<uint8_t> SerGray()
     return file.Build();
 }
 
-constexpr uint32_t hdfSide = 256;
+constexpr uint32_t hdfSide = 1024;
 
 /// The picture over and over, for the format that shows no small ones.
 Picture Repeated(const Picture& picture)
@@ -109,7 +109,7 @@ std::vector<GrayFile> GrayFiles()
     return {
         {"gray.dm3", DmGray(DmLayout{3}), {pictures[0]}, L"Gatan Digital Micrograph", L""},
         {"gray.dm4", DmGray(DmLayout{4}), {pictures[0]}, L"Gatan Digital Micrograph", L""},
-        {"gray.h5", HdfGray(large), large, L"Frame 2.10", L"Data version: Frame 1.1", hdfSide, 0x10000},
+        {"gray.h5", HdfGray(large), large, L"Frame 2.10", L"Data version: Frame 1.1", hdfSide, 0x200000},
         {"gray.ser", SerGray(), pictures, L"Pellox", L""},
         {"gray.emi",
          EmiFile()
