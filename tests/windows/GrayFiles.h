@@ -15,8 +15,9 @@ struct GrayFile
     /// Empty where the format has none to tell.
     std::wstring formatDetails;
     uint32_t width = 4;
-    /// The smallest request for memory that may be refused while the file is opened. The HDF5 library does not
-    /// survive every refusal; the blocks for the file and its frame, which are ours, are larger than its own.
+    /// The smallest request for memory that may be refused while the file is opened. The HDF5 library does
+    /// not survive every refusal; the blocks for the file and its frame, which are ours, are larger than its
+    /// own.
     size_t smallestRefusal = 0;
 };
 
