@@ -67,12 +67,9 @@ STDAPI DllUnregisterServer()
     return S_OK;
 }
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* isProcessEnding)
+extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void*)
 {
     if (reason == DLL_PROCESS_ATTACH)
         DisableThreadLibraryCalls(instance);
-    // At the end of the process its other threads are gone, perhaps out of the middle of the library.
-    if (reason == DLL_PROCESS_DETACH && !isProcessEnding)
-        Tav::Imaging::RawImage::CloseHdfLibrary();
     return TRUE;
 }

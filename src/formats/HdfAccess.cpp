@@ -17,33 +17,6 @@ namespace Tav::Imaging::RawImage {
 
 namespace {
 
-enum class LibraryState
-{
-    Untouched,
-    Ready,
-    Unusable,
-};
-
-LibraryState libraryState = LibraryState::Untouched;
-
-/// Makes the library ready for files from anywhere: no plugins, no links into other files, and nothing
-/// printed on the host's console.
-bool PrepareLibrary()
-{
-    if (libraryState == LibraryState::Untouched)
-    {
-        // A library that could not begin, for want of memory, does not survive to be asked again.
-        libraryState = LibraryState::Unusable;
-        H5dont_atexit();
-        // Memory that is given back must not be found again with its old contents.
-        if (H5open() >= 0 && H5set_free_list_limits(0, 0, 0, 0, 0, 0) >= 0 &&
-            H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr) >= 0 && H5PLset_loading_state(0) >= 0 &&
-            H5Lunregister(H5L_TYPE_EXTERNAL) >= 0)
-            libraryState = LibraryState::Ready;
-    }
-    return libraryState == LibraryState::Ready;
-}
-
 /// The bytes of one chunk in memory; 0 for a dataset that has no chunks.
 uint64_t ChunkBytes(hid_t dataset, hid_t creation)
 {
@@ -99,12 +72,6 @@ bool PrepareChunks(hid_t dataset)
 
 } // namespace
 
-void CloseHdfLibrary() noexcept
-{
-    if (libraryState == LibraryState::Ready)
-        H5close();
-}
-
 hid_t OpenHdfFileImage(IStream* stream, uint64_t size, std::vector<uint8_t>& image)
 {
     if (size > std::numeric_limits<uint32_t>::max())
@@ -122,8 +89,6 @@ hid_t OpenHdfFileImage(IStream* stream, uint64_t size, std::vector<uint8_t>& ima
         return -1;
     }
     if (!ReadStreamAt(stream, 0, image.data(), static_cast<uint32_t>(size)))
-        return -1;
-    if (!PrepareLibrary())
         return -1;
     const HdfGuard guard{image};
     return H5LTopen_file_image(image.data(), image.size(),

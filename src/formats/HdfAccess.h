@@ -12,10 +12,7 @@
 
 namespace Tav::Imaging::RawImage {
 
-// Everything here uses the HDF5 library, so the caller must hold its mutex.
-
-/// Gives back what the library keeps; for a module that is unloaded while its process goes on.
-void CloseHdfLibrary() noexcept;
+// Everything here uses the HDF5 library, so the caller must have started it, which takes its mutex.
 
 /// Reads the whole stream into `image`, which must outlive the file, and opens it as a read-only HDF5 file.
 /// The file's identifier; -1, after a diagnostic line for a size that does not fit, on failure.

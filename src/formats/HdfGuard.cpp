@@ -26,6 +26,8 @@ struct Allowance
 
 Allowance allowance;
 
+HdfReserve* reserve = nullptr;
+
 uintptr_t StackPlace() noexcept
 {
     return reinterpret_cast<uintptr_t>(__builtin_frame_address(0));
@@ -60,6 +62,15 @@ void Release(void* memory) noexcept
         allowance.heldBytes -= std::min<uint64_t>(allowance.heldBytes, _msize(memory));
 }
 
+/// True where something was put by.
+bool OpenReserve() noexcept
+{
+    if (!reserve || reserve->IsOpen())
+        return false;
+    reserve->Open();
+    return true;
+}
+
 /// Memory that is clear: some of the library's structures are freed before they have been filled.
 void* Allocate(size_t count, size_t bytes) noexcept
 {
@@ -67,6 +78,8 @@ void* Allocate(size_t count, size_t bytes) noexcept
         return nullptr;
     static_cast<void>(TakeHdfStep());
     void* memory = std::calloc(count, bytes);
+    if (!memory && OpenReserve())
+        memory = std::calloc(count, bytes);
     Hold(memory);
     return memory;
 }
@@ -107,6 +120,19 @@ HdfGuard::~HdfGuard()
     allowance = {};
 }
 
+HdfReserve::HdfReserve()
+{
+    // The largest block that the library needs with any file is the table of its cache, of half a megabyte.
+    constexpr size_t enoughToClearUp = 0x400000;
+    memory = std::make_unique_for_overwrite<uint8_t[]>(enoughToClearUp);
+    reserve = this;
+}
+
+HdfReserve::~HdfReserve()
+{
+    reserve = nullptr;
+}
+
 void ExpectHdfChunks(uint64_t chunkBytes, bool areFiltered) noexcept
 {
     allowance.chunkBytes = chunkBytes;
@@ -118,7 +144,7 @@ bool TakeHdfStep() noexcept
 {
     if (!allowance.isLimited)
         return true;
-    if (allowance.steps == 0)
+    if (allowance.steps == 0 || (reserve && reserve->IsOpen()))
         return false;
     --allowance.steps;
     return true;
@@ -141,23 +167,30 @@ void* LumoraHdf_calloc(size_t count, size_t bytes)
     return Allocate(count, bytes);
 }
 
+void LumoraHdf_free(void* memory)
+{
+    Release(memory);
+    std::free(memory);
+}
+
 void* LumoraHdf_realloc(void* memory, size_t bytes)
 {
+    if (bytes == 0)
+    {
+        LumoraHdf_free(memory);
+        return nullptr;
+    }
     if (!IsAllowed(bytes))
         return nullptr;
     const size_t oldBytes = memory ? _msize(memory) : 0;
     Release(memory);
     auto* grown = static_cast<uint8_t*>(std::realloc(memory, bytes));
+    if (!grown && OpenReserve())
+        grown = static_cast<uint8_t*>(std::realloc(memory, bytes));
     Hold(grown ? grown : memory);
     if (grown && bytes > oldBytes)
         std::memset(grown + oldBytes, 0, bytes - oldBytes);
     return grown;
-}
-
-void LumoraHdf_free(void* memory)
-{
-    Release(memory);
-    std::free(memory);
 }
 
 char* LumoraHdf_strdup(const char* text)

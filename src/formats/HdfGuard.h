@@ -3,6 +3,7 @@
 #include "formats/HdfBlocks.h"
 
 #include <cstdint>
+#include <memory>
 #include <span>
 
 namespace Tav::Imaging::RawImage {
@@ -21,6 +22,25 @@ public:
 
 private:
     HdfBlocks blocks;
+};
+
+/// Memory put by for the HDF5 library, which does not survive every refusal. When there is no other left, the
+/// library gets this for clearing up, and every further step under a guard is refused. One lives at a time.
+class HdfReserve
+{
+public:
+    /// Throws std::bad_alloc.
+    HdfReserve();
+    HdfReserve(const HdfReserve&) = delete;
+    HdfReserve& operator=(const HdfReserve&) = delete;
+    ~HdfReserve();
+
+    /// True once the library has needed it.
+    [[nodiscard]] bool IsOpen() const noexcept { return !memory; }
+    void Open() noexcept { memory.reset(); }
+
+private:
+    std::unique_ptr<uint8_t[]> memory;
 };
 
 /// Counts a piece of work that the library does for us; false when there has been too much of it.

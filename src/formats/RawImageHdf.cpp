@@ -7,12 +7,14 @@
 #include "formats/HdfAccess.h"
 #include "formats/HdfDiscovery.h"
 #include "formats/HdfGuard.h"
+#include "formats/HdfLibrary.h"
 #include "formats/HdfMutexLock.h"
 #include "formats/HdfObject.h"
 #include "formats/HdfSelection.h"
 
 #include <hdf5.h>
 
+#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -73,7 +75,16 @@ bool RawImageHdf::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
     entries.clear();
     if (!lock.Acquire())
         return Fail(L"Mutex timeout");
+    const HdfLibrary library;
+    const bool isRead =
+        library.IsReady() ? ReadFile(stream, streamSize, frameIndex) : Fail(L"Could not open file");
+    if (library.HasRunOutOfMemory())
+        throw std::bad_alloc();
+    return isRead;
+}
 
+bool RawImageHdf::ReadFile(IStream* stream, uint64_t streamSize, uint32_t frameIndex)
+{
     std::vector<uint8_t> image;
     const HdfFile file{OpenHdfFileImage(stream, streamSize, image)};
     if (!file.IsOpen())

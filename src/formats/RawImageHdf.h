@@ -24,6 +24,7 @@ public:
     bool Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint32_t frameIndex) override;
 
 private:
+    [[nodiscard]] bool ReadFile(IStream* stream, uint64_t streamSize, uint32_t frameIndex);
     void ReadTexts(hid_t file);
     [[nodiscard]] bool ReadGrayFrame(hid_t file, const HdfImageEntry& entry);
     [[nodiscard]] bool ReadColourFrame(hid_t file, const HdfImageEntry& entry);

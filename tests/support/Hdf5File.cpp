@@ -53,8 +53,17 @@ Hdf5File::Hdf5File() : file(NewMemoryFile()), linkCreation(Made(H5Pcreate(H5P_LI
 
 Hdf5File::~Hdf5File()
 {
+    Close();
+}
+
+void Hdf5File::Close()
+{
+    // Reading a file ends the library, and its identifiers with it.
+    if (file == H5I_INVALID_HID)
+        return;
     H5Pclose(linkCreation);
     H5Fclose(file);
+    file = H5I_INVALID_HID;
 }
 
 Hdf5File& Hdf5File::DataSet(const std::string& path, hid_t type, const std::vector<hsize_t>& sides,
@@ -173,5 +182,6 @@ std::vector<uint8_t> Hdf5File::Build()
     Done(H5Fflush(file, H5F_SCOPE_GLOBAL));
     std::vector<uint8_t> bytes(static_cast<size_t>(H5Fget_file_image(file, nullptr, 0)));
     Require(H5Fget_file_image(file, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()));
+    Close();
     return bytes;
 }

@@ -52,6 +52,8 @@ public:
     [[nodiscard]] std::vector<uint8_t> Build();
 
 private:
+    void Close();
+
     hid_t file;
     hid_t linkCreation;
 };

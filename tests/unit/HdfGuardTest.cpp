@@ -77,6 +77,19 @@ TEST(HdfGuard, CountsWork)
     EXPECT_FALSE(TakeHdfStep());
 }
 
+TEST(HdfGuard, AllowsNoWorkAfterTheEndOfMemory)
+{
+    HdfReserve reserve;
+    const HdfGuard guard{{}};
+    EXPECT_FALSE(reserve.IsOpen());
+    EXPECT_TRUE(TakeHdfStep());
+    reserve.Open();
+    EXPECT_TRUE(reserve.IsOpen());
+    EXPECT_FALSE(TakeHdfStep());
+    const HdfGuard nextGuard{{}};
+    EXPECT_FALSE(TakeHdfStep());
+}
+
 TEST(HdfGuard, LimitsNothingWhenItIsGone)
 {
     {

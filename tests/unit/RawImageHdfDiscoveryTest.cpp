@@ -134,7 +134,15 @@ TEST(HdfReader, ListsImagesByTheirTypeAndLayout)
     }
 }
 
-TEST(HdfReader, ListsEveryElementTypeThatAPictureHas)
+struct TypeRow
+{
+    const char* what;
+    std::vector<uint8_t> file;
+    PixelType pixelType;
+};
+
+/// A file of one element type each. The types are closed before the library ends, which reading does.
+std::vector<TypeRow> FilesOfElementTypes()
 {
     const HdfDataType enumeration{H5Tenum_create(H5T_STD_U16LE)};
     const uint16_t one = 1;
@@ -145,39 +153,38 @@ TEST(HdfReader, ListsEveryElementTypeThatAPictureHas)
     H5Tset_size(text.id, 2);
     const hsize_t two = 2;
     const HdfDataType pair{H5Tarray_create2(H5T_STD_U16LE, 1, &two)};
-    struct TypeRow
-    {
-        const char* what;
-        hid_t type;
-        PixelType pixelType;
+    const auto of = [](hid_t type) { return Hdf5File().AnyDataSet("/image", type, {32, 32}).Build(); };
+    return {
+        {"U8", of(H5T_STD_U8LE), PixelType::UInt8},
+        {"U16", of(H5T_STD_U16LE), PixelType::UInt16},
+        {"U16 big-endian", of(H5T_STD_U16BE), PixelType::UInt16},
+        {"U32", of(H5T_STD_U32LE), PixelType::UInt32},
+        {"U32 big-endian", of(H5T_STD_U32BE), PixelType::UInt32},
+        {"I8", of(H5T_STD_I8LE), PixelType::Int8},
+        {"I16", of(H5T_STD_I16LE), PixelType::Int16},
+        {"I16 big-endian", of(H5T_STD_I16BE), PixelType::Int16},
+        {"I32", of(H5T_STD_I32LE), PixelType::Int32},
+        {"I32 big-endian", of(H5T_STD_I32BE), PixelType::Int32},
+        {"F32", of(H5T_IEEE_F32LE), PixelType::Float32},
+        {"F32 big-endian", of(H5T_IEEE_F32BE), PixelType::Float32},
+        {"F64", of(H5T_IEEE_F64LE), PixelType::Double64},
+        {"U64", of(H5T_STD_U64LE), PixelType::Unknown},
+        {"I64", of(H5T_STD_I64BE), PixelType::Unknown},
+        {"B16", of(H5T_STD_B16LE), PixelType::Unknown},
+        {"enumeration", of(enumeration.id), PixelType::Unknown},
+        {"compound", of(compound.id), PixelType::Unknown},
+        {"text", of(text.id), PixelType::Unknown},
+        {"array", of(pair.id), PixelType::Unknown},
+        {"reference", of(H5T_STD_REF_OBJ), PixelType::Unknown},
     };
-    const TypeRow rows[] = {
-        {"U8", H5T_STD_U8LE, PixelType::UInt8},
-        {"U16", H5T_STD_U16LE, PixelType::UInt16},
-        {"U16 big-endian", H5T_STD_U16BE, PixelType::UInt16},
-        {"U32", H5T_STD_U32LE, PixelType::UInt32},
-        {"U32 big-endian", H5T_STD_U32BE, PixelType::UInt32},
-        {"I8", H5T_STD_I8LE, PixelType::Int8},
-        {"I16", H5T_STD_I16LE, PixelType::Int16},
-        {"I16 big-endian", H5T_STD_I16BE, PixelType::Int16},
-        {"I32", H5T_STD_I32LE, PixelType::Int32},
-        {"I32 big-endian", H5T_STD_I32BE, PixelType::Int32},
-        {"F32", H5T_IEEE_F32LE, PixelType::Float32},
-        {"F32 big-endian", H5T_IEEE_F32BE, PixelType::Float32},
-        {"F64", H5T_IEEE_F64LE, PixelType::Double64},
-        {"U64", H5T_STD_U64LE, PixelType::Unknown},
-        {"I64", H5T_STD_I64BE, PixelType::Unknown},
-        {"B16", H5T_STD_B16LE, PixelType::Unknown},
-        {"enumeration", enumeration.id, PixelType::Unknown},
-        {"compound", compound.id, PixelType::Unknown},
-        {"text", text.id, PixelType::Unknown},
-        {"array", pair.id, PixelType::Unknown},
-        {"reference", H5T_STD_REF_OBJ, PixelType::Unknown},
-    };
-    for (const TypeRow& row : rows)
+}
+
+TEST(HdfReader, ListsEveryElementTypeThatAPictureHas)
+{
+    for (const TypeRow& row : FilesOfElementTypes())
     {
         SCOPED_TRACE(row.what);
-        const FileOpen open{Hdf5File().AnyDataSet("/image", row.type, {32, 32}).Build(), readModeHeader};
+        const FileOpen open{row.file, readModeHeader};
         EXPECT_EQ(open.succeeded, row.pixelType != PixelType::Unknown);
         if (open.succeeded)
             EXPECT_EQ(open.image.Reader()->pixelType, row.pixelType);

@@ -72,9 +72,9 @@ std::vector<uint8_t> SerGray()
     return file.Build();
 }
 
-constexpr uint32_t hdfSide = 1024;
+constexpr uint32_t hdfSide = 32;
 
-/// The picture over and over, for the format that shows no small ones.
+/// The picture over and over, for the format that shows nothing smaller.
 Picture Repeated(const Picture& picture)
 {
     Picture repeated;
@@ -109,7 +109,7 @@ std::vector<GrayFile> GrayFiles()
     return {
         {"gray.dm3", DmGray(DmLayout{3}), {pictures[0]}, L"Gatan Digital Micrograph", L""},
         {"gray.dm4", DmGray(DmLayout{4}), {pictures[0]}, L"Gatan Digital Micrograph", L""},
-        {"gray.h5", HdfGray(large), large, L"Frame 2.10", L"Data version: Frame 1.1", hdfSide, 0x200000},
+        {"gray.h5", HdfGray(large), large, L"Frame 2.10", L"Data version: Frame 1.1", hdfSide, 13},
         {"gray.ser", SerGray(), pictures, L"Pellox", L""},
         {"gray.emi",
          EmiFile()

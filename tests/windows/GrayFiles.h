@@ -15,10 +15,8 @@ struct GrayFile
     /// Empty where the format has none to tell.
     std::wstring formatDetails;
     uint32_t width = 4;
-    /// The smallest request for memory that may be refused while the file is opened. The HDF5 library does
-    /// not survive every refusal; the blocks for the file and its frame, which are ours, are larger than its
-    /// own.
-    size_t smallestRefusal = 0;
+    /// Opening it asks for memory so often that a test refuses only one request in so many.
+    uint32_t requestStride = 1;
 };
 
 /// A file of 16-bit samples in each format that has no other test of its own, both layouts of BIN included.

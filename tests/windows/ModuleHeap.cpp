@@ -13,8 +13,6 @@ std::atomic<size_t> largestRequest{0};
 /// Counts down to the request that fails.
 std::atomic<uint32_t> requestsLeft{0};
 std::atomic<bool> refused{false};
-/// Requests for less are granted, and not counted.
-std::atomic<size_t> smallestRefused{0};
 
 /// The blocks held. A container that takes memory of its own would call the hooks out of themselves.
 std::mutex heldMutex;
@@ -29,7 +27,7 @@ bool Refuses(size_t size)
 {
     ++requests;
     largestRequest = std::max(largestRequest.load(), size);
-    if (size < smallestRefused || requestsLeft == 0 || --requestsLeft != 0)
+    if (requestsLeft == 0 || --requestsLeft != 0)
         return false;
     refused = true;
     return true;
@@ -46,8 +44,9 @@ void* Hold(void* block)
 void Forget(void* block)
 {
     const std::lock_guard guard(heldMutex);
-    const auto end = held.begin() + static_cast<ptrdiff_t>(heldCount);
-    if (const auto found = std::find(held.begin(), end, block); found != end)
+    // The blocks taken last are most often the first to go.
+    const auto last = held.rend() - static_cast<ptrdiff_t>(heldCount);
+    if (const auto found = std::find(last, held.rend(), block); found != held.rend())
         *found = held[--heldCount];
 }
 
@@ -95,10 +94,9 @@ ModuleHeap::~ModuleHeap()
     RefuseRequest(0);
 }
 
-void ModuleHeap::RefuseRequest(uint32_t number, size_t smallest)
+void ModuleHeap::RefuseRequest(uint32_t number)
 {
     refused = false;
-    smallestRefused = smallest;
     requestsLeft = number;
 }
 

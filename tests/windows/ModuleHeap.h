@@ -16,8 +16,8 @@ public:
     ModuleHeap& operator=(const ModuleHeap&) = delete;
     ~ModuleHeap();
 
-    /// Lets one request for so many bytes or more fail: the next for 1, the one after it for 2; none for 0.
-    void RefuseRequest(uint32_t number, size_t smallest = 0);
+    /// Lets one request for memory fail: the next for 1, the one after it for 2; none for 0.
+    void RefuseRequest(uint32_t number);
     /// True once the request that was to fail has been made.
     [[nodiscard]] bool HasRefused() const;
     /// Requests for memory so far.
