@@ -3,6 +3,7 @@
 #include <shlobj.h>
 
 #include <algorithm>
+#include <sstream>
 
 namespace Lumora {
 
@@ -71,11 +72,31 @@ void Remove(const RegistryEntry& entry, RegistrationResult& result)
 
 } // namespace
 
-RegistrationResult Register(Scope scope, const std::wstring& dllPath)
+ExtensionNames LeftOutExtensions(Scope scope)
+{
+    const RegistryEntry entry = LeftOutEntry(scope, {});
+    std::optional<RegistryValue> present;
+    if (entry.key.Read(entry.name, present) != ERROR_SUCCESS || !present)
+        return {};
+    ExtensionNames names;
+    std::wistringstream list(present->AsText());
+    for (std::wstring name; std::getline(list, name, L',');)
+        names.push_back(name);
+    return names;
+}
+
+RegistrationResult Register(Scope scope, const std::wstring& dllPath,
+                            const std::optional<ExtensionNames>& choice)
 {
     RegistrationResult result;
-    DeleteOwnTrees(scope, result.failure);
+    const ExtensionNames leftOut = choice ? *choice : LeftOutExtensions(scope);
     for (const RegistryEntry& entry : RegistryEntries(scope, dllPath))
+    {
+        if (std::find(leftOut.begin(), leftOut.end(), entry.extension) != leftOut.end())
+            Remove(entry, result);
+    }
+    DeleteOwnTrees(scope, result.failure);
+    for (const RegistryEntry& entry : RegistryEntries(scope, dllPath, leftOut))
     {
         if (result.failure)
             break;
@@ -101,7 +122,7 @@ RegistrationResult Unregister(Scope scope)
 RegistrationState CheckRegistration(Scope scope, const std::wstring& dllPath)
 {
     RegistrationState state;
-    for (const RegistryEntry& entry : RegistryEntries(scope, dllPath))
+    for (const RegistryEntry& entry : RegistryEntries(scope, dllPath, LeftOutExtensions(scope)))
     {
         std::optional<RegistryValue> present;
         if (!Note(state.failure, entry.key, entry.key.Read(entry.name, present)))

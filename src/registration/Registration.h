@@ -39,16 +39,21 @@ struct RegistrationState
     [[nodiscard]] bool IsComplete() const noexcept { return !failure && missing.empty() && outdated.empty(); }
 };
 
+/// The extensions that the present registration leaves out; none where there is no registration.
+[[nodiscard]] ExtensionNames LeftOutExtensions(Scope scope);
+
 /// Registers the Lumora.dll at that path. Our own keys are written anew; of the rest, what somebody else has
-/// set stays as it is. The first failure ends it. Nothing is taken back then: the same call, once its cause
-/// is gone, completes the work.
-[[nodiscard]] RegistrationResult Register(Scope scope, const std::wstring& dllPath);
+/// set stays as it is. Of the extensions that are left out, what an earlier registration has written goes;
+/// without a choice the earlier one holds. The first failure ends it. Nothing is taken back then: the same
+/// call, once its cause is gone, completes the work.
+[[nodiscard]] RegistrationResult Register(Scope scope, const std::wstring& dllPath,
+                                          const std::optional<ExtensionNames>& leftOut = std::nullopt);
 
 /// Removes what a registration of any Lumora.dll has written, and nothing that has become somebody else's
 /// since. A failure does not keep the rest from being removed.
 [[nodiscard]] RegistrationResult Unregister(Scope scope);
 
-/// Compares without changing anything.
+/// Compares without changing anything. What is left out on purpose is not missing.
 [[nodiscard]] RegistrationState CheckRegistration(Scope scope, const std::wstring& dllPath);
 
 } // namespace Lumora

@@ -49,6 +49,15 @@ RegistryValue RegistryValue::Binary(std::span<const uint8_t> bytes)
     return {REG_BINARY, {bytes.begin(), bytes.end()}};
 }
 
+std::wstring RegistryValue::AsText() const
+{
+    if (type != REG_SZ)
+        return {};
+    std::wstring text(bytes.size() / sizeof(wchar_t), L'\0');
+    std::memcpy(text.data(), bytes.data(), text.size() * sizeof(wchar_t));
+    return text.substr(0, text.find(L'\0'));
+}
+
 RegistryKey::RegistryKey(RegistryBranch registryBranch, std::wstring_view pathBelow)
     : branch(registryBranch), path(branch.path)
 {

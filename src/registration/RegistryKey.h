@@ -21,6 +21,9 @@ struct RegistryValue
     [[nodiscard]] static RegistryValue Number(uint32_t number);
     [[nodiscard]] static RegistryValue Binary(std::span<const uint8_t> bytes);
 
+    /// A text without its zero; empty for a value of another type.
+    [[nodiscard]] std::wstring AsText() const;
+
     bool operator==(const RegistryValue&) const = default;
 };
 

@@ -5,6 +5,7 @@
 
 #include <objbase.h>
 
+#include <algorithm>
 #include <array>
 #include <iterator>
 #include <utility>
@@ -25,7 +26,9 @@ enum class For
 /// Where a row's key begins.
 enum class Branch
 {
-    Classes, // of the machine or of the user
+    // Of the machine or of the user.
+    Classes,
+    Software,
     // The others are the machine's alone.
     PropertyHandlers,
     Kinds,
@@ -111,11 +114,21 @@ constexpr Row rows[] = {
     {For::OwnExtensions, Branch::Kinds, L"", L"%ext%", L"picture"},
 };
 
-// Keys of the table that hold nothing but ours.
-constexpr const wchar_t* ownTrees[] = {
-    L"CLSID\\%decoders%\\Instance\\%decoder%",
-    L"CLSID\\%decoder%",
-    L"CLSID\\%handler%",
+/// Where it is noted what is left out. The setup package reads it before it replaces an older version.
+constexpr const wchar_t* choicesKey = L"Lumora";
+
+struct OwnTree
+{
+    Branch branch;
+    const wchar_t* key;
+};
+
+// Keys that hold nothing but ours.
+constexpr OwnTree ownTrees[] = {
+    {Branch::Classes, L"CLSID\\%decoders%\\Instance\\%decoder%"},
+    {Branch::Classes, L"CLSID\\%decoder%"},
+    {Branch::Classes, L"CLSID\\%handler%"},
+    {Branch::Software, choicesKey},
 };
 
 using Substitution = std::pair<std::wstring_view, std::wstring>;
@@ -134,8 +147,13 @@ void AppendToList(std::wstring& list, const wchar_t* item)
     list += item;
 }
 
+bool Contains(const ExtensionNames& names, const wchar_t* extension)
+{
+    return std::find(names.begin(), names.end(), extension) != names.end();
+}
+
 /// What stands for the names that do not depend on an extension.
-std::vector<Substitution> Placeholders(const std::wstring& dllPath)
+std::vector<Substitution> Placeholders(const std::wstring& dllPath, const ExtensionNames& leftOut)
 {
     std::wstring extensions;
     std::wstring mimeTypes;
@@ -143,7 +161,10 @@ std::vector<Substitution> Placeholders(const std::wstring& dllPath)
     {
         AppendToList(mimeTypes, format.mimeType);
         for (const Extension& extension : format.extensions)
-            AppendToList(extensions, extension.text);
+        {
+            if (!Contains(leftOut, extension.text))
+                AppendToList(extensions, extension.text);
+        }
     }
     return {
         {L"%decoder%", GuidText(CLSID_LumoraDecoder)},
@@ -188,6 +209,8 @@ RegistryBranch BranchOf(Branch branch, Scope scope)
                 L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\PropertySystem\\PropertyHandlers"};
     case Branch::Kinds:
         return {HKEY_LOCAL_MACHINE, L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Explorer\\KindMap"};
+    case Branch::Software:
+        return {scope == Scope::User ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE, L"SOFTWARE"};
     default:
         return {scope == Scope::User ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE, L"SOFTWARE\\Classes"};
     }
@@ -202,7 +225,7 @@ RegistryValue ValueOf(const Row& row, const std::vector<Substitution>& substitut
 
 /// Appends the rows for one subject.
 void AppendRows(std::vector<RegistryEntry>& entries, For subject, Scope scope,
-                const std::vector<Substitution>& substitutions)
+                const std::vector<Substitution>& substitutions, const wchar_t* extension = L"")
 {
     for (const Row& row : rows)
     {
@@ -210,7 +233,7 @@ void AppendRows(std::vector<RegistryEntry>& entries, For subject, Scope scope,
             continue;
         entries.push_back({RegistryKey(BranchOf(row.branch, scope), Substitute(row.key, substitutions)),
                            Substitute(row.name, substitutions), ValueOf(row, substitutions),
-                           subject == For::Classes});
+                           subject == For::Classes, extension});
     }
 }
 
@@ -221,50 +244,67 @@ void AppendPatterns(std::vector<RegistryEntry>& entries, Scope scope)
     for (size_t i = 0; i < patterns.size(); ++i)
     {
         const RegistryKey key(BranchOf(Branch::Classes, scope), patternsKey + std::to_wstring(i));
-        entries.push_back({key, L"Position", RegistryValue::Number(0), true});
-        entries.push_back({key, L"Length", RegistryValue::Number(HeaderPattern::size), true});
-        entries.push_back({key, L"Pattern", RegistryValue::Binary(patterns[i].bytes), true});
-        entries.push_back({key, L"Mask", RegistryValue::Binary(patterns[i].mask), true});
-        entries.push_back({key, L"EndOfStream", RegistryValue::Number(0), true});
+        entries.push_back({key, L"Position", RegistryValue::Number(0), true, {}});
+        entries.push_back({key, L"Length", RegistryValue::Number(HeaderPattern::size), true, {}});
+        entries.push_back({key, L"Pattern", RegistryValue::Binary(patterns[i].bytes), true, {}});
+        entries.push_back({key, L"Mask", RegistryValue::Binary(patterns[i].mask), true, {}});
+        entries.push_back({key, L"EndOfStream", RegistryValue::Number(0), true, {}});
     }
 }
 
-/// Appends the rows for each extension of the formats.
+/// Appends the rows for each extension of the formats that is not left out.
 void AppendExtensions(std::vector<RegistryEntry>& entries, Scope scope,
-                      const std::vector<Substitution>& placeholders)
+                      const std::vector<Substitution>& placeholders, const ExtensionNames& leftOut)
 {
     for (const Format& format : Formats())
     {
         for (const Extension& extension : format.extensions)
         {
+            if (Contains(leftOut, extension.text))
+                continue;
             std::vector<Substitution> substitutions = placeholders;
             substitutions.emplace_back(L"%ext%", extension.text);
             substitutions.emplace_back(L"%mimeType%", format.mimeType);
-            AppendRows(entries, For::EveryExtension, scope, substitutions);
+            AppendRows(entries, For::EveryExtension, scope, substitutions, extension.text);
             if (!extension.isShared)
-                AppendRows(entries, For::OwnExtensions, scope, substitutions);
+                AppendRows(entries, For::OwnExtensions, scope, substitutions, extension.text);
         }
     }
 }
 
 } // namespace
 
-std::vector<RegistryEntry> RegistryEntries(Scope scope, const std::wstring& dllPath)
+std::vector<RegistryEntry> RegistryEntries(Scope scope, const std::wstring& dllPath,
+                                           const ExtensionNames& leftOut)
 {
-    const std::vector<Substitution> placeholders = Placeholders(dllPath);
+    const std::vector<Substitution> placeholders = Placeholders(dllPath, leftOut);
     std::vector<RegistryEntry> entries;
     AppendPatterns(entries, scope);
     AppendRows(entries, For::Classes, scope, placeholders);
-    AppendExtensions(entries, scope, placeholders);
+    if (!leftOut.empty())
+        entries.push_back(LeftOutEntry(scope, leftOut));
+    AppendExtensions(entries, scope, placeholders, leftOut);
     return entries;
+}
+
+RegistryEntry LeftOutEntry(Scope scope, const ExtensionNames& leftOut)
+{
+    std::wstring list;
+    for (const std::wstring& extension : leftOut)
+        AppendToList(list, extension.c_str());
+    return {RegistryKey(BranchOf(Branch::Software, scope), choicesKey),
+            L"LeftOutExtensions",
+            RegistryValue::Text(list),
+            true,
+            {}};
 }
 
 std::vector<RegistryKey> OwnTrees(Scope scope)
 {
-    const std::vector<Substitution> placeholders = Placeholders({});
+    const std::vector<Substitution> placeholders = Placeholders({}, {});
     std::vector<RegistryKey> trees;
-    for (const wchar_t* const tree : ownTrees)
-        trees.emplace_back(BranchOf(Branch::Classes, scope), Substitute(tree, placeholders));
+    for (const OwnTree& tree : ownTrees)
+        trees.emplace_back(BranchOf(tree.branch, scope), Substitute(tree.key, placeholders));
     return trees;
 }
 

@@ -14,6 +14,9 @@ enum class Scope
     User,
 };
 
+/// File name extensions, each with its dot and in small letters.
+using ExtensionNames = std::vector<std::wstring>;
+
 /// One value of the registration.
 struct RegistryEntry
 {
@@ -24,11 +27,18 @@ struct RegistryEntry
     /// Whether the key is nobody's but ours. The others belong to a file name extension, where somebody else
     /// may have set the value before us.
     bool isOwn;
+    /// The file name extension that the entry is about; empty for an entry of the classes.
+    std::wstring extension;
 };
 
 /// Every value of the registration, in the order of writing, for a Lumora.dll at that path. What Windows
-/// takes from the machine alone is left out for a user: the property handlers and the kinds of files.
-[[nodiscard]] std::vector<RegistryEntry> RegistryEntries(Scope scope, const std::wstring& dllPath);
+/// takes from the machine alone is left out for a user: the property handlers and the kinds of files. Nothing
+/// is said about the extensions in `leftOut`, except that they are left out.
+[[nodiscard]] std::vector<RegistryEntry> RegistryEntries(Scope scope, const std::wstring& dllPath,
+                                                         const ExtensionNames& leftOut = {});
+
+/// The entry that tells which extensions are left out.
+[[nodiscard]] RegistryEntry LeftOutEntry(Scope scope, const ExtensionNames& leftOut);
 
 /// The keys that are ours with everything in them.
 [[nodiscard]] std::vector<RegistryKey> OwnTrees(Scope scope);

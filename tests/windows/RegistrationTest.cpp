@@ -9,6 +9,8 @@
 #include <array>
 
 using Lumora::CheckRegistration;
+using Lumora::ExtensionNames;
+using Lumora::LeftOutExtensions;
 using Lumora::Register;
 using Lumora::RegistrationResult;
 using Lumora::RegistrationState;
@@ -16,8 +18,10 @@ using Lumora::Scope;
 using Lumora::Unregister;
 using testing::Contains;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
+using testing::StartsWith;
 
 namespace {
 
@@ -365,6 +369,51 @@ TEST(RegistrationOfThisMachine, LeavesTheRegistryAsItWas)
 
     if (earlierDll != absent)
         static_cast<void>(Register(Scope::Machine, earlierDll));
+}
+
+TEST_F(Registration, LeavesOutTheExtensionsThatItIsToldTo)
+{
+    ASSERT_FALSE(Register(Scope::Machine, dllPath).failure);
+    ASSERT_FALSE(Register(Scope::Machine, dllPath, {{L".h5", L".mrc"}}).failure);
+    for (const wchar_t* const extension : {L".h5", L".mrc"})
+    {
+        EXPECT_FALSE(Exists(classes + extension)) << extension;
+        EXPECT_FALSE(Exists(classes + L"SystemFileAssociations\\" + extension)) << extension;
+        EXPECT_FALSE(Exists(handlers + extension)) << extension;
+    }
+    EXPECT_EQ(Text(windows + L"Explorer\\KindMap", L".mrc"), absent);
+    EXPECT_EQ(Text(handlers + L".dm3"), L"{5D2E8A94-7C3B-4F61-8E0A-B1947F26D3C5}");
+    EXPECT_EQ(Text(L"SOFTWARE\\Lumora", L"LeftOutExtensions"), L".h5,.mrc");
+    EXPECT_THAT(Text(decoder, L"FileExtensions"), StartsWith(L".mrcs,"));
+    EXPECT_THAT(Text(decoder, L"FileExtensions"), Not(HasSubstr(L".h5")));
+    EXPECT_TRUE(CheckRegistration(Scope::Machine, dllPath).IsComplete());
+}
+
+TEST_F(Registration, RemembersWhatIsLeftOut)
+{
+    ASSERT_FALSE(Register(Scope::Machine, dllPath, {{L".mrc"}}).failure);
+    ASSERT_FALSE(Register(Scope::Machine, L"C:\\elsewhere\\Lumora.dll").failure);
+    EXPECT_THAT(LeftOutExtensions(Scope::Machine), ElementsAre(L".mrc"));
+    EXPECT_FALSE(Exists(handlers + L".mrc"));
+
+    ASSERT_FALSE(Register(Scope::Machine, dllPath, ExtensionNames{}).failure);
+    EXPECT_THAT(LeftOutExtensions(Scope::Machine), IsEmpty());
+    EXPECT_TRUE(Exists(handlers + L".mrc"));
+    EXPECT_EQ(Text(L"SOFTWARE\\Lumora", L"LeftOutExtensions"), absent);
+}
+
+TEST_F(Registration, LeavesALeftOutExtensionToItsOwner)
+{
+    SetText(handlers + L".mrc", L"", L"{11111111-2222-3333-4444-555555555555}");
+    ASSERT_FALSE(Register(Scope::Machine, dllPath, {{L".mrc"}}).failure);
+    EXPECT_EQ(Text(handlers + L".mrc"), L"{11111111-2222-3333-4444-555555555555}");
+}
+
+TEST_F(Registration, TakesARegistrationBackThatLeavesExtensionsOut)
+{
+    ASSERT_FALSE(Register(Scope::Machine, dllPath, {{L".h5", L".mrc"}}).failure);
+    ASSERT_FALSE(Unregister(Scope::Machine).failure);
+    EXPECT_EQ(TakeRegistrySnapshot(), before);
 }
 
 } // namespace

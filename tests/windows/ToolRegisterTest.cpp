@@ -9,6 +9,7 @@
 
 using Lumora::CheckRegistration;
 using Lumora::Scope;
+using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -24,7 +25,9 @@ class ToolRegister : public testing::Test
 protected:
     void TearDown() override
     {
-        ASSERT_FALSE(Lumora::Register(Scope::Machine, LumoraModule::File().wstring()).failure);
+        ASSERT_FALSE(
+            Lumora::Register(Scope::Machine, LumoraModule::File().wstring(), Lumora::ExtensionNames{})
+                .failure);
     }
 
     [[nodiscard]] ToolRun Run(const Arguments& arguments) const { return {arguments, folder.Path()}; }
@@ -139,6 +142,33 @@ TEST_F(ToolRegister, CommandsSayThatTheRegisteredDllIsGone)
     const ToolRun run = Run({L"info", L"x.mrc"});
     EXPECT_EQ(run.exitCode, 1U);
     EXPECT_THAT(run.error, StartsWith("lumora: cannot start Lumora's property handler: "));
+}
+
+TEST_F(ToolRegister, LeavesExtensionsOut)
+{
+    const ToolRun run = Run({L"register", L"--without", L"H5; .mrc"});
+    EXPECT_EQ(run.exitCode, 0U) << run.error;
+    EXPECT_THAT(run.output, HasSubstr("Left out: .h5\nLeft out: .mrc\n"));
+    EXPECT_THAT(Lumora::LeftOutExtensions(Scope::Machine), ElementsAre(L".h5", L".mrc"));
+
+    const ToolRun check = Run({L"register", L"--check"});
+    EXPECT_EQ(check.exitCode, 0U);
+    EXPECT_THAT(check.output, HasSubstr("Left out: .h5\n"));
+
+    EXPECT_EQ(Run({L"register"}).exitCode, 0U);
+    EXPECT_THAT(Lumora::LeftOutExtensions(Scope::Machine), ElementsAre(L".h5", L".mrc"));
+
+    EXPECT_EQ(Run({L"register", L"--without", L"none"}).exitCode, 0U);
+    EXPECT_THAT(Lumora::LeftOutExtensions(Scope::Machine), IsEmpty());
+}
+
+TEST_F(ToolRegister, LeavesNoExtensionOutThatItDoesNotKnow)
+{
+    const ToolRun run = Run({L"register", L"--without", L".mrc,.png"});
+    EXPECT_EQ(run.exitCode, 1U);
+    EXPECT_THAT(run.error, HasSubstr("the extension .png cannot be left out"));
+    EXPECT_THAT(Lumora::LeftOutExtensions(Scope::Machine), IsEmpty());
+    EXPECT_EQ(Run({L"register", L"--without"}).exitCode, 2U);
 }
 
 } // namespace

@@ -95,6 +95,8 @@ private:
             line.scope = Scope::User;
         else if (name == L"--dll" && Is(Command::Register))
             line.dllPath = Value(name);
+        else if (name == L"--without" && Is(Command::Register))
+            line.leftOut = Value(name);
         else if (name == L"--check" && Is(Command::Register))
             line.onlyCheck = true;
         else

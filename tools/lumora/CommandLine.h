@@ -43,6 +43,8 @@ struct CommandLine
     Scope scope = Scope::Machine;
     std::wstring dllPath;
     bool onlyCheck = false;
+    /// The extensions that are left out; empty for the choice made before.
+    std::wstring leftOut;
 };
 
 /// A command line that makes no sense.

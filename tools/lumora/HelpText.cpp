@@ -59,7 +59,7 @@ Options:
 constexpr std::wstring_view registerHelp =
     LR"(Makes Lumora known to Windows: to its imaging component as a decoder, to its shell for thumbnails and properties.
 
-Usage: lumora register [--user] [--dll PATH] [--check]
+Usage: lumora register [--user] [--dll PATH] [--without EXTENSIONS] [--check]
 
 What other programs have set for a file name extension is left to them and listed.
 
@@ -67,6 +67,9 @@ Options:
   --user      for yourself alone, which needs no administrator rights. Windows takes the properties and the
               kinds of files from the machine alone, so files get thumbnails but no properties
   --dll PATH  the Lumora.dll to register. Default: the one beside this program
+  --without EXTENSIONS
+              leave these file name extensions alone, for example ".h5,.map"; none for none of them. Without this
+              option the choice of the present registration holds. Files open by their content as before
   --check     change nothing, and tell what of the registration is missing or outdated
   --help      this text
 )";

@@ -2,9 +2,14 @@
 
 #include "Failure.h"
 #include "Paths.h"
+#include "registration/Formats.h"
 #include "registration/Registration.h"
 
 #include <windows.h>
+
+#include <cwctype>
+#include <optional>
+#include <sstream>
 
 namespace Lumora {
 
@@ -41,12 +46,47 @@ void List(Console& console, const wchar_t* what, const std::vector<std::wstring>
         console.Print(std::wstring(what) + L": " + name + L'\n');
 }
 
+bool IsRegistrable(const std::wstring& extension)
+{
+    for (const Format& format : Formats())
+    {
+        for (const Extension& known : format.extensions)
+        {
+            if (extension == known.text)
+                return true;
+        }
+    }
+    return false;
+}
+
+/// The extensions of a list like ".h5, map", or "none". Throws a Failure for one that is never registered.
+ExtensionNames ParseExtensions(std::wstring list)
+{
+    if (list == L"none")
+        return {};
+    for (wchar_t& character : list)
+        character =
+            character == L',' || character == L';' ? L' ' : static_cast<wchar_t>(std::towlower(character));
+    ExtensionNames names;
+    std::wistringstream words(list);
+    for (std::wstring name; words >> name;)
+    {
+        if (!name.starts_with(L'.'))
+            name.insert(0, 1, L'.');
+        if (!IsRegistrable(name))
+            throw Failure{L"the extension " + name + L" cannot be left out: Lumora never registers it"};
+        names.push_back(name);
+    }
+    return names;
+}
+
 int Check(const CommandLine& line, const std::wstring& dllPath, Console& console)
 {
     const RegistrationState state = CheckRegistration(line.scope, dllPath);
     List(console, L"Missing", state.missing);
     List(console, L"Outdated", state.outdated);
     List(console, L"Left to another program", state.leftToOthers);
+    List(console, L"Left out", LeftOutExtensions(line.scope));
     if (state.failure)
         throw Failure{Describe(*state.failure, L"cannot read", line.scope)};
     console.Print(std::wstring(L"Lumora is ") + (state.IsComplete() ? L"" : L"not completely ") +
@@ -62,11 +102,15 @@ int RunRegister(const CommandLine& line, Console& console)
     if (line.onlyCheck)
         return Check(line, dllPath, console);
 
-    const RegistrationResult result = Register(line.scope, dllPath);
+    std::optional<ExtensionNames> leftOut;
+    if (!line.leftOut.empty())
+        leftOut = ParseExtensions(line.leftOut);
+    const RegistrationResult result = Register(line.scope, dllPath, leftOut);
     if (result.failure)
         throw Failure{Describe(*result.failure, L"cannot write", line.scope)};
     console.Print(std::wstring(L"Lumora is registered ") + ForWhom(line.scope) + L": " + dllPath + L'\n');
     List(console, L"Left to another program", result.leftToOthers);
+    List(console, L"Left out", LeftOutExtensions(line.scope));
     if (line.scope == Scope::User)
         console.Print(
             L"Windows takes the properties and the kinds of files from the machine alone: these need "
