@@ -5,7 +5,6 @@
 #include "Progress.h"
 
 #include <exception>
-#include <optional>
 
 namespace Lumora {
 
@@ -33,7 +32,7 @@ catch (const std::exception& exception)
 
 int ForEachFile(const FileList& list, const CommandLine& line, Console& console,
                 const std::function<void(const SourceFile&)>& work,
-                const std::function<void(const SourceFile&, const std::wstring& why)>& whenFailed)
+                const std::function<void(const SourceFile&, const std::optional<std::wstring>&)>& whenDone)
 {
     size_t failures = list.failures;
     DecoderLines decoderLines;
@@ -48,13 +47,15 @@ int ForEachFile(const FileList& list, const CommandLine& line, Console& console,
             for (const std::wstring& note : lines)
                 console.Complain(file.name + L": " + note);
         }
-        if (!failure)
-            continue;
-        ++failures;
-        if (!lines.empty())
-            *failure += L"; the reader noted \"" + lines.back() + L"\"";
-        console.Complain(L"lumora: " + file.name + L": " + *failure);
-        whenFailed(file, *failure);
+        if (failure)
+        {
+            ++failures;
+            if (!lines.empty())
+                *failure += L"; the reader noted \"" + lines.back() + L"\"";
+            console.Complain(L"lumora: " + file.name + L": " + *failure);
+        }
+        if (whenDone)
+            whenDone(file, failure);
     }
     return failures == 0 ? 0 : 1;
 }

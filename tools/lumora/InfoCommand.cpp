@@ -64,10 +64,9 @@ void ForPrograms(JsonWriter& json, const SourceFile& file, const std::vector<Pro
 
 int PrintForPeople(const CommandLine& line, Console& console)
 {
-    return ForEachFile(
-        FindFiles(line.paths, console), line, console,
-        [&console](const SourceFile& file) { console.Print(ForPeople(file, ReadProperties(file.path))); },
-        [](const SourceFile&, const std::wstring&) {});
+    return ForEachFile(FindFiles(line.paths, console), line, console, [&console](const SourceFile& file) {
+        console.Print(ForPeople(file, ReadProperties(file.path)));
+    });
 }
 
 int PrintForPrograms(const CommandLine& line, Console& console)
@@ -79,10 +78,12 @@ int PrintForPrograms(const CommandLine& line, Console& console)
             ForPrograms(json, file, ReadProperties(file.path));
             console.Print(json.Take());
         },
-        [&](const SourceFile& file, const std::wstring& why) {
+        [&](const SourceFile& file, const std::optional<std::wstring>& failure) {
+            if (!failure)
+                return;
             json.BeginObject();
             json.Text(L"path", file.name);
-            json.Text(L"error", why);
+            json.Text(L"error", *failure);
             json.EndObject();
         });
     console.Print(json.Finish());

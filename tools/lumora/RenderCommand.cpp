@@ -1,12 +1,11 @@
 #include "RenderCommand.h"
 
-#include "Failure.h"
 #include "FileLoop.h"
+#include "ImagingFactory.h"
 #include "OutputNames.h"
 #include "PictureFile.h"
 #include "PngWriter.h"
 #include "platform/ComPtr.h"
-#include "registration/ClassIds.h"
 
 #include <windows.h>
 
@@ -15,18 +14,6 @@
 namespace Lumora {
 
 namespace {
-
-ComPtr<IWICImagingFactory> MakeFactory()
-{
-    ComPtr<IWICImagingFactory> factory;
-    Require(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, IID_IWICImagingFactory,
-                             factory.PutVoid()),
-            L"cannot start WIC");
-    ComPtr<IWICComponentInfo> decoder;
-    if (FAILED(factory->CreateComponentInfo(CLSID_LumoraDecoder, decoder.Put())))
-        throw Failure{notRegistered};
-    return factory;
-}
 
 class Renderer
 {
@@ -70,12 +57,10 @@ private:
 
 int RunRender(const CommandLine& line, Console& console)
 {
-    ComPtr<IWICImagingFactory> factory = MakeFactory();
+    ComPtr<IWICImagingFactory> factory = MakeImagingFactory();
     const FileList list = FindFiles(line.paths, console);
     Renderer renderer(std::move(factory), list, line, console);
-    return ForEachFile(
-        list, line, console, [&renderer](const SourceFile& file) { renderer.Render(file); },
-        [](const SourceFile&, const std::wstring&) {});
+    return ForEachFile(list, line, console, [&renderer](const SourceFile& file) { renderer.Render(file); });
 }
 
 } // namespace Lumora
