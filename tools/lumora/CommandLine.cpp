@@ -8,12 +8,19 @@ namespace Lumora {
 
 namespace {
 
+// Below the one nothing can be made out, beyond the other a row of pictures takes too much memory.
+constexpr uint32_t smallestSheetPicture = 32;
+constexpr uint32_t largestSheetPicture = 1024;
+constexpr uint32_t mostColumns = 32;
+
 Command CommandOf(std::wstring_view name)
 {
     if (name == L"info")
         return Command::Info;
     if (name == L"render")
         return Command::Render;
+    if (name == L"sheet")
+        return Command::Sheet;
     if (name == L"register")
         return Command::Register;
     if (name == L"unregister")
@@ -59,11 +66,13 @@ private:
         return line.command == first || (second != Command::None && line.command == second);
     }
 
+    [[nodiscard]] bool WantsFiles() const { return Is(Command::Info, Command::Render) || Is(Command::Sheet); }
+
     void TakeWord(std::wstring_view word)
     {
         if (Is(Command::None))
             line.command = CommandOf(word);
-        else if (Is(Command::Info, Command::Render))
+        else if (WantsFiles())
             line.paths.emplace_back(word);
         else
             Refuse(L"this command takes no " + std::wstring(word));
@@ -81,7 +90,7 @@ private:
             line.wantsHelp = true;
         else if (name == L"--version" && Is(Command::None))
             line.wantsVersion = true;
-        else if (name == L"--verbose" && Is(Command::Info, Command::Render))
+        else if (name == L"--verbose" && WantsFiles())
             line.isVerbose = true;
         else if (name == L"--json" && Is(Command::Info))
             line.wantsJson = true;
@@ -91,6 +100,12 @@ private:
             line.frame = Frame(Value(name));
         else if (name == L"--size" && Is(Command::Render))
             line.longerSide = Number(name, Value(name), 1);
+        else if (name == L"-o" && Is(Command::Sheet))
+            line.sheetName = Value(name);
+        else if (name == L"--size" && Is(Command::Sheet))
+            line.longerSide = Number(name, Value(name), smallestSheetPicture, largestSheetPicture);
+        else if (name == L"--columns" && Is(Command::Sheet))
+            line.columns = Number(name, Value(name), 1, mostColumns);
         else if (name == L"--user" && Is(Command::Register, Command::Unregister))
             line.scope = Scope::User;
         else if (name == L"--dll" && Is(Command::Register))
@@ -124,10 +139,10 @@ private:
         return Number(L"--frame", value, 0);
     }
 
-    /// A decimal number of at least `lowest`.
-    [[nodiscard]] uint32_t Number(std::wstring_view option, std::wstring_view value, uint32_t lowest) const
+    /// A decimal number from `lowest` to `highest`.
+    [[nodiscard]] uint32_t Number(std::wstring_view option, std::wstring_view value, uint32_t lowest,
+                                  uint32_t highest = std::numeric_limits<uint32_t>::max()) const
     {
-        constexpr uint64_t highest = std::numeric_limits<uint32_t>::max();
         uint64_t number = 0;
         for (const wchar_t digit : value)
         {
@@ -144,7 +159,7 @@ private:
     {
         if (Is(Command::None))
             Refuse(L"a command is missing");
-        if (Is(Command::Info, Command::Render) && line.paths.empty())
+        if (WantsFiles() && line.paths.empty())
             Refuse(L"a file or folder is missing");
     }
 

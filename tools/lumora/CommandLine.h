@@ -15,6 +15,7 @@ enum class Command
     None,
     Info,
     Render,
+    Sheet,
     Register,
     Unregister,
 };
@@ -37,7 +38,13 @@ struct CommandLine
     std::wstring outputFolder;
     /// Nothing means every frame.
     std::optional<uint32_t> frame = 0;
+
+    // render and sheet
     std::optional<uint32_t> longerSide;
+
+    // sheet
+    std::wstring sheetName = L"sheet.png";
+    std::optional<uint32_t> columns;
 
     // register and unregister
     Scope scope = Scope::Machine;

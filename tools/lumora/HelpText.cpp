@@ -11,6 +11,7 @@ Usage: lumora COMMAND [OPTIONS]
 Commands:
   info        tell what files hold: size, frames, pixel type, software
   render      write frames as PNG pictures
+  sheet       write one PNG picture that shows many files
   register    make Lumora known to Windows
   unregister  take that back
 
@@ -51,6 +52,30 @@ Options:
   -o FOLDER       where the pictures go; made when it is not there. Default: the current folder
   --frame N       the frame with this number, counted from 0; "all" for each of them. Default: 0
   --size PIXELS   scale down so that the longer side has this many pixels; smaller pictures stay as they are
+  --verbose       tell on standard error what the reader noted about each file
+  --              what follows is a PATH, also when it begins with a dash
+  --help          this text
+)";
+
+constexpr std::wstring_view sheetHelp =
+    LR"(Writes a contact sheet: one PNG picture that shows the first frame of many files.
+
+Usage: lumora sheet [-o FILE] [--size PIXELS] [--columns N] [--verbose] PATH...
+
+A PATH is a file, a pattern like *.mrc, or a folder: then every file below it counts that has an extension
+which Lumora registers. Lumora must be registered.
+
+Below each picture stand the file's name, with the subfolder of the PATH in which it was found, its size in
+pixels, its pixel type and the number of its frames. A file that cannot be shown has a place that says so; why,
+standard error tells. An earlier sheet is replaced, a source never. The sheet's name is written to standard
+output.
+
+Options:
+  -o FILE         the sheet; its folder is made when it is not there. Default: sheet.png in the current folder
+  --size PIXELS   scale pictures down so that the longer side has this many pixels, 32 to 1024; smaller
+                  pictures stay as they are. Default: 200
+  --columns N     at most this many pictures side by side, 1 to 32. Default: as many as a screen of 1920 pixels
+                  shows
   --verbose       tell on standard error what the reader noted about each file
   --              what follows is a PATH, also when it begins with a dash
   --help          this text
@@ -99,6 +124,8 @@ constexpr CommandHelp HelpOf(Command command) noexcept
         return {L"lumora info --help", infoHelp};
     case Command::Render:
         return {L"lumora render --help", renderHelp};
+    case Command::Sheet:
+        return {L"lumora sheet --help", sheetHelp};
     case Command::Register:
         return {L"lumora register --help", registerHelp};
     case Command::Unregister:

@@ -5,6 +5,7 @@
 #include "InfoCommand.h"
 #include "RegisterCommand.h"
 #include "RenderCommand.h"
+#include "SheetCommand.h"
 
 #include <windows.h>
 
@@ -48,6 +49,8 @@ int Run(const CommandLine& line, Console& console)
         return RunInfo(line, console);
     case Command::Render:
         return RunRender(line, console);
+    case Command::Sheet:
+        return RunSheet(line, console);
     case Command::Register:
         return RunRegister(line, console);
     case Command::Unregister:

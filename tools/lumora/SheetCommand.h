@@ -1,0 +1,11 @@
+#pragma once
+
+#include "CommandLine.h"
+#include "Console.h"
+
+namespace Lumora {
+
+/// Writes a contact sheet of files. Gives the exit code.
+[[nodiscard]] int RunSheet(const CommandLine& line, Console& console);
+
+} // namespace Lumora
