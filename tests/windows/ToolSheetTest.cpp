@@ -1,11 +1,10 @@
 #include "support/ByteWriter.h"
 #include "support/MrcFile.h"
-#include "windows/DecoderClient.h"
 #include "windows/GrayFiles.h"
 #include "windows/GrayStack.h"
+#include "windows/PngPicture.h"
 #include "windows/TemporaryFolder.h"
 #include "windows/ToolRun.h"
-#include "windows/WicClient.h"
 
 #include <windows.h>
 
@@ -36,54 +35,20 @@ constexpr uint32_t rowStep = 104;
 /// What blue, green and red of the background are.
 constexpr uint8_t background = 48;
 
-/// A sheet, opened by a client of WIC.
-struct Sheet
+bool IsBackground(const PngPicture& sheet, uint32_t left, uint32_t top, uint32_t width, uint32_t height)
 {
-    explicit Sheet(const TemporaryFolder& folder, const char* name = "sheet.png")
-    {
-        const std::vector<uint8_t> content = folder.Read(name);
-        const ComPtr<IWICBitmapDecoder> decoder = Discover(content);
-        EXPECT_TRUE(FormatOf(decoder) == GUID_ContainerFormatPng);
-        const ComPtr<IWICBitmapFrameDecode> frame = Frame(decoder, 0);
-        EXPECT_EQ(frame->GetSize(&width, &height), S_OK);
-        pixels = PixelsOf(Converted(frame.Get(), GUID_WICPixelFormat24bppBGR).Get(), 3);
-    }
+    const Pixels part = sheet.Part(left, top, width, height);
+    return std::count(part.begin(), part.end(), background) == static_cast<ptrdiff_t>(part.size());
+}
 
-    /// Blue, green and red of each pixel of a part.
-    [[nodiscard]] Pixels Part(uint32_t left, uint32_t top, uint32_t partWidth, uint32_t partHeight) const
-    {
-        Pixels part;
-        for (uint32_t y = top; y < top + partHeight; ++y)
-        {
-            for (uint32_t x = left; x < left + partWidth; ++x)
-            {
-                for (uint32_t colour = 0; colour < 3; ++colour)
-                    part.push_back(pixels.at((size_t{y} * width + x) * 3 + colour));
-            }
-        }
-        return part;
-    }
-
-    [[nodiscard]] bool IsBackground(uint32_t left, uint32_t top, uint32_t partWidth = 1,
-                                    uint32_t partHeight = 1) const
-    {
-        const Pixels part = Part(left, top, partWidth, partHeight);
-        return std::count(part.begin(), part.end(), background) == static_cast<ptrdiff_t>(part.size());
-    }
-
-    /// A line of text below the picture of a cell of a sheet with --size 32.
-    [[nodiscard]] Pixels Line(uint32_t column, uint32_t row, uint32_t line) const
-    {
-        return Part(16 + column * columnStep, 16 + row * rowStep + 40 + line * 16, cellWidth, 16);
-    }
-
-    UINT width = 0;
-    UINT height = 0;
-    Pixels pixels;
-};
+/// A line of text below the picture of a cell of a sheet with --size 32.
+Pixels Line(const PngPicture& sheet, uint32_t column, uint32_t row, uint32_t line)
+{
+    return sheet.Part(16 + column * columnStep, 16 + row * rowStep + 40 + line * 16, cellWidth, 16);
+}
 
 /// The sheet of pictures with a longer side of 32 pixels.
-Sheet SmallSheet(const TemporaryFolder& folder, const Arguments& arguments)
+PngPicture SmallSheet(const TemporaryFolder& folder, const Arguments& arguments)
 {
     Arguments all = {L"sheet", L"--size", L"32"};
     all.insert(all.end(), arguments.begin(), arguments.end());
@@ -91,7 +56,7 @@ Sheet SmallSheet(const TemporaryFolder& folder, const Arguments& arguments)
     EXPECT_EQ(run.exitCode, 0U) << run.error;
     EXPECT_EQ(run.output, "sheet.png\n");
     EXPECT_THAT(run.error, IsEmpty());
-    return Sheet(folder);
+    return {folder, "sheet.png"};
 }
 
 std::vector<uint8_t> BlackPicture(uint32_t width, uint32_t height)
@@ -151,7 +116,7 @@ TEST(ToolSheet, HasACellForEachFile)
         arguments.insert(arguments.end(), row.files, L"x.mrc");
         const ToolRun run(arguments, folder.Path());
         EXPECT_EQ(run.exitCode, 0U) << run.error;
-        const Sheet sheet(folder);
+        const PngPicture sheet(folder, "sheet.png");
         EXPECT_EQ(sheet.width, row.width);
         EXPECT_EQ(sheet.height, row.height);
     }
@@ -163,17 +128,17 @@ TEST(ToolSheet, ShowsSmallPicturesAsTheyAreInTheMiddleOfTheirCells)
     folder.Write("a.mrc", GrayPicture(0));
     folder.Write("b.mrc", GrayPicture(1));
     folder.Write("c.mrc", GrayPicture(2));
-    const Sheet sheet = SmallSheet(folder, {L"--columns", L"2", L"*.mrc"});
+    const PngPicture sheet = SmallSheet(folder, {L"--columns", L"2", L"*.mrc"});
     // 86 is 16 + (144 - 4) / 2, and 31 is 16 + (32 - 2) / 2.
     EXPECT_EQ(sheet.Part(86, 31, 4, 2), InThreeColours(grayPictures[0]));
     EXPECT_EQ(sheet.Part(86 + columnStep, 31, 4, 2), InThreeColours(grayPictures[1]));
     EXPECT_EQ(sheet.Part(86, 31 + rowStep, 4, 2), InThreeColours(grayPictures[2]));
-    EXPECT_TRUE(sheet.IsBackground(0, 0, 336, 31));
-    EXPECT_TRUE(sheet.IsBackground(0, 33, 336, 23));
-    EXPECT_TRUE(sheet.IsBackground(0, 0, 86, 56));
-    EXPECT_TRUE(sheet.IsBackground(90, 0, 156, 56));
+    EXPECT_TRUE(IsBackground(sheet, 0, 0, 336, 31));
+    EXPECT_TRUE(IsBackground(sheet, 0, 33, 336, 23));
+    EXPECT_TRUE(IsBackground(sheet, 0, 0, 86, 56));
+    EXPECT_TRUE(IsBackground(sheet, 90, 0, 156, 56));
     // Nothing of the first row is left where the second has no file.
-    EXPECT_TRUE(sheet.IsBackground(176, 120, 160, 104));
+    EXPECT_TRUE(IsBackground(sheet, 176, 120, 160, 104));
 }
 
 TEST(ToolSheet, ScalesTheLongerSideDown)
@@ -183,7 +148,7 @@ TEST(ToolSheet, ScalesTheLongerSideDown)
     folder.Write("wide.mrc", BlackPicture(300, 100));
     const ToolRun run({L"sheet", L"--size=100", L"high.mrc", L"wide.mrc"}, folder.Path());
     EXPECT_EQ(run.exitCode, 0U) << run.error;
-    const Sheet sheet(folder);
+    const PngPicture sheet(folder, "sheet.png");
     struct Row
     {
         uint32_t left, top, width, height;
@@ -196,10 +161,10 @@ TEST(ToolSheet, ScalesTheLongerSideDown)
     {
         EXPECT_EQ(sheet.Part(row.left, row.top, row.width, row.height),
                   Pixels(size_t{3} * row.width * row.height));
-        EXPECT_TRUE(sheet.IsBackground(row.left - 1, row.top, 1, row.height));
-        EXPECT_TRUE(sheet.IsBackground(row.left + row.width, row.top, 1, row.height));
-        EXPECT_TRUE(sheet.IsBackground(row.left, row.top - 1, row.width));
-        EXPECT_TRUE(sheet.IsBackground(row.left, row.top + row.height, row.width));
+        EXPECT_TRUE(IsBackground(sheet, row.left - 1, row.top, 1, row.height));
+        EXPECT_TRUE(IsBackground(sheet, row.left + row.width, row.top, 1, row.height));
+        EXPECT_TRUE(IsBackground(sheet, row.left, row.top - 1, row.width, 1));
+        EXPECT_TRUE(IsBackground(sheet, row.left, row.top + row.height, row.width, 1));
     }
 }
 
@@ -207,7 +172,7 @@ TEST(ToolSheet, ShowsColours)
 {
     const TemporaryFolder folder;
     folder.Write("rgb.mrc", MrcFile().Size(2, 1, 1).Mode(16).Samples({10, 20, 30, 200, 210, 220}).Build());
-    const Sheet sheet = SmallSheet(folder, {L"rgb.mrc"});
+    const PngPicture sheet = SmallSheet(folder, {L"rgb.mrc"});
     EXPECT_THAT(sheet.Part(87, 31, 2, 1), ElementsAre(30, 20, 10, 220, 210, 200));
 }
 
@@ -218,7 +183,7 @@ TEST(ToolSheet, ShowsTheFirstFrameOfEveryFormat)
         SCOPED_TRACE(file.name);
         const TemporaryFolder folder;
         const std::filesystem::path path = folder.Write(file.name, file.content);
-        const Sheet sheet = SmallSheet(folder, {path.filename().wstring()});
+        const PngPicture sheet = SmallSheet(folder, {path.filename().wstring()});
         const auto height = static_cast<uint32_t>(file.pictures[0].size() / file.width);
         EXPECT_EQ(sheet.Part(16 + (144 - file.width) / 2, 16 + (32 - height) / 2, file.width, height),
                   InThreeColours(file.pictures[0]));
@@ -233,31 +198,32 @@ TEST(ToolSheet, TellsNameSizePixelTypeAndFrameCount)
     folder.Write("3\\a.mrc", GrayStack(2));
     folder.Write("4\\a.mrc", BlackPicture(4, 2));
     folder.Write("5\\a.mrc", BlackPicture(4, 3));
-    const Sheet sheet = SmallSheet(folder, {L"1\\a.mrc", L"2\\b.mrc", L"3\\a.mrc", L"4\\a.mrc", L"5\\a.mrc"});
+    const PngPicture sheet =
+        SmallSheet(folder, {L"1\\a.mrc", L"2\\b.mrc", L"3\\a.mrc", L"4\\a.mrc", L"5\\a.mrc"});
     for (uint32_t column = 0; column < 5; ++column)
     {
         for (uint32_t line = 0; line < 3; ++line)
-            EXPECT_THAT(sheet.Line(column, 0, line), HasText()) << column << ' ' << line;
+            EXPECT_THAT(Line(sheet, column, 0, line), HasText()) << column << ' ' << line;
     }
-    EXPECT_NE(sheet.Line(1, 0, 0), sheet.Line(0, 0, 0));
-    EXPECT_EQ(sheet.Line(1, 0, 1), sheet.Line(0, 0, 1));
-    EXPECT_EQ(sheet.Line(1, 0, 2), sheet.Line(0, 0, 2));
+    EXPECT_NE(Line(sheet, 1, 0, 0), Line(sheet, 0, 0, 0));
+    EXPECT_EQ(Line(sheet, 1, 0, 1), Line(sheet, 0, 0, 1));
+    EXPECT_EQ(Line(sheet, 1, 0, 2), Line(sheet, 0, 0, 2));
 
-    EXPECT_EQ(sheet.Line(2, 0, 0), sheet.Line(0, 0, 0));
-    EXPECT_EQ(sheet.Line(2, 0, 1), sheet.Line(0, 0, 1));
-    EXPECT_NE(sheet.Line(2, 0, 2), sheet.Line(0, 0, 2)); // two frames
+    EXPECT_EQ(Line(sheet, 2, 0, 0), Line(sheet, 0, 0, 0));
+    EXPECT_EQ(Line(sheet, 2, 0, 1), Line(sheet, 0, 0, 1));
+    EXPECT_NE(Line(sheet, 2, 0, 2), Line(sheet, 0, 0, 2)); // two frames
 
-    EXPECT_NE(sheet.Line(3, 0, 1), sheet.Line(0, 0, 1)); // Int8
-    EXPECT_EQ(sheet.Line(3, 0, 2), sheet.Line(0, 0, 2));
-    EXPECT_NE(sheet.Line(4, 0, 1), sheet.Line(3, 0, 1)); // 4 x 3
+    EXPECT_NE(Line(sheet, 3, 0, 1), Line(sheet, 0, 0, 1)); // Int8
+    EXPECT_EQ(Line(sheet, 3, 0, 2), Line(sheet, 0, 0, 2));
+    EXPECT_NE(Line(sheet, 4, 0, 1), Line(sheet, 3, 0, 1)); // 4 x 3
 }
 
 TEST(ToolSheet, WritesWithoutColouredEdges)
 {
     const TemporaryFolder folder;
     folder.Write("a.mrc", GrayStack(1));
-    const Sheet sheet = SmallSheet(folder, {L"a.mrc"});
-    ASSERT_THAT(sheet.Line(0, 0, 0), HasText());
+    const PngPicture sheet = SmallSheet(folder, {L"a.mrc"});
+    ASSERT_THAT(Line(sheet, 0, 0, 0), HasText());
     for (size_t pixel = 0; pixel < sheet.pixels.size(); pixel += 3)
         ASSERT_THAT(Pixels(&sheet.pixels[pixel], &sheet.pixels[pixel] + 3), Each(sheet.pixels[pixel]));
 }
@@ -268,10 +234,10 @@ TEST(ToolSheet, NamesTheSubfolder)
     folder.Write("in\\a.mrc", GrayStack(1));
     folder.Write("in\\b\\a.mrc", GrayStack(1));
     folder.Write("in\\c\\a.mrc", GrayStack(1));
-    const Sheet sheet = SmallSheet(folder, {L"in", L"in\\c\\a.mrc"});
-    EXPECT_NE(sheet.Line(0, 0, 0), sheet.Line(1, 0, 0));
-    EXPECT_NE(sheet.Line(1, 0, 0), sheet.Line(2, 0, 0));
-    EXPECT_EQ(sheet.Line(3, 0, 0), sheet.Line(0, 0, 0)); // named itself
+    const PngPicture sheet = SmallSheet(folder, {L"in", L"in\\c\\a.mrc"});
+    EXPECT_NE(Line(sheet, 0, 0, 0), Line(sheet, 1, 0, 0));
+    EXPECT_NE(Line(sheet, 1, 0, 0), Line(sheet, 2, 0, 0));
+    EXPECT_EQ(Line(sheet, 3, 0, 0), Line(sheet, 0, 0, 0)); // named itself
 }
 
 TEST(ToolSheet, CutsLongNamesInTheMiddle)
@@ -280,11 +246,11 @@ TEST(ToolSheet, CutsLongNamesInTheMiddle)
     const std::wstring name(120, L'm');
     for (const std::wstring& file : {L"A" + name + L"1", L"A" + name + L"2", L"B" + name + L"1"})
         folder.Write(file + L".mrc", GrayStack(1));
-    const Sheet sheet = SmallSheet(folder, {L"*.mrc"});
-    EXPECT_NE(sheet.Line(0, 0, 0), sheet.Line(1, 0, 0));
-    EXPECT_NE(sheet.Line(0, 0, 0), sheet.Line(2, 0, 0));
+    const PngPicture sheet = SmallSheet(folder, {L"*.mrc"});
+    EXPECT_NE(Line(sheet, 0, 0, 0), Line(sheet, 1, 0, 0));
+    EXPECT_NE(Line(sheet, 0, 0, 0), Line(sheet, 2, 0, 0));
     for (uint32_t column = 0; column < 4; ++column)
-        EXPECT_TRUE(sheet.IsBackground(column * columnStep, 0, 16, sheet.height)) << column;
+        EXPECT_TRUE(IsBackground(sheet, column * columnStep, 0, 16, sheet.height)) << column;
 }
 
 TEST(ToolSheet, SaysInItsPlaceThatAFileCannotBeShown)
@@ -304,13 +270,13 @@ TEST(ToolSheet, SaysInItsPlaceThatAFileCannotBeShown)
               "the file\"\n"
               "lumora: text.mrc: WIC cannot open the file: no codec knows the file "
               "(WINCODEC_ERR_COMPONENTNOTFOUND)\n");
-    const Sheet sheet(folder);
+    const PngPicture sheet(folder, "sheet.png");
     EXPECT_EQ(sheet.width, 16 + 3 * columnStep); // the missing file has no place
     const Pixels place = sheet.Part(16, 16, cellWidth, 32);
     EXPECT_THAT(place, AllOf(Not(Each(place[0])), Not(testing::Contains(background))));
     EXPECT_EQ(sheet.Part(16 + 2 * columnStep, 16, cellWidth, 32), place);
-    EXPECT_NE(sheet.Line(0, 0, 0), sheet.Line(2, 0, 0));
-    EXPECT_TRUE(sheet.IsBackground(16, 72, cellWidth, 32)); // no facts
+    EXPECT_NE(Line(sheet, 0, 0, 0), Line(sheet, 2, 0, 0));
+    EXPECT_TRUE(IsBackground(sheet, 16, 72, cellWidth, 32)); // no facts
     EXPECT_EQ(sheet.Part(86 + columnStep, 31, 4, 2), InThreeColours(grayPictures[1]));
 }
 
@@ -344,7 +310,7 @@ TEST(ToolSheet, GoesWhereItIsWanted)
     EXPECT_EQ(run.exitCode, 0U) << run.error;
     EXPECT_EQ(run.output, "new\\er\\today.png\n");
     EXPECT_THAT(folder.Files(), ElementsAre("new/er/today.png", "x.mrc"));
-    EXPECT_EQ(Sheet(folder, "new/er/today.png").width, 232U);
+    EXPECT_EQ(PngPicture(folder, "new/er/today.png").width, 232U);
 }
 
 TEST(ToolSheet, ReplacesAnEarlierSheetAmongTheFiles)
@@ -355,7 +321,7 @@ TEST(ToolSheet, ReplacesAnEarlierSheetAmongTheFiles)
     EXPECT_EQ(ToolRun(arguments, folder.Path()).exitCode, 0U);
     folder.Write("in\\y.mrc", GrayStack(1));
     EXPECT_EQ(ToolRun(arguments, folder.Path()).exitCode, 0U);
-    EXPECT_EQ(Sheet(folder, "in/sheet.png").width, 448U);
+    EXPECT_EQ(PngPicture(folder, "in/sheet.png").width, 448U);
     EXPECT_THAT(folder.Files(), ElementsAre("in/sheet.png", "in/x.mrc", "in/y.mrc"));
 }
 
