@@ -59,9 +59,10 @@ PropertyStore::~PropertyStore()
 HRESULT PropertyStore::QueryInterface(REFIID riid, void** ppv)
 {
     static const QITAB interfaces[] = {
-        {&IID_IInitializeWithStream, OFFSETOFCLASS(IInitializeWithStream, PropertyStore)},
-        {&IID_IPropertyStore, OFFSETOFCLASS(IPropertyStore, PropertyStore)},
-        {&IID_IPropertyStoreCapabilities, OFFSETOFCLASS(IPropertyStoreCapabilities, PropertyStore)},
+        {&IID_IInitializeWithStream, static_cast<int>(OFFSETOFCLASS(IInitializeWithStream, PropertyStore))},
+        {&IID_IPropertyStore, static_cast<int>(OFFSETOFCLASS(IPropertyStore, PropertyStore))},
+        {&IID_IPropertyStoreCapabilities,
+         static_cast<int>(OFFSETOFCLASS(IPropertyStoreCapabilities, PropertyStore))},
         {nullptr, 0},
     };
     return QISearch(this, interfaces, riid, ppv);
