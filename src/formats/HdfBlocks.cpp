@@ -6,9 +6,10 @@
 #include <cstddef>
 #include <cstring>
 
-// How the library describes its kinds of blocks: collections of variable-length data, heaps, and the second
-// kind of index.
+// How the library describes its kinds of blocks: collections of variable-length data, heaps of names, heaps
+// of links and attributes, and the second kind of index.
 extern "C" const uint8_t H5AC_GHEAP[];
+extern "C" const uint8_t H5AC_LHEAP_PRFX[];
 extern "C" const uint8_t H5AC_FHEAP_HDR[];
 extern "C" const uint8_t H5AC_BT2_HDR[];
 extern "C" const uint8_t H5AC_BT2_INT[];
@@ -98,6 +99,8 @@ bool HdfBlocks::IsSound(const void* kind, uint64_t address, const void* request)
     const auto block = At(address);
     if (kind == H5AC_GHEAP)
         return IsCollectionFinite(block);
+    if (kind == H5AC_LHEAP_PRFX)
+        return IsFreeListFinite(block);
     if (kind == H5AC_FHEAP_HDR)
         return !IsFilteredHeap(block);
     if (kind == H5AC_BT2_HDR)
@@ -147,6 +150,41 @@ bool HdfBlocks::IsCollectionFinite(std::span<const uint8_t> collection) const no
         place += need;
     }
     return true;
+}
+
+bool HdfBlocks::IsFreeListFinite(std::span<const uint8_t> heap) const noexcept
+{
+    // Signature and version come first, then the size of the names, their first free place and their address.
+    // A free place holds the next one and its own size. The library follows them in circles, and before the
+    // names.
+    constexpr size_t sizeOffset = 8;
+    constexpr uint64_t lastPlace = 1;
+    if (lengthBytes == 0 || lengthBytes > sizeof(uint64_t) || addressBytes > sizeof(uint64_t))
+        return false;
+    const size_t freeOffset = sizeOffset + static_cast<size_t>(lengthBytes);
+    const size_t addressOffset = freeOffset + static_cast<size_t>(lengthBytes);
+    if (heap.size() < addressOffset + addressBytes)
+        return false;
+    const auto number = [](std::span<const uint8_t> block, uint64_t offset, uint64_t bytes) {
+        return LittleEndian(block.subspan(static_cast<size_t>(offset), static_cast<size_t>(bytes)));
+    };
+    const uint64_t size = number(heap, sizeOffset, lengthBytes);
+    const auto names = At(number(heap, addressOffset, addressBytes));
+    uint64_t place = number(heap, freeOffset, lengthBytes);
+    if (size == 0 || place == lastPlace)
+        return true;
+    const uint64_t placeBytes = 2 * lengthBytes;
+    if (size > names.size() || size < placeBytes)
+        return false;
+    for (uint64_t count = 0; count <= size / placeBytes; ++count)
+    {
+        if (place == lastPlace)
+            return true;
+        if (place > size - placeBytes)
+            return false;
+        place = number(names, place, lengthBytes);
+    }
+    return false;
 }
 
 bool HdfBlocks::HasExpectedRecords(std::span<const uint8_t> index, const void* request) const noexcept

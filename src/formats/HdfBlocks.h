@@ -34,6 +34,7 @@ public:
 private:
     [[nodiscard]] std::span<const uint8_t> At(uint64_t address) const noexcept;
     [[nodiscard]] bool IsCollectionFinite(std::span<const uint8_t> collection) const noexcept;
+    [[nodiscard]] bool IsFreeListFinite(std::span<const uint8_t> heap) const noexcept;
     [[nodiscard]] bool HasExpectedRecords(std::span<const uint8_t> index, const void* request) const noexcept;
     [[nodiscard]] bool HasExpectedElements(std::span<const uint8_t> array,
                                            const void* request) const noexcept;

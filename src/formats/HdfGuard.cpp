@@ -42,12 +42,12 @@ bool HasStack() noexcept
     return !allowance.isLimited || place > allowance.stackTop || allowance.stackTop - place <= deepestStack;
 }
 
-/// Small blocks are not refused: the library needs them to clear up, too.
+/// Small blocks are refused later: the library needs them to clear up, too.
 bool IsAllowed(uint64_t bytes) noexcept
 {
     constexpr uint64_t smallBlock = 0x1000;
-    return !allowance.isLimited || bytes <= smallBlock ||
-           bytes <= allowance.mostBytes - std::min(allowance.heldBytes, allowance.mostBytes);
+    const uint64_t most = bytes <= smallBlock ? 2 * allowance.mostBytes : allowance.mostBytes;
+    return !allowance.isLimited || bytes <= most - std::min(allowance.heldBytes, most);
 }
 
 void Hold(void* memory) noexcept

@@ -159,6 +159,46 @@ TEST(HdfReader, GivesUpADatasetWhoseIndexLiesWithinItself)
     RunOnSmallStack(smallStack, [&] { EXPECT_FALSE(FileOpen{bytes}.succeeded); });
 }
 
+void PutNumber(Bytes& file, uint64_t place, uint64_t number)
+{
+    for (size_t i = 0; i < sizeof(number); ++i)
+        file.at(static_cast<size_t>(place) + i) = static_cast<uint8_t>(number >> (8 * i));
+}
+
+/// A file with one image, whose heap of names has its first free place there and says that the next one is
+/// there, too.
+Bytes WithFreePlace(uint64_t first)
+{
+    constexpr ptrdiff_t freeOffset = 16;
+    constexpr size_t addressOffset = 24;
+    Bytes file = Hdf5File().AnyDataSet("/image", H5T_STD_U16LE, {40, 50}).Build();
+    const Bytes signature = {'H', 'E', 'A', 'P'};
+    const auto heap = static_cast<size_t>(
+        std::search(file.begin(), file.end(), signature.begin(), signature.end()) - file.begin());
+    const uint64_t names = file.at(heap + addressOffset) | uint64_t{file.at(heap + addressOffset + 1)} << 8;
+    PutNumber(file, heap + freeOffset, first);
+    constexpr uint64_t firstAfterTheName = 16;
+    if (first == firstAfterTheName)
+    {
+        PutNumber(file, names + first, first);
+        PutNumber(file, names + first + 8, 16);
+    }
+    return file;
+}
+
+TEST(HdfReader, GivesUpAGroupWhoseFreePlacesForNamesHaveNoEndOrLieOutside)
+{
+    // The heap has 88 bytes for names, and a free place has 16 bytes at least.
+    for (const uint64_t first : {uint64_t{16}, uint64_t{73}, uint64_t{88}, ~uint64_t{0}, ~uint64_t{15}})
+    {
+        const FileOpen open{WithFreePlace(first)};
+        EXPECT_FALSE(open.succeeded) << first;
+        EXPECT_THAT(open.lines, ElementsAre("[Lumora] HDF: No images found")) << first;
+    }
+    const FileOpen none{WithFreePlace(1)};
+    EXPECT_TRUE(none.succeeded) << "one that says that there is none";
+}
+
 TEST(HdfReader, UnpacksNoMoreThanAFileCanNeed)
 {
     // 256 MiB of zeros.
