@@ -8,6 +8,7 @@
 
 // How the library describes its kinds of blocks: collections of variable-length data, heaps of names, heaps
 // of links and attributes, and the second kind of index.
+// NOLINTBEGIN(readability-identifier-naming)
 extern "C" const uint8_t H5AC_GHEAP[];
 extern "C" const uint8_t H5AC_LHEAP_PRFX[];
 extern "C" const uint8_t H5AC_FHEAP_HDR[];
@@ -16,6 +17,7 @@ extern "C" const uint8_t H5AC_BT2_INT[];
 extern "C" const uint8_t H5AC_BT2_LEAF[];
 extern "C" const uint8_t H5AC_EARRAY_HDR[];
 extern "C" const uint8_t H5AC_FARRAY_HDR[];
+// NOLINTEND(readability-identifier-naming)
 
 namespace Tav::Imaging::RawImage {
 

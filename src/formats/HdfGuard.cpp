@@ -26,6 +26,9 @@ struct Allowance
 
 Allowance allowance;
 
+/// The largest block that the library needs with any file is the table of its cache, of half a megabyte.
+constexpr size_t enoughToClearUp = 0x400000;
+
 HdfReserve* reserve = nullptr;
 
 uintptr_t StackPlace() noexcept
@@ -77,9 +80,10 @@ void* Allocate(size_t count, size_t bytes) noexcept
     if ((bytes != 0 && count > SIZE_MAX / bytes) || !IsAllowed(count * bytes))
         return nullptr;
     static_cast<void>(TakeHdfStep());
-    void* memory = std::calloc(count, bytes);
+    const size_t size = std::max<size_t>(count * bytes, 1);
+    void* memory = std::calloc(size, 1);
     if (!memory && OpenReserve())
-        memory = std::calloc(count, bytes);
+        memory = std::calloc(size, 1);
     Hold(memory);
     return memory;
 }
@@ -120,11 +124,8 @@ HdfGuard::~HdfGuard()
     allowance = {};
 }
 
-HdfReserve::HdfReserve()
+HdfReserve::HdfReserve() : memory(std::make_unique_for_overwrite<uint8_t[]>(enoughToClearUp))
 {
-    // The largest block that the library needs with any file is the table of its cache, of half a megabyte.
-    constexpr size_t enoughToClearUp = 0x400000;
-    memory = std::make_unique_for_overwrite<uint8_t[]>(enoughToClearUp);
     reserve = this;
 }
 

@@ -3,6 +3,7 @@
 #include <hdf5.h>
 
 // The library's own function that takes an identifier away from its object.
+// NOLINTNEXTLINE(readability-identifier-naming)
 extern "C" void* H5I_remove(hid_t identifier);
 
 namespace Tav::Imaging::RawImage {

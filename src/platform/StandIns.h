@@ -119,6 +119,7 @@ void* CoTaskMemAlloc(size_t count);
 void CoTaskMemFree(void* memory);
 
 /// The size of a block of the C library's heap.
+// NOLINTNEXTLINE(bugprone-reserved-identifier)
 size_t _msize(void* memory);
 
 void OutputDebugStringW(const wchar_t* line);

@@ -19,7 +19,7 @@ void Store(void** place, void* address)
 template <typename Structure>
 Structure* At(HMODULE module, uint64_t relativeAddress)
 {
-    return reinterpret_cast<Structure*>(reinterpret_cast<uintptr_t>(module) + relativeAddress);
+    return reinterpret_cast<Structure*>(reinterpret_cast<uint8_t*>(module) + relativeAddress);
 }
 
 } // namespace

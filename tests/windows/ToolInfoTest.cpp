@@ -23,7 +23,7 @@ std::vector<uint8_t> AcquiredStack(std::string_view application)
         .Mode(6)
         .Version(20140)
         .ExtendedHeader("TAV ", AcquisitionHeader(1, application, ""))
-        .Samples(Pixels(4 * 2 * 3 * 2))
+        .Samples(Pixels(size_t{4} * 2 * 3 * 2))
         .Build();
 }
 
