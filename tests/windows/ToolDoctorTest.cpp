@@ -165,9 +165,11 @@ TEST_F(ToolDoctor, SaysThatExplorerIsToldNothingAboutAnExtension)
     const ToolRun run = Run({L"a.bin"});
     EXPECT_EQ(run.exitCode, 0U) << run.output;
     EXPECT_THAT(run.output, HasSubstr("note     a.bin: extension: Explorer is told nothing about .bin files; "
-                                      "they open in programs that ask WIC\n"));
-    EXPECT_THAT(run.output, EndsWith("\nAll is well, but Explorer is told nothing about .bin files and shows "
-                                     "no thumbnails of them: they open in programs that ask WIC.\n"));
+                                      "those that Lumora reads open in programs that ask WIC\n"));
+    EXPECT_THAT(run.output,
+                EndsWith("\nAll is well, but Explorer is told nothing about .bin files and takes no "
+                         "thumbnails of them from Lumora: those that Lumora reads open in programs "
+                         "that ask WIC.\n"));
 }
 
 TEST_F(ToolDoctor, SaysThatExplorerShowsNoThumbnails)

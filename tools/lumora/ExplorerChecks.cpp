@@ -123,9 +123,11 @@ void CheckExtension(const std::wstring& fileName, const RegistrationFindings& fi
         const std::wstring shown(FileExtension(fileName));
         const std::wstring files = shown.empty() ? L"files without an extension" : shown + L" files";
         diagnosis.Note(L"extension",
-                       L"Explorer is told nothing about " + files + L"; they open in programs that ask WIC",
+                       L"Explorer is told nothing about " + files +
+                           L"; those that Lumora reads open in programs that ask WIC",
                        L"All is well, but Explorer is told nothing about " + files +
-                           L" and shows no thumbnails of them: they open in programs that ask WIC.");
+                           L" and takes no thumbnails of them from Lumora: those that Lumora reads open in "
+                           L"programs that ask WIC.");
         return;
     }
     bool isOurs = true;
