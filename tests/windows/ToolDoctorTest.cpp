@@ -172,6 +172,20 @@ TEST_F(ToolDoctor, SaysThatExplorerIsToldNothingAboutAnExtension)
                          "that ask WIC.\n"));
 }
 
+TEST_F(ToolDoctor, SaysThatAnExtensionIsLeftOutOnPurpose)
+{
+    const std::wstring dllPath = LumoraModule::File().wstring();
+    ASSERT_FALSE(Lumora::Register(Scope::Machine, dllPath, Lumora::ExtensionNames{L".rec"}).failure);
+    folder.Write("a.rec", GrayStack(1));
+    const ToolRun run = Run({L"a.rec"});
+    ASSERT_FALSE(Lumora::Register(Scope::Machine, dllPath, Lumora::ExtensionNames{}).failure);
+    EXPECT_EQ(run.exitCode, 0U) << run.output;
+    EXPECT_THAT(run.output, HasSubstr("note     a.rec: extension: .rec is left out of the registration on "
+                                      "purpose\n"));
+    EXPECT_THAT(run.output, EndsWith("\nAll is well, but .rec is left out of the registration on purpose: "
+                                     "\"lumora register --without none\" takes it in.\n"));
+}
+
 TEST_F(ToolDoctor, SaysThatExplorerShowsNoThumbnails)
 {
     const RegistryBranch explorer = {HKEY_CURRENT_USER,

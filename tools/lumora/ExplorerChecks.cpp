@@ -2,7 +2,7 @@
 
 #include "FileList.h"
 #include "Paths.h"
-#include "registration/RegistryTable.h"
+#include "registration/Registration.h"
 
 #include <windows.h>
 
@@ -55,11 +55,11 @@ bool IsAbout(std::wstring_view valueName, std::wstring_view extension)
 }
 
 /// The registration's entry for the extension that tells the shell where thumbnails come from; nothing where
-/// the registration leaves the extension out.
+/// the extension is left out.
 std::optional<RegistryEntry> ThumbnailEntry(const wchar_t* extension, Scope scope)
 {
     const std::wstring path = ClassesKey(scope, extension).FullPath() + L"\\ShellEx\\";
-    for (const RegistryEntry& entry : RegistryEntries(scope, {}))
+    for (const RegistryEntry& entry : RegistryEntries(scope, {}, LeftOutExtensions(scope)))
     {
         if (entry.key.FullPath().starts_with(path))
             return entry;
@@ -115,12 +115,10 @@ void CheckExplorerSettings(Diagnosis& diagnosis)
 
 void CheckExtension(const std::wstring& fileName, const RegistrationFindings& findings, Diagnosis& diagnosis)
 {
-    const Extension* const extension = RegisteredExtension(fileName);
-    const std::optional<RegistryEntry> entry =
-        extension ? ThumbnailEntry(extension->text, findings.scope) : std::nullopt;
-    if (!entry)
+    const std::wstring shown(FileExtension(fileName));
+    const Extension* const extension = RegisteredExtension(shown);
+    if (!extension)
     {
-        const std::wstring shown(FileExtension(fileName));
         const std::wstring files = shown.empty() ? L"files without an extension" : shown + L" files";
         diagnosis.Note(L"extension",
                        L"Explorer is told nothing about " + files +
@@ -128,6 +126,15 @@ void CheckExtension(const std::wstring& fileName, const RegistrationFindings& fi
                        L"All is well, but Explorer is told nothing about " + files +
                            L" and takes no thumbnails of them from Lumora: those that Lumora reads open in "
                            L"programs that ask WIC.");
+        return;
+    }
+    const std::optional<RegistryEntry> entry = ThumbnailEntry(extension->text, findings.scope);
+    if (!entry)
+    {
+        diagnosis.Note(L"extension", shown + L" is left out of the registration on purpose",
+                       L"All is well, but " + shown +
+                           L" is left out of the registration on purpose: \"lumora register --without none\" "
+                           L"takes it in.");
         return;
     }
     bool isOurs = true;

@@ -122,7 +122,7 @@ private:
         const size_t firstPending = pending.size();
         for (const FolderEntry& entry : ListFolder(here, L"*"))
         {
-            if (!entry.isFolder && RegisteredExtension(entry.name))
+            if (!entry.isFolder && RegisteredExtension(FileExtension(entry.name)))
                 Add(JoinPath(here, entry.name), subfolder);
             if (entry.isFolder && !entry.isLink)
                 pending.push_back(JoinPath(subfolder, entry.name));
@@ -146,13 +146,13 @@ private:
 
 } // namespace
 
-const Extension* RegisteredExtension(std::wstring_view fileName) noexcept
+const Extension* RegisteredExtension(std::wstring_view text) noexcept
 {
     for (const Format& format : Formats())
     {
         for (const Extension& extension : format.extensions)
         {
-            if (AreSameName(FileExtension(fileName), extension.text))
+            if (AreSameName(text, extension.text))
                 return &extension;
         }
     }

@@ -28,8 +28,8 @@ struct FileList
     size_t failures = 0;
 };
 
-/// The extension of that file's name as Lumora registers it; null for another one.
-[[nodiscard]] const Extension* RegisteredExtension(std::wstring_view fileName) noexcept;
+/// The extension, which begins with its point, as Lumora registers it; null for another one.
+[[nodiscard]] const Extension* RegisteredExtension(std::wstring_view text) noexcept;
 
 /// Finds what the paths name: files, patterns with * and ? in their last part, and folders, which stand for
 /// all files below them with an extension that Lumora registers. A path that names nothing is complained
