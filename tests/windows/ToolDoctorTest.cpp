@@ -161,7 +161,7 @@ TEST_F(ToolDoctor, ShowsWhatTheReaderNotedAboutADamagedFile)
 
 TEST_F(ToolDoctor, SaysThatExplorerIsToldNothingAboutAnExtension)
 {
-    folder.Write("a.bin", BinFile().Size(4, 8).Samples(2, std::vector<uint8_t>(4 * 8 * 2)).Build());
+    folder.Write("a.bin", BinFile().Size(4, 8).Samples(2, std::vector<uint8_t>(64)).Build());
     const ToolRun run = Run({L"a.bin"});
     EXPECT_EQ(run.exitCode, 0U) << run.output;
     EXPECT_THAT(run.output, HasSubstr("note     a.bin: extension: Explorer is told nothing about .bin files; "
