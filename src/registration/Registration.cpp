@@ -131,6 +131,8 @@ RegistrationState CheckRegistration(Scope scope, const std::wstring& dllPath)
             AddName(state.missing, entry);
         else if (*present != entry.value)
             AddName(entry.isOwn ? state.outdated : state.leftToOthers, entry);
+        else
+            ++state.inPlace;
     }
     return state;
 }

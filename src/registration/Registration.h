@@ -28,6 +28,8 @@ struct RegistrationResult
 struct RegistrationState
 {
     std::optional<RegistrationFailure> failure;
+    /// How many values are there as they should be.
+    size_t inPlace = 0;
     /// What is not there.
     std::vector<std::wstring> missing;
     /// Our own keys that are not as they should be: those of another version, or for another Lumora.dll.

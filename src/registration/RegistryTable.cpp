@@ -299,6 +299,19 @@ RegistryEntry LeftOutEntry(Scope scope, const ExtensionNames& leftOut)
             {}};
 }
 
+RegistryKey ClassesKey(Scope scope, std::wstring_view path)
+{
+    return {BranchOf(Branch::Classes, scope), path};
+}
+
+RegistryKey ServerKey(Scope scope, View view, REFGUID classId)
+{
+    const wchar_t* const classes = view == View::ThirtyTwoBit ? L"WOW6432Node\\CLSID\\" : L"CLSID\\";
+    const RegistryKey key(BranchOf(Branch::Classes, scope),
+                          classes + GuidText(classId) + L"\\InprocServer32");
+    return key;
+}
+
 std::vector<RegistryKey> OwnTrees(Scope scope)
 {
     const std::vector<Substitution> placeholders = Placeholders({}, {});

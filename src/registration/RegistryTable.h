@@ -2,7 +2,10 @@
 
 #include "registration/RegistryKey.h"
 
+#include <guiddef.h>
+
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Lumora {
@@ -39,6 +42,19 @@ struct RegistryEntry
 
 /// The entry that tells which extensions are left out.
 [[nodiscard]] RegistryEntry LeftOutEntry(Scope scope, const ExtensionNames& leftOut);
+
+/// A key among the classes of the machine or of the user.
+[[nodiscard]] RegistryKey ClassesKey(Scope scope, std::wstring_view path);
+
+/// Which programs see a class: Windows keeps two lists of them.
+enum class View
+{
+    SixtyFourBit,
+    ThirtyTwoBit,
+};
+
+/// The key whose default value names the DLL of a class.
+[[nodiscard]] RegistryKey ServerKey(Scope scope, View view, REFGUID classId);
 
 /// The keys that are ours with everything in them.
 [[nodiscard]] std::vector<RegistryKey> OwnTrees(Scope scope);

@@ -43,6 +43,7 @@ TEST(Tool, ExplainsItselfAndEachCommand)
         {{L"--help", L"info"}, "Usage: lumora info"},
         {{L"render", L"x.mrc", L"-h"}, "Usage: lumora render"},
         {{L"sheet", L"--help"}, "Usage: lumora sheet"},
+        {{L"doctor", L"--help"}, "Usage: lumora doctor"},
         {{L"register", L"--help"}, "Usage: lumora register"},
         {{L"unregister", L"--help"}, "Usage: lumora unregister"},
     };
@@ -91,6 +92,7 @@ TEST(Tool, RefusesACommandLineThatMakesNoSense)
         {{L"sheet", L"--columns", L"0", L"x"}, "--columns does not take 0", "lumora sheet --help"},
         {{L"sheet", L"--columns=33", L"x"}, "--columns does not take 33", "lumora sheet --help"},
         {{L"sheet", L"--columns=all", L"x"}, "--columns does not take all", "lumora sheet --help"},
+        {{L"doctor", L"--verbose"}, "there is no option --verbose here", "lumora doctor --help"},
         {{L"register", L"x"}, "this command takes no x", "lumora register --help"},
         {{L"register", L"--dll"}, "--dll needs a value", "lumora register --help"},
         {{L"unregister", L"--dll", L"x"}, "there is no option --dll here", "lumora unregister --help"},

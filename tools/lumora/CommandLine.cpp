@@ -21,6 +21,8 @@ Command CommandOf(std::wstring_view name)
         return Command::Render;
     if (name == L"sheet")
         return Command::Sheet;
+    if (name == L"doctor")
+        return Command::Doctor;
     if (name == L"register")
         return Command::Register;
     if (name == L"unregister")
@@ -72,7 +74,7 @@ private:
     {
         if (Is(Command::None))
             line.command = CommandOf(word);
-        else if (WantsFiles())
+        else if (WantsFiles() || Is(Command::Doctor))
             line.paths.emplace_back(word);
         else
             Refuse(L"this command takes no " + std::wstring(word));
@@ -92,7 +94,7 @@ private:
             line.wantsVersion = true;
         else if (name == L"--verbose" && WantsFiles())
             line.isVerbose = true;
-        else if (name == L"--json" && Is(Command::Info))
+        else if (name == L"--json" && Is(Command::Info, Command::Doctor))
             line.wantsJson = true;
         else if (name == L"-o" && Is(Command::Render))
             line.outputFolder = Value(name);
@@ -108,7 +110,7 @@ private:
             line.columns = Number(name, Value(name), 1, mostColumns);
         else if (name == L"--user" && Is(Command::Register, Command::Unregister))
             line.scope = Scope::User;
-        else if (name == L"--dll" && Is(Command::Register))
+        else if (name == L"--dll" && Is(Command::Register, Command::Doctor))
             line.dllPath = Value(name);
         else if (name == L"--without" && Is(Command::Register))
             line.leftOut = Value(name);

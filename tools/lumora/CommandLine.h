@@ -16,6 +16,7 @@ enum class Command
     Info,
     Render,
     Sheet,
+    Doctor,
     Register,
     Unregister,
 };
@@ -31,7 +32,7 @@ struct CommandLine
     std::vector<std::wstring> paths;
     bool isVerbose = false;
 
-    // info
+    // info and doctor
     bool wantsJson = false;
 
     // render
@@ -46,7 +47,7 @@ struct CommandLine
     std::wstring sheetName = L"sheet.png";
     std::optional<uint32_t> columns;
 
-    // register and unregister
+    // register and unregister; doctor has the path too
     Scope scope = Scope::Machine;
     std::wstring dllPath;
     bool onlyCheck = false;

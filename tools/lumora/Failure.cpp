@@ -4,7 +4,9 @@
 #include <array>
 #include <cwchar>
 #include <cwctype>
+#include <exception>
 #include <iterator>
+#include <string_view>
 
 namespace Lumora {
 
@@ -44,7 +46,7 @@ constexpr NamedResult namedResults[] = {
     {FromError(ERROR_FILE_EXISTS), L"ERROR_FILE_EXISTS", L"the file exists"},
     {FromError(ERROR_ALREADY_EXISTS), L"ERROR_ALREADY_EXISTS", L"a file of that name exists"},
     {FromError(ERROR_FILENAME_EXCED_RANGE), L"ERROR_FILENAME_EXCED_RANGE", L"the name is too long"},
-    {FromError(ERROR_MOD_NOT_FOUND), L"ERROR_MOD_NOT_FOUND", L"the registered DLL was not found"},
+    {FromError(ERROR_MOD_NOT_FOUND), L"ERROR_MOD_NOT_FOUND", L"the DLL, or one that it needs, was not found"},
     {FromError(ERROR_BAD_EXE_FORMAT), L"ERROR_BAD_EXE_FORMAT", L"the DLL is not a 64-bit DLL"},
     {STG_E_FILENOTFOUND, L"STG_E_FILENOTFOUND", L"the file was not found"},
     {STG_E_PATHNOTFOUND, L"STG_E_PATHNOTFOUND", L"the folder was not found"},
@@ -113,6 +115,23 @@ void Require(HRESULT result, const wchar_t* what)
 {
     if (FAILED(result))
         throw Failure{std::wstring(what) + L": " + DescribeResult(result)};
+}
+
+std::optional<std::wstring> FailureOf(const std::function<void()>& work)
+try
+{
+    work();
+    return std::nullopt;
+}
+catch (const Failure& failure)
+{
+    return failure.text;
+}
+catch (const std::exception& exception)
+{
+    // The decoder lets exhausted memory pass through to its host.
+    const std::string_view text = exception.what();
+    return L"an exception ended the work: " + std::wstring(text.begin(), text.end());
 }
 
 } // namespace Lumora

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <functional>
+#include <optional>
 #include <string>
 
 namespace Lumora {
@@ -24,5 +26,8 @@ inline constexpr const wchar_t* notRegistered =
 
 /// Throws a failure when the result is one. `what` says what was tried: "cannot open the file".
 void Require(HRESULT result, const wchar_t* what);
+
+/// Does the work. Gives what went wrong: the text of a failure, or what is known of another exception.
+[[nodiscard]] std::optional<std::wstring> FailureOf(const std::function<void()>& work);
 
 } // namespace Lumora

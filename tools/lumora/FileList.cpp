@@ -2,7 +2,6 @@
 
 #include "Failure.h"
 #include "Paths.h"
-#include "registration/Formats.h"
 
 #include <windows.h>
 
@@ -51,19 +50,6 @@ std::vector<FolderEntry> ListFolder(const std::wstring& folder, const std::wstri
         return NameLess{}(left.name, right.name);
     });
     return entries;
-}
-
-bool HasRegisteredExtension(std::wstring_view name)
-{
-    for (const Format& format : Formats())
-    {
-        for (const Extension& extension : format.extensions)
-        {
-            if (AreSameName(FileExtension(name), extension.text))
-                return true;
-        }
-    }
-    return false;
 }
 
 class Finder
@@ -136,7 +122,7 @@ private:
         const size_t firstPending = pending.size();
         for (const FolderEntry& entry : ListFolder(here, L"*"))
         {
-            if (!entry.isFolder && HasRegisteredExtension(entry.name))
+            if (!entry.isFolder && RegisteredExtension(FileExtension(entry.name)))
                 Add(JoinPath(here, entry.name), subfolder);
             if (entry.isFolder && !entry.isLink)
                 pending.push_back(JoinPath(subfolder, entry.name));
@@ -159,6 +145,19 @@ private:
 };
 
 } // namespace
+
+const Extension* RegisteredExtension(std::wstring_view text) noexcept
+{
+    for (const Format& format : Formats())
+    {
+        for (const Extension& extension : format.extensions)
+        {
+            if (AreSameName(text, extension.text))
+                return &extension;
+        }
+    }
+    return nullptr;
+}
 
 FileList FindFiles(const std::vector<std::wstring>& paths, Console& console)
 {

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "Console.h"
+#include "registration/Formats.h"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Lumora {
@@ -25,6 +27,9 @@ struct FileList
     std::vector<SourceFile> files;
     size_t failures = 0;
 };
+
+/// The extension, which begins with its point, as Lumora registers it; null for another one.
+[[nodiscard]] const Extension* RegisteredExtension(std::wstring_view text) noexcept;
 
 /// Finds what the paths name: files, patterns with * and ? in their last part, and folders, which stand for
 /// all files below them with an extension that Lumora registers. A path that names nothing is complained

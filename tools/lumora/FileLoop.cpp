@@ -4,31 +4,7 @@
 #include "Failure.h"
 #include "Progress.h"
 
-#include <exception>
-
 namespace Lumora {
-
-namespace {
-
-/// Does the work on one file. Gives what went wrong.
-std::optional<std::wstring> Try(const SourceFile& file, const std::function<void(const SourceFile&)>& work)
-try
-{
-    work(file);
-    return std::nullopt;
-}
-catch (const Failure& failure)
-{
-    return failure.text;
-}
-catch (const std::exception& exception)
-{
-    // The decoder lets exhausted memory pass through to its host.
-    const std::string_view text = exception.what();
-    return L"an exception ended the work on the file: " + std::wstring(text.begin(), text.end());
-}
-
-} // namespace
 
 int ForEachFile(const FileList& list, const CommandLine& line, Console& console,
                 const std::function<void(const SourceFile&)>& work,
@@ -40,7 +16,7 @@ int ForEachFile(const FileList& list, const CommandLine& line, Console& console,
     for (const SourceFile& file : list.files)
     {
         progress.Next(file.name);
-        std::optional<std::wstring> failure = Try(file, work);
+        std::optional<std::wstring> failure = FailureOf([&] { work(file); });
         const std::vector<std::wstring> lines = decoderLines.Take();
         if (line.isVerbose)
         {

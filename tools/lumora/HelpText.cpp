@@ -12,6 +12,7 @@ Commands:
   info        tell what files hold: size, frames, pixel type, software
   render      write frames as PNG pictures
   sheet       write one PNG picture that shows many files
+  doctor      tell why there is no thumbnail
   register    make Lumora known to Windows
   unregister  take that back
 
@@ -81,6 +82,30 @@ Options:
   --help          this text
 )";
 
+constexpr std::wstring_view doctorHelp = LR"(Tells why there is no thumbnail, and changes nothing.
+
+Usage: lumora doctor [--json] [--dll PATH] [FILE...]
+
+A FILE is a file, a pattern like *.mrc, or a folder: then every file below it counts that has an extension
+which Lumora registers.
+
+It looks at what Windows is told of Lumora and at the DLL that is named there, starts Lumora's classes, looks at
+Explorer's settings, and opens each FILE as Explorer does. Each line is "ok", "note" or "problem"; the sentence
+at the end says what is wrong, the most fundamental thing first, and what to do. The exit code is 0 when all is
+well and 1 otherwise.
+
+- A registration for all users is enough. One for yourself alone is well too, but Windows takes no properties
+  from it. Where both are there and differ, yours hides the other, which is a problem.
+- A value that another program has set is a note, and a problem when it is about the extension of a FILE.
+- Run it without administrator rights, as Explorer does: with them, Windows does not look at your registration.
+
+Options:
+  --json      write one object: "allIsWell", "advice", "checks" and "files", each of these with its own "checks"
+  --dll PATH  the Lumora.dll that should be registered. Default: the one beside this program
+  --          what follows is a FILE, also when it begins with a dash
+  --help      this text
+)";
+
 constexpr std::wstring_view registerHelp =
     LR"(Makes Lumora known to Windows: to its imaging component as a decoder, to its shell for thumbnails and properties.
 
@@ -126,6 +151,8 @@ constexpr CommandHelp HelpOf(Command command) noexcept
         return {L"lumora render --help", renderHelp};
     case Command::Sheet:
         return {L"lumora sheet --help", sheetHelp};
+    case Command::Doctor:
+        return {L"lumora doctor --help", doctorHelp};
     case Command::Register:
         return {L"lumora register --help", registerHelp};
     case Command::Unregister:

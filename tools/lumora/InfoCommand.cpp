@@ -72,6 +72,7 @@ int PrintForPeople(const CommandLine& line, Console& console)
 int PrintForPrograms(const CommandLine& line, Console& console)
 {
     JsonWriter json;
+    json.BeginArray();
     const int exitCode = ForEachFile(
         FindFiles(line.paths, console), line, console,
         [&](const SourceFile& file) {
@@ -86,7 +87,8 @@ int PrintForPrograms(const CommandLine& line, Console& console)
             json.Text(L"error", *failure);
             json.EndObject();
         });
-    console.Print(json.Finish());
+    json.EndArray();
+    console.Print(json.Take() + L'\n');
     return exitCode;
 }
 

@@ -8,9 +8,39 @@ namespace Lumora {
 
 void JsonWriter::BeginObject()
 {
-    text += isFirstObject ? L"\n  {" : L",\n  {";
-    isFirstObject = false;
-    isFirstMember = true;
+    if (depth > 0)
+        BeginLine();
+    text += L'{';
+    isFirst = true;
+}
+
+void JsonWriter::EndObject()
+{
+    text += L'}';
+    isFirst = false;
+}
+
+void JsonWriter::BeginArray()
+{
+    text += L'[';
+    isFirst = true;
+    ++depth;
+}
+
+void JsonWriter::BeginArray(std::wstring_view name)
+{
+    Name(name);
+    BeginArray();
+}
+
+void JsonWriter::EndArray()
+{
+    --depth;
+    // One that holds nothing ends where it began.
+    if (!isFirst)
+        text += L'\n' + std::wstring(2 * depth, L' ');
+    text += L']';
+    isFirst = false;
 }
 
 void JsonWriter::Text(std::wstring_view name, std::wstring_view value)
@@ -25,15 +55,16 @@ void JsonWriter::Number(std::wstring_view name, uint32_t value)
     text += std::to_wstring(value);
 }
 
+void JsonWriter::Truth(std::wstring_view name, bool value)
+{
+    Name(name);
+    text += value ? L"true" : L"false";
+}
+
 void JsonWriter::Null(std::wstring_view name)
 {
     Name(name);
     text += L"null";
-}
-
-void JsonWriter::EndObject()
-{
-    text += L'}';
 }
 
 std::wstring JsonWriter::Take()
@@ -41,17 +72,11 @@ std::wstring JsonWriter::Take()
     return std::exchange(text, {});
 }
 
-std::wstring JsonWriter::Finish()
-{
-    text += L"\n]\n";
-    return Take();
-}
-
 void JsonWriter::Name(std::wstring_view name)
 {
-    if (!isFirstMember)
+    if (!isFirst)
         text += L", ";
-    isFirstMember = false;
+    isFirst = false;
     Quoted(name);
     text += L": ";
 }
@@ -78,6 +103,12 @@ void JsonWriter::Quoted(std::wstring_view value)
         }
     }
     text += L'"';
+}
+
+void JsonWriter::BeginLine()
+{
+    text += isFirst ? L"\n" : L",\n";
+    text.append(2 * depth, L' ');
 }
 
 } // namespace Lumora

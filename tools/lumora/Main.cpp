@@ -1,5 +1,6 @@
 #include "CommandLine.h"
 #include "Console.h"
+#include "DoctorCommand.h"
 #include "Failure.h"
 #include "HelpText.h"
 #include "InfoCommand.h"
@@ -51,6 +52,8 @@ int Run(const CommandLine& line, Console& console)
         return RunRender(line, console);
     case Command::Sheet:
         return RunSheet(line, console);
+    case Command::Doctor:
+        return RunDoctor(line, console);
     case Command::Register:
         return RunRegister(line, console);
     case Command::Unregister:

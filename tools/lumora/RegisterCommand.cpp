@@ -1,8 +1,8 @@
 #include "RegisterCommand.h"
 
 #include "Failure.h"
+#include "FileList.h"
 #include "Paths.h"
-#include "registration/Formats.h"
 #include "registration/Registration.h"
 
 #include <windows.h>
@@ -46,19 +46,6 @@ void List(Console& console, const wchar_t* what, const std::vector<std::wstring>
         console.Print(std::wstring(what) + L": " + name + L'\n');
 }
 
-bool IsRegistrable(const std::wstring& extension)
-{
-    for (const Format& format : Formats())
-    {
-        for (const Extension& known : format.extensions)
-        {
-            if (extension == known.text)
-                return true;
-        }
-    }
-    return false;
-}
-
 /// The extensions of a list like ".h5, map", or "none". Throws a Failure for one that is never registered.
 ExtensionNames ParseExtensions(std::wstring list)
 {
@@ -73,7 +60,7 @@ ExtensionNames ParseExtensions(std::wstring list)
     {
         if (!name.starts_with(L'.'))
             name.insert(0, 1, L'.');
-        if (!IsRegistrable(name))
+        if (!RegisteredExtension(name))
             throw Failure{L"the extension " + name + L" cannot be left out: Lumora never registers it"};
         names.push_back(name);
     }
