@@ -11,4 +11,4 @@ set_target_properties(hdf5-static PROPERTIES IMPORTED_LOCATION_RELEASE ${guarded
 target_link_options(hdf5-static INTERFACE
   -Wl,--wrap=H5T__alloc -Wl,--wrap=H5C_protect -Wl,--wrap=H5B2_delete -Wl,--wrap=H5AC_mark_entry_dirty
   -Wl,--wrap=H5Z_pipeline -Wl,--wrap=H5A__dense_open -Wl,--wrap=H5A__dense_exists -Wl,--wrap=H5A__dense_iterate
-  -Wl,--wrap=H5A__get_ainfo -Wl,--wrap=H5S_select_deserialize)
+  -Wl,--wrap=H5A__get_ainfo -Wl,--wrap=H5S_select_deserialize -Wl,--wrap=H5FA_iterate -Wl,--wrap=H5EA_iterate)

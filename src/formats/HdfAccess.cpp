@@ -8,7 +8,9 @@
 #include <hdf5.h>
 #include <hdf5_hl.h>
 
+#include <algorithm>
 #include <array>
+#include <cstdint>
 #include <limits>
 #include <new>
 #include <string_view>
@@ -60,6 +62,26 @@ bool HasSafeFilters(hid_t dataset)
             return false;
     }
     return count >= 0;
+}
+
+/// How many chunks a dataset is divided into, present or not; as many as can be counted where it is more.
+uint64_t ChunkCount(hid_t dataset)
+{
+    const HdfPropertyList creation{H5Dget_create_plist(dataset)};
+    const HdfDataSpace space{H5Dget_space(dataset)};
+    std::array<hsize_t, H5S_MAX_RANK> sides{};
+    std::array<hsize_t, H5S_MAX_RANK> chunkSides{};
+    const int rank = H5Sget_simple_extent_dims(space.id, sides.data(), nullptr);
+    if (rank < 0 || H5Pget_chunk(creation.id, H5S_MAX_RANK, chunkSides.data()) != rank)
+        return 0;
+    uint64_t count = 1;
+    for (size_t i = 0; i < static_cast<size_t>(rank); ++i)
+    {
+        const hsize_t chunkSide = std::max<hsize_t>(chunkSides[i], 1);
+        const uint64_t along = sides[i] / chunkSide + (sides[i] % chunkSide == 0 ? 0 : 1);
+        count = along != 0 && count > UINT64_MAX / along ? UINT64_MAX : count * along;
+    }
+    return count;
 }
 
 /// Makes ready to read a dataset, whose chunks are unpacked whole. False where one is larger than any file
@@ -158,6 +180,16 @@ bool IsStoredElsewhere(hid_t dataset)
     // What comes next may look into the index of chunks.
     ExpectChunks(dataset);
     return H5Pget_layout(creation.id) == H5D_VIRTUAL || H5Pget_external_count(creation.id) != 0;
+}
+
+uint64_t HdfStoredBytes(hid_t dataset)
+{
+    // Where all chunks follow each other without an index, the library adds them up one by one.
+    H5D_chunk_index_t index = H5D_CHUNK_IDX_BTREE;
+    const bool isCounted = H5Dget_chunk_index_type(dataset, &index) >= 0 && index == H5D_CHUNK_IDX_NONE;
+    if (isCounted && !TakeHdfSteps(ChunkCount(dataset)))
+        return 0;
+    return H5Dget_storage_size(dataset);
 }
 
 bool ReadHdfDataset(hid_t dataset, hid_t memoryType, uint64_t elementCount, void* buffer)

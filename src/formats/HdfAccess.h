@@ -27,6 +27,10 @@ namespace Tav::Imaging::RawImage {
 /// True for a dataset whose samples lie in other files, which are never opened.
 [[nodiscard]] bool IsStoredElsewhere(hid_t dataset);
 
+/// The bytes that a dataset's samples take in the file; 0 when there are none, or when they lie in more
+/// chunks than a file of its size can have.
+[[nodiscard]] uint64_t HdfStoredBytes(hid_t dataset);
+
 /// Reads a whole dataset, converted to `memoryType`, when it has exactly `elementCount` elements. The buffer
 /// must hold them.
 [[nodiscard]] bool ReadHdfDataset(hid_t dataset, hid_t memoryType, uint64_t elementCount, void* buffer);

@@ -54,7 +54,7 @@ private:
             links.failure = std::current_exception();
         }
         // Blocks of a group can refer to each other in circles.
-        return TakeHdfStep() && !links.failure ? 0 : -1;
+        return TakeHdfSteps() && !links.failure ? 0 : -1;
     }
 
     void Add(const char* name, H5L_type_t type)
@@ -171,7 +171,7 @@ std::optional<JpegPicture> DecodeHdfThumbnail(hid_t location, const std::string&
     const HdfDataSet dataset{H5Dopen2(location, name.c_str(), H5P_DEFAULT)};
     if (!dataset.IsOpen() || IsStoredElsewhere(dataset.id))
         return std::nullopt;
-    const hsize_t storedBytes = H5Dget_storage_size(dataset.id);
+    const uint64_t storedBytes = HdfStoredBytes(dataset.id);
     const HdfDataSpace space{H5Dget_space(dataset.id)};
     const hssize_t count = space.IsOpen() ? H5Sget_simple_extent_npoints(space.id) : -1;
     if (storedBytes < 1 || storedBytes > largestFile || count < 1 ||
@@ -288,7 +288,7 @@ void HdfDiscovery::CheckImage(hid_t group, const std::string& name, bool isCalle
     }
 
     const uint64_t frameBytes = BytesPerPixel(pixelType) * size->height * size->width;
-    const uint64_t storedBytes = H5Dget_storage_size(dataset.id);
+    const uint64_t storedBytes = HdfStoredBytes(dataset.id);
     if (storedBytes == 0 || frameBytes == 0)
         return;
     if (storedBytes % frameBytes != 0)

@@ -79,7 +79,7 @@ void* Allocate(size_t count, size_t bytes) noexcept
 {
     if ((bytes != 0 && count > SIZE_MAX / bytes) || !IsAllowed(count * bytes))
         return nullptr;
-    static_cast<void>(TakeHdfStep());
+    static_cast<void>(TakeHdfSteps());
     const size_t size = std::max<size_t>(count * bytes, 1);
     void* memory = std::calloc(size, 1);
     if (!memory && OpenReserve())
@@ -141,13 +141,13 @@ void ExpectHdfChunks(uint64_t chunkBytes, bool areFiltered) noexcept
         allowance.blocks->ExpectFilters(areFiltered);
 }
 
-bool TakeHdfStep() noexcept
+bool TakeHdfSteps(uint64_t count) noexcept
 {
     if (!allowance.isLimited)
         return true;
-    if (allowance.steps == 0 || (reserve && reserve->IsOpen()))
+    if (allowance.steps < count || (reserve && reserve->IsOpen()))
         return false;
-    --allowance.steps;
+    allowance.steps -= count;
     return true;
 }
 
@@ -221,7 +221,7 @@ void* __wrap_H5C_protect(H5F_t* file, const H5C_class_t* kind, uint64_t address,
         return __real_H5C_protect(file, kind, address, data, flags);
     try
     {
-        if (!TakeHdfStep() || !HasStack() || !allowance.blocks->IsSound(kind, address, data))
+        if (!TakeHdfSteps() || !HasStack() || !allowance.blocks->IsSound(kind, address, data))
             return nullptr;
         void* const object = __real_H5C_protect(file, kind, address, data, flags);
         if (object)
@@ -265,6 +265,30 @@ int __wrap_H5Z_pipeline(const H5O_pline_t* filters, unsigned flags, unsigned* ma
         __real_H5Z_pipeline(filters, flags, mask, checks, callback, byteCount, bufferBytes, buffer);
     const bool isShort = allowance.isLimited && *byteCount < allowance.chunkBytes;
     return result >= 0 && isShort ? -1 : result;
+}
+
+// Arrays of chunks. Of those that are not there, however many, nothing else is asked.
+struct H5FA_t;
+struct H5EA_t;
+int H5FA_get_nelmts(const H5FA_t* array, uint64_t* count);
+int H5EA_get_nelmts(const H5EA_t* array, uint64_t* count);
+int __real_H5FA_iterate(H5FA_t* array, const void* operation, void* data);
+int __real_H5EA_iterate(H5EA_t* array, const void* operation, void* data);
+
+int __wrap_H5FA_iterate(H5FA_t* array, const void* operation, void* data)
+{
+    uint64_t count = 0;
+    return H5FA_get_nelmts(array, &count) >= 0 && TakeHdfSteps(count)
+               ? __real_H5FA_iterate(array, operation, data)
+               : -1;
+}
+
+int __wrap_H5EA_iterate(H5EA_t* array, const void* operation, void* data)
+{
+    uint64_t count = 0;
+    return H5EA_get_nelmts(array, &count) >= 0 && TakeHdfSteps(count)
+               ? __real_H5EA_iterate(array, operation, data)
+               : -1;
 }
 
 int __real_H5B2_delete(H5F_t* file, uint64_t address, void* context, void* callback, void* data);

@@ -43,8 +43,8 @@ private:
     std::unique_ptr<uint8_t[]> memory;
 };
 
-/// Counts a piece of work that the library does for us; false when there has been too much of it.
-[[nodiscard]] bool TakeHdfStep() noexcept;
+/// Counts pieces of work that the library does for us; false, and nothing counted, when that is too much.
+[[nodiscard]] bool TakeHdfSteps(uint64_t count = 1) noexcept;
 
 /// Tells how many bytes a chunk of the dataset that is read next has, and whether they have been through
 /// filters; 0 when there are no chunks. Chunks that unpack to less are refused, and an index of others.

@@ -75,9 +75,9 @@ TEST(HdfGuard, CountsWork)
     const std::vector<uint8_t> file(1000);
     const HdfGuard guard{file};
     for (uint32_t step = 0; step < 2016000; ++step)
-        ASSERT_TRUE(TakeHdfStep()) << step;
-    EXPECT_FALSE(TakeHdfStep());
-    EXPECT_FALSE(TakeHdfStep());
+        ASSERT_TRUE(TakeHdfSteps()) << step;
+    EXPECT_FALSE(TakeHdfSteps());
+    EXPECT_FALSE(TakeHdfSteps());
 }
 
 TEST(HdfGuard, AllowsNoWorkAfterTheEndOfMemory)
@@ -85,23 +85,23 @@ TEST(HdfGuard, AllowsNoWorkAfterTheEndOfMemory)
     HdfReserve reserve;
     const HdfGuard guard{{}};
     EXPECT_FALSE(reserve.IsOpen());
-    EXPECT_TRUE(TakeHdfStep());
+    EXPECT_TRUE(TakeHdfSteps());
     reserve.Open();
     EXPECT_TRUE(reserve.IsOpen());
-    EXPECT_FALSE(TakeHdfStep());
+    EXPECT_FALSE(TakeHdfSteps());
     const HdfGuard nextGuard{{}};
-    EXPECT_FALSE(TakeHdfStep());
+    EXPECT_FALSE(TakeHdfSteps());
 }
 
 TEST(HdfGuard, LimitsNothingWhenItIsGone)
 {
     {
         const HdfGuard guard{{}};
-        while (TakeHdfStep())
+        while (TakeHdfSteps())
         {}
         EXPECT_FALSE(LumoraHdf_malloc(65 * megabyte));
     }
-    EXPECT_TRUE(TakeHdfStep());
+    EXPECT_TRUE(TakeHdfSteps());
     void* const memory = LumoraHdf_malloc(65 * megabyte);
     EXPECT_TRUE(memory);
     LumoraHdf_free(memory);

@@ -53,7 +53,7 @@ private:
     };
     struct ContextDeleter
     {
-        void operator()(HDC context) const noexcept { DeleteDC(context); }
+        void operator()(HDC handle) const noexcept { DeleteDC(handle); }
     };
 
     [[nodiscard]] uint32_t WidthOf(std::wstring_view text) const;
