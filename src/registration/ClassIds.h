@@ -4,6 +4,7 @@
 
 /// The class ids, the container format and the vendor id under which Windows knows Lumora.
 // clang-format off
+// NOLINTBEGIN(readability-identifier-naming): they are named as the SDK names its own.
 inline constexpr GUID CLSID_LumoraDecoder =
     {0x0B6C4D37, 0x1F0E, 0x4E5B, {0x9C, 0x57, 0x6A, 0x3D, 0x2C, 0x9E, 0x41, 0xF8}};
 inline constexpr GUID CLSID_LumoraPropertyHandler =
@@ -12,4 +13,5 @@ inline constexpr GUID GUID_ContainerFormatLumora =
     {0xE3A7F2C1, 0x58D4, 0x4B96, {0xA6, 0x0F, 0x2D, 0x8B, 0x7C, 0x1E, 0x9F, 0x34}};
 inline constexpr GUID GUID_VendorLumora =
     {0xAD317F28, 0x9C7A, 0x4BC5, {0xAF, 0xD9, 0x0D, 0x2A, 0xF0, 0x93, 0x0C, 0x75}};
+// NOLINTEND(readability-identifier-naming)
 // clang-format on

@@ -307,9 +307,7 @@ RegistryKey ClassesKey(Scope scope, std::wstring_view path)
 RegistryKey ServerKey(Scope scope, View view, REFGUID classId)
 {
     const wchar_t* const classes = view == View::ThirtyTwoBit ? L"WOW6432Node\\CLSID\\" : L"CLSID\\";
-    const RegistryKey key(BranchOf(Branch::Classes, scope),
-                          classes + GuidText(classId) + L"\\InprocServer32");
-    return key;
+    return {BranchOf(Branch::Classes, scope), classes + GuidText(classId) + L"\\InprocServer32"};
 }
 
 std::vector<RegistryKey> OwnTrees(Scope scope)

@@ -14,6 +14,7 @@
 template <typename Interface>
 [[nodiscard]] Interface* Untouchable()
 {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr)
     return reinterpret_cast<Interface*>(uintptr_t{0x1234});
 }
 

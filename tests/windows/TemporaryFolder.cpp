@@ -47,7 +47,7 @@ TemporaryFolder::~TemporaryFolder()
 std::filesystem::path TemporaryFolder::Write(const std::filesystem::path& name,
                                              std::span<const uint8_t> content) const
 {
-    const std::filesystem::path file = path / name;
+    std::filesystem::path file = path / name;
     std::filesystem::create_directories(file.parent_path());
     std::ofstream(file, std::ios::binary)
         .write(reinterpret_cast<const char*>(content.data()), static_cast<std::streamsize>(content.size()));

@@ -80,7 +80,7 @@ TEST(Discovery, FindsTheDecoderForEveryModeInBothByteOrders)
         {
             SCOPED_TRACE(testing::Message() << mode << ' ' << static_cast<int>(order));
             const std::vector<uint8_t> file =
-                MrcFile().Order(order).Size(6, 2, 1).Mode(mode).Samples(Pixels(6 * 2 * 4)).Build();
+                MrcFile().Order(order).Size(6, 2, 1).Mode(mode).Samples(Pixels(size_t{6} * 2 * 4)).Build();
             EXPECT_EQ(FormatOf(Discover(file)), GUID_ContainerFormatLumora);
         }
     }
@@ -268,7 +268,7 @@ TEST(Properties, ComeFromTheRegisteredHandler)
                                        .Mode(6)
                                        .Version(20140)
                                        .ExtendedHeader("TAV ", AcquisitionHeader(5, "TAV Ardix", "2.10"))
-                                       .Samples(Pixels(4 * 2 * 3 * 2))
+                                       .Samples(Pixels(size_t{4} * 2 * 3 * 2))
                                        .Build());
     EXPECT_THAT(ValuesOf(RegisteredStore(file)),
                 ElementsAre(PropertyValue(4UL), PropertyValue(2UL), PropertyValue(L"4 x 2 x 3"),
