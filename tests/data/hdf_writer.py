@@ -120,11 +120,13 @@ def put(location, path, data, image_class=None, interlace=None, **options):
     return dataset
 
 
-def allocate(location, name, file_type, shape):
+def allocate(location, name, file_type, shape, chunks=None):
     """A dataset of a type that numpy may not have, which takes up its space before it is written."""
     creation = h5py.h5p.create(h5py.h5p.DATASET_CREATE)
     creation.set_obj_track_times(False)
     creation.set_alloc_time(h5py.h5d.ALLOC_TIME_EARLY)
+    if chunks is not None:
+        creation.set_chunk(chunks)
     space = h5py.h5s.create_simple(shape)
     return h5py.h5d.create(location.id, name.encode("ascii"), file_type, space, creation)
 

@@ -324,6 +324,17 @@ def add_storage(folder):
         put(file, "image", image, image_class="IMAGE")
     folder.opens("latest.h5", [gray(image)])
 
+    # Each of these has another index of its chunks; the first has none.
+    with folder.new("chunks_in_a_row.h5", is_latest=True) as file:
+        dataset = allocate(file, "image", h5py.h5t.STD_U16LE, image.shape, chunks=(16, 12))
+        dataset.write(h5py.h5s.ALL, h5py.h5s.ALL, image)
+    folder.opens("chunks_in_a_row.h5", [gray(image)])
+    growing = {"array": None, "growing_array": (None, 96), "tree": (None, None)}
+    for index, largest in growing.items():
+        with folder.new(f"chunks_in_a_{index}.h5", is_latest=True) as file:
+            put(file, "image", image, chunks=(16, 12), maxshape=largest)
+        folder.opens(f"chunks_in_a_{index}.h5", [gray(image)])
+
 
 def add_values(folder):
     """Samples whose range decides how they are shown; alone and as two frames of a series."""
