@@ -93,7 +93,7 @@ public:
 
     DmTags& UInt32(std::string_view label, uint32_t number)
     {
-        return Value(label, DmType::uint32, std::move(ByteWriter().Put(number).bytes));
+        return Value(label, DmType::uint32, ByteWriter().Put(number).bytes);
     }
 
     /// A value of any simple type, as its bytes, which are little-endian.

@@ -114,6 +114,7 @@ Hdf5File& Hdf5File::Strings(const std::string& path, const std::vector<std::stri
     const HdfDataSet dataset{
         Made(H5Dcreate2(file, path.c_str(), type.id, space.id, linkCreation, H5P_DEFAULT, H5P_DEFAULT))};
     std::vector<const char*> pointers;
+    pointers.reserve(texts.size());
     for (const std::string& text : texts)
         pointers.push_back(text.c_str());
     Done(H5Dwrite(dataset.id, type.id, H5S_ALL, H5S_ALL, H5P_DEFAULT, pointers.data()));

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 using namespace Tav::Imaging::RawImage;
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 using Bytes = std::vector<uint8_t>;

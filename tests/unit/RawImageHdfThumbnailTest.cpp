@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 using namespace Tav::Imaging::RawImage;
-using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;

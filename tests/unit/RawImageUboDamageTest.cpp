@@ -8,7 +8,6 @@
 #include <numeric>
 
 using namespace Tav::Imaging::RawImage;
-using testing::ElementsAre;
 
 using Bytes = std::vector<uint8_t>;
 using Lines = std::vector<std::string>;
