@@ -104,7 +104,7 @@ size_t PortableExecutable::OffsetOf(DWORD relativeAddress) const
 std::string PortableExecutable::TextAt(DWORD relativeAddress) const
 {
     std::string text;
-    for (size_t offset = OffsetOf(relativeAddress); const char character = At<char>(offset); ++offset)
-        text.push_back(character);
+    for (size_t offset = OffsetOf(relativeAddress); At<char>(offset) != '\0'; ++offset)
+        text.push_back(At<char>(offset));
     return text;
 }

@@ -8,10 +8,10 @@ namespace {
 class Walker
 {
 public:
-    void AddKey(HKEY parent, const std::wstring& name, const std::wstring& path)
+    void AddKey(HKEY parent, const std::wstring& keyName, const std::wstring& path)
     {
         HKEY key = nullptr;
-        if (RegOpenKeyExW(parent, name.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS)
+        if (RegOpenKeyExW(parent, keyName.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS)
             return;
         snapshot[path] = {};
         AddValues(key, path);
