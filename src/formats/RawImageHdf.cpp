@@ -75,17 +75,19 @@ bool RawImageHdf::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
     entries.clear();
     if (!lock.Acquire())
         return Fail(L"Mutex timeout");
+    // The library lets go of the bytes last of all, also of a file that damage keeps from being closed.
+    std::vector<uint8_t> image;
     const HdfLibrary library;
     const bool isRead =
-        library.IsReady() ? ReadFile(stream, streamSize, frameIndex) : Fail(L"Could not open file");
+        library.IsReady() ? ReadFile(stream, streamSize, image, frameIndex) : Fail(L"Could not open file");
     if (library.HasRunOutOfMemory())
         throw std::bad_alloc();
     return isRead;
 }
 
-bool RawImageHdf::ReadFile(IStream* stream, uint64_t streamSize, uint32_t frameIndex)
+bool RawImageHdf::ReadFile(IStream* stream, uint64_t streamSize, std::vector<uint8_t>& image,
+                           uint32_t frameIndex)
 {
-    std::vector<uint8_t> image;
     const HdfFile file{OpenHdfFileImage(stream, streamSize, image)};
     if (!file.IsOpen())
         return Fail(L"Could not open file");

@@ -24,7 +24,8 @@ public:
     bool Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint32_t frameIndex) override;
 
 private:
-    [[nodiscard]] bool ReadFile(IStream* stream, uint64_t streamSize, uint32_t frameIndex);
+    [[nodiscard]] bool ReadFile(IStream* stream, uint64_t streamSize, std::vector<uint8_t>& image,
+                                uint32_t frameIndex);
     void ReadTexts(hid_t file);
     [[nodiscard]] bool ReadGrayFrame(hid_t file, const HdfImageEntry& entry);
     [[nodiscard]] bool ReadColourFrame(hid_t file, const HdfImageEntry& entry);

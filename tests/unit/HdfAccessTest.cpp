@@ -28,9 +28,9 @@ struct OpenedFile
         EXPECT_TRUE(file.IsOpen());
     }
 
-    HdfLibrary library;
     TestStream stream;
     Bytes image;
+    HdfLibrary library;
     HdfFile file;
 };
 
@@ -38,9 +38,9 @@ struct Opening
 {
     Opening(IStream& stream, uint64_t size)
     {
-        const HdfLibrary library;
         DiagnosticLines diagnostics;
         Bytes image;
+        const HdfLibrary library;
         identifier = HdfFile{OpenHdfFileImage(&stream, size, image)}.id;
         lines = diagnostics.Take();
     }
