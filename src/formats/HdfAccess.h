@@ -14,8 +14,8 @@ namespace Tav::Imaging::RawImage {
 
 // Everything here uses the HDF5 library, so the caller must have started it, which takes its mutex.
 
-/// Reads the whole stream into `image`, which must outlive the library, and opens it as a read-only HDF5 file.
-/// The file's identifier; -1, after a diagnostic line for a size that does not fit, on failure.
+/// Reads the whole stream into `image`, which must outlive the library, and opens it as a read-only HDF5
+/// file. The file's identifier; -1, after a diagnostic line for a size that does not fit, on failure.
 [[nodiscard]] hid_t OpenHdfFileImage(IStream* stream, uint64_t size, std::vector<uint8_t>& image);
 
 /// Sets `value` to the first string of a dataset of variable-length strings, up to its zero byte.
