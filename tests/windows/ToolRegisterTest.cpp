@@ -1,4 +1,5 @@
 #include "registration/Registration.h"
+#include "windows/ForeignValue.h"
 #include "windows/LumoraModule.h"
 #include "windows/ReadOnlyKey.h"
 #include "windows/TemporaryFolder.h"
@@ -8,6 +9,9 @@
 #include <gtest/gtest.h>
 
 using Lumora::CheckRegistration;
+using Lumora::RegistryBranch;
+using Lumora::RegistryKey;
+using Lumora::RegistryValue;
 using Lumora::Scope;
 using testing::ElementsAre;
 using testing::EndsWith;
@@ -96,14 +100,12 @@ TEST_F(ToolRegister, ChecksWithoutChangingAnything)
 
 TEST_F(ToolRegister, SaysWhatIsLeftToAnotherProgram)
 {
-    const std::wstring handlers =
-        L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\PropertySystem\\PropertyHandlers\\.rec";
-    const std::wstring foreign = L"{11111111-2222-3333-4444-555555555555}";
-    ASSERT_EQ(RegSetKeyValueW(HKEY_LOCAL_MACHINE, handlers.c_str(), nullptr, REG_SZ, foreign.c_str(),
-                              static_cast<DWORD>((foreign.size() + 1) * sizeof(wchar_t))),
-              ERROR_SUCCESS);
+    const RegistryBranch handlers{
+        HKEY_LOCAL_MACHINE,
+        L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\PropertySystem\\PropertyHandlers"};
+    const ForeignValue handler(RegistryKey(handlers, L".rec"), {},
+                               RegistryValue::Text(L"{11111111-2222-3333-4444-555555555555}"));
     const ToolRun run = Run({L"register"});
-    ASSERT_EQ(RegDeleteTreeW(HKEY_LOCAL_MACHINE, handlers.c_str()), ERROR_SUCCESS);
     EXPECT_EQ(run.exitCode, 0U) << run.error;
     EXPECT_THAT(run.output,
                 EndsWith("Left to another program: HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\"
