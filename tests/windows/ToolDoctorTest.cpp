@@ -17,6 +17,7 @@ using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::StartsWith;
 
 namespace {
@@ -203,6 +204,16 @@ TEST_F(ToolDoctor, TellsOfFilesThatAreNotThere)
     EXPECT_EQ(run.exitCode, 1U);
     EXPECT_THAT(run.error, StartsWith("lumora: missing.mrc: "));
     EXPECT_THAT(run.output, EndsWith("\nNot all of the files that were named are there.\n"));
+}
+
+TEST_F(ToolDoctor, LooksAtTheFilesOfAFolderThatExplorerIsToldAbout)
+{
+    folder.Write("in\\a.mrc", GrayStack(1));
+    folder.Write("in\\scan.dat", GrayStack(1));
+    const ToolRun run = Run({L"in"});
+    EXPECT_EQ(run.exitCode, 0U) << run.output;
+    EXPECT_THAT(run.output, HasSubstr("ok       in\\a.mrc: "));
+    EXPECT_THAT(run.output, Not(HasSubstr("scan.dat")));
 }
 
 TEST_F(ToolDoctor, ChangesNothing)

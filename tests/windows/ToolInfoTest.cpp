@@ -126,20 +126,24 @@ TEST(ToolInfo, ReadsAFileThatIsBeingWritten)
     EXPECT_EQ(run.exitCode, 0U) << run.error;
 }
 
-TEST(ToolInfo, LooksForRegisteredExtensionsInFoldersAndBelow)
+TEST(ToolInfo, TakesWhatIsReadAndWhatHasARegisteredExtensionInFoldersAndBelow)
 {
     const TemporaryFolder folder;
-    for (const wchar_t* const name : {L"in\\b.mrc", L"in\\A.MRC", L"in\\readme.txt", L"in\\deep\\er\\c.rec",
+    for (const wchar_t* const name : {L"in\\b.mrc", L"in\\A.MRC", L"in\\scan.dat", L"in\\deep\\er\\c.rec",
                                       L"in\\deep\\d.st", L"in\\mrc", L"in\\.mrc"})
         folder.Write(name, GrayStack(1));
+    for (const wchar_t* const name : {L"in\\readme.txt", L"in\\deep\\text.st"})
+        folder.Write(name, Pixels(100, 'x'));
     const ToolRun run({L"info", L"--json", L"in"}, folder.Path());
-    EXPECT_EQ(run.exitCode, 0U);
+    EXPECT_EQ(run.exitCode, 1U);
     std::vector<std::string> paths;
     for (size_t at = run.output.find("\"path\""); at != std::string::npos;
          at = run.output.find("\"path\"", at + 1))
         paths.push_back(run.output.substr(at + 9, run.output.find('"', at + 9) - at - 9));
-    EXPECT_THAT(paths, testing::ElementsAre("in\\\\A.MRC", "in\\\\b.mrc", "in\\\\deep\\\\d.st",
+    EXPECT_THAT(paths, testing::ElementsAre("in\\\\.mrc", "in\\\\A.MRC", "in\\\\b.mrc", "in\\\\mrc",
+                                            "in\\\\scan.dat", "in\\\\deep\\\\d.st", "in\\\\deep\\\\text.st",
                                             "in\\\\deep\\\\er\\\\c.rec"));
+    EXPECT_THAT(run.error, testing::StartsWith("lumora: in\\deep\\text.st: "));
 }
 
 TEST(ToolInfo, SaysWhenAFolderOrAPatternHoldsNothing)
@@ -148,7 +152,7 @@ TEST(ToolInfo, SaysWhenAFolderOrAPatternHoldsNothing)
     folder.Write("in\\readme.txt", Pixels(1));
     const ToolRun run({L"info", L"in", L"*.mrc"}, folder.Path());
     EXPECT_EQ(run.exitCode, 1U);
-    EXPECT_EQ(run.error, "lumora: in: no file in this folder has an extension that Lumora registers\n"
+    EXPECT_EQ(run.error, "lumora: in: there is no file for Lumora in this folder\n"
                          "lumora: *.mrc: no file has such a name\n");
 }
 

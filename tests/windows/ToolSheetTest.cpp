@@ -190,6 +190,26 @@ TEST(ToolSheet, ShowsTheFirstFrameOfEveryFormat)
     }
 }
 
+TEST(ToolSheet, ShowsEveryFileOfAFolderThatOpens)
+{
+    const std::vector<GrayFile> files = GrayFiles();
+    const TemporaryFolder folder;
+    folder.Write("in\\readme.txt", Pixels(100, 'x'));
+    for (size_t i = 0; i < files.size(); ++i)
+        folder.Write("in\\" + std::to_string(100 + i), files[i].content);
+    const PngPicture sheet = SmallSheet(folder, {L"--columns", L"1", L"in"});
+    EXPECT_EQ(sheet.height, 16 + files.size() * rowStep);
+    for (uint32_t row = 0; row < files.size(); ++row)
+    {
+        const GrayFile& file = files[row];
+        const auto height = static_cast<uint32_t>(file.pictures[0].size() / file.width);
+        EXPECT_EQ(sheet.Part(16 + (144 - file.width) / 2, 16 + row * rowStep + (32 - height) / 2, file.width,
+                             height),
+                  InThreeColours(file.pictures[0]))
+            << file.name;
+    }
+}
+
 TEST(ToolSheet, TellsNameSizePixelTypeAndFrameCount)
 {
     const TemporaryFolder folder;
@@ -297,7 +317,7 @@ TEST(ToolSheet, IsNotWrittenWhenThereAreNoFiles)
     const ToolRun run({L"sheet", L"in"}, folder.Path());
     EXPECT_EQ(run.exitCode, 1U);
     EXPECT_THAT(run.output, IsEmpty());
-    EXPECT_EQ(run.error, "lumora: in: no file in this folder has an extension that Lumora registers\n"
+    EXPECT_EQ(run.error, "lumora: in: there is no file for Lumora in this folder\n"
                          "lumora: there are no files for a sheet\n");
     EXPECT_THAT(folder.Read("sheet.png"), ElementsAre(1, 2, 3));
 }

@@ -110,7 +110,7 @@ std::wstring ForPrograms(const Diagnosis& diagnosis)
 int RunDoctor(const CommandLine& line, Console& console)
 {
     Diagnosis diagnosis;
-    const FileList list = FindFiles(line.paths, console);
+    const FileList list = FindFiles(line.paths, FolderRule::RegisteredExtension, console);
     if (list.failures > 0)
         diagnosis.Problem(Cause::File, L"files", L"not all that were named are there",
                           L"Not all of the files that were named are there.");

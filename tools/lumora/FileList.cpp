@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "Paths.h"
+#include "PropertyReader.h"
 
 #include <windows.h>
 
@@ -23,6 +24,8 @@ struct FolderEntry
     bool isFolder;
     /// A link to somewhere else, which may lead back to where it stands.
     bool isLink;
+    /// A file that must be fetched from afar before it can be read.
+    bool isOffline;
 };
 
 /// What a folder holds of this pattern, by name.
@@ -44,7 +47,8 @@ std::vector<FolderEntry> ListFolder(const std::wstring& folder, const std::wstri
         const std::wstring name = found.cFileName;
         if (name != L"." && name != L"..")
             entries.push_back({name, (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0,
-                               (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0});
+                               (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0,
+                               (found.dwFileAttributes & FILE_ATTRIBUTE_OFFLINE) != 0});
     } while (FindNextFileW(first, &found));
     std::sort(entries.begin(), entries.end(), [](const FolderEntry& left, const FolderEntry& right) {
         return NameLess{}(left.name, right.name);
@@ -55,7 +59,10 @@ std::vector<FolderEntry> ListFolder(const std::wstring& folder, const std::wstri
 class Finder
 {
 public:
-    explicit Finder(Console& console) : console(console) {}
+    Finder(FolderRule rule, Console& console) : rule(rule), console(console) {}
+    Finder(const Finder&) = delete;
+    Finder& operator=(const Finder&) = delete;
+    ~Finder() { console.ShowPassing({}); }
 
     void Find(const std::wstring& path)
     try
@@ -110,7 +117,7 @@ private:
             FindIn(folder, subfolder, pending);
         }
         if (list.files.size() + list.failures == before)
-            throw Failure{L"no file in this folder has an extension that Lumora registers"};
+            throw Failure{L"there is no file for Lumora in this folder"};
     }
 
     /// Adds the files of one folder and notes its subfolders. One that cannot be listed does not keep its
@@ -119,10 +126,11 @@ private:
     try
     {
         const std::wstring here = JoinPath(folder, subfolder);
+        console.ShowPassing(L"looking for files in " + here);
         const size_t firstPending = pending.size();
         for (const FolderEntry& entry : ListFolder(here, L"*"))
         {
-            if (!entry.isFolder && RegisteredExtension(FileExtension(entry.name)))
+            if (!entry.isFolder && Counts(entry, here))
                 Add(JoinPath(here, entry.name), subfolder);
             if (entry.isFolder && !entry.isLink)
                 pending.push_back(JoinPath(subfolder, entry.name));
@@ -135,12 +143,23 @@ private:
         Complain(JoinPath(folder, subfolder), failure);
     }
 
+    [[nodiscard]] bool Counts(const FolderEntry& file, const std::wstring& folder) const
+    {
+        if (RegisteredExtension(FileExtension(file.name)))
+            return true;
+        if (rule == FolderRule::RegisteredExtension || file.isOffline)
+            return false;
+        return !FailureOf(
+            [&] { static_cast<void>(ReadProperties(OpenablePath(JoinPath(folder, file.name)))); });
+    }
+
     void Complain(const std::wstring& path, const Failure& failure)
     {
         console.Complain(L"lumora: " + path + L": " + failure.text);
         ++list.failures;
     }
 
+    FolderRule rule;
     Console& console;
 };
 
@@ -159,9 +178,9 @@ const Extension* RegisteredExtension(std::wstring_view text) noexcept
     return nullptr;
 }
 
-FileList FindFiles(const std::vector<std::wstring>& paths, Console& console)
+FileList FindFiles(const std::vector<std::wstring>& paths, FolderRule rule, Console& console)
 {
-    Finder finder(console);
+    Finder finder(rule, console);
     for (const std::wstring& path : paths)
         finder.Find(path);
     return std::move(finder.list);

@@ -31,9 +31,17 @@ struct FileList
 /// The extension, which begins with its point, as Lumora registers it; null for another one.
 [[nodiscard]] const Extension* RegisteredExtension(std::wstring_view text) noexcept;
 
-/// Finds what the paths name: files, patterns with * and ? in their last part, and folders, which stand for
-/// all files below them with an extension that Lumora registers. A path that names nothing is complained
-/// about.
-[[nodiscard]] FileList FindFiles(const std::vector<std::wstring>& paths, Console& console);
+/// Which files below a folder count.
+enum class FolderRule
+{
+    /// Those with an extension that Lumora registers.
+    RegisteredExtension,
+    /// Those, and also files of any other name that Lumora reads. Lumora must be registered.
+    ReadableToo,
+};
+
+/// Finds what the paths name: files, patterns with * and ? in their last part, and folders with all that is
+/// below them. A path that names nothing is complained about.
+[[nodiscard]] FileList FindFiles(const std::vector<std::wstring>& paths, FolderRule rule, Console& console);
 
 } // namespace Lumora

@@ -27,8 +27,8 @@ constexpr std::wstring_view infoHelp = LR"(Tells what files hold.
 
 Usage: lumora info [--json] [--verbose] PATH...
 
-A PATH is a file, a pattern like *.mrc, or a folder: then every file below it counts that has an extension
-which Lumora registers. Lumora must be registered.
+A PATH is a file, a pattern like *.mrc, or a folder: then every file below it counts that Lumora reads, or that
+has an extension which Lumora registers. Lumora must be registered.
 
 Options:
   --json      write an array with one object for each file; a failed one has the member "error", a property
@@ -42,8 +42,8 @@ constexpr std::wstring_view renderHelp = LR"(Writes frames as PNG pictures.
 
 Usage: lumora render [-o FOLDER] [--frame N|all] [--size PIXELS] [--verbose] PATH...
 
-A PATH is a file, a pattern like *.mrc, or a folder: then every file below it counts that has an extension
-which Lumora registers. Lumora must be registered.
+A PATH is a file, a pattern like *.mrc, or a folder: then every file below it counts that Lumora reads, or that
+has an extension which Lumora registers. Lumora must be registered.
 
 The picture of NAME.mrc is NAME.png, or NAME-N.png for a frame other than the first and when all are asked for.
 Files from the subfolders of a PATH go to subfolders of the same names. An earlier picture is replaced, a source
@@ -63,8 +63,8 @@ constexpr std::wstring_view sheetHelp =
 
 Usage: lumora sheet [-o FILE] [--size PIXELS] [--columns N] [--verbose] PATH...
 
-A PATH is a file, a pattern like *.mrc, or a folder: then every file below it counts that has an extension
-which Lumora registers. Lumora must be registered.
+A PATH is a file, a pattern like *.mrc, or a folder: then every file below it counts that Lumora reads, or that
+has an extension which Lumora registers. Lumora must be registered.
 
 Below each picture stand the file's name, with the subfolder of the PATH in which it was found, its size in
 pixels, its pixel type and the number of its frames. A file that cannot be shown has a place that says so; why,

@@ -64,9 +64,9 @@ void ForPrograms(JsonWriter& json, const SourceFile& file, const std::vector<Pro
 
 int PrintForPeople(const CommandLine& line, Console& console)
 {
-    return ForEachFile(FindFiles(line.paths, console), line, console, [&console](const SourceFile& file) {
-        console.Print(ForPeople(file, ReadProperties(file.path)));
-    });
+    return ForEachFile(
+        FindFiles(line.paths, FolderRule::ReadableToo, console), line, console,
+        [&console](const SourceFile& file) { console.Print(ForPeople(file, ReadProperties(file.path))); });
 }
 
 int PrintForPrograms(const CommandLine& line, Console& console)
@@ -74,7 +74,7 @@ int PrintForPrograms(const CommandLine& line, Console& console)
     JsonWriter json;
     json.BeginArray();
     const int exitCode = ForEachFile(
-        FindFiles(line.paths, console), line, console,
+        FindFiles(line.paths, FolderRule::ReadableToo, console), line, console,
         [&](const SourceFile& file) {
             ForPrograms(json, file, ReadProperties(file.path));
             console.Print(json.Take());

@@ -58,7 +58,7 @@ private:
 int RunRender(const CommandLine& line, Console& console)
 {
     ComPtr<IWICImagingFactory> factory = MakeImagingFactory();
-    const FileList list = FindFiles(line.paths, console);
+    const FileList list = FindFiles(line.paths, FolderRule::ReadableToo, console);
     Renderer renderer(std::move(factory), list, line, console);
     return ForEachFile(list, line, console, [&renderer](const SourceFile& file) { renderer.Render(file); });
 }

@@ -55,7 +55,7 @@ int WriteSheet(IWICImagingFactory& factory, const FileList& list, const CommandL
 int RunSheet(const CommandLine& line, Console& console)
 {
     const ComPtr<IWICImagingFactory> factory = MakeImagingFactory();
-    const FileList list = FindFiles(line.paths, console);
+    const FileList list = FindFiles(line.paths, FolderRule::ReadableToo, console);
     if (list.files.empty())
         throw Failure{L"there are no files for a sheet"};
     int exitCode = 0;
