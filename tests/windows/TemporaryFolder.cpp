@@ -33,10 +33,12 @@ void DeleteFolder(const std::wstring& folder)
 
 TemporaryFolder::TemporaryFolder()
 {
+    // An earlier process of the same number may have left a folder behind, in which something is still open.
     static int count = 0;
-    path = std::filesystem::temp_directory_path() /
-           (L"lumora tests " + std::to_wstring(GetCurrentProcessId()) + L'-' + std::to_wstring(++count));
-    std::filesystem::create_directories(path);
+    do
+        path = std::filesystem::temp_directory_path() /
+               (L"lumora tests " + std::to_wstring(GetCurrentProcessId()) + L'-' + std::to_wstring(++count));
+    while (!std::filesystem::create_directories(path));
 }
 
 TemporaryFolder::~TemporaryFolder()
