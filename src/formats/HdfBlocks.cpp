@@ -71,7 +71,8 @@ uint64_t LittleEndian(std::span<const uint8_t> bytes) noexcept
 /// How many bytes it takes to store numbers up to a limit.
 uint64_t BytesFor(uint64_t limit) noexcept
 {
-    return limit == 0 ? 1 : (std::bit_width(limit) - 1) / 8 + 1;
+    // What type the width has depends on the library's age.
+    return limit == 0 ? 1 : static_cast<uint64_t>(std::bit_width(limit) - 1) / 8 + 1;
 }
 
 /// True for a heap of links or attributes whose blocks have to be unpacked. Nobody packs them, and a block
