@@ -19,9 +19,15 @@ constexpr size_t largestBlock = size_t{1} << 30;
 } // namespace
 
 // In this program there is no memory for a block of more than 1 GiB.
+void* operator new(size_t size, const std::nothrow_t&) noexcept
+{
+    return size <= largestBlock ? std::malloc(size) : nullptr;
+}
+
+// Both are replaced: the sanitizer's own would not ask the other, and what it gives must not be freed below.
 void* operator new(size_t size)
 {
-    void* const block = size <= largestBlock ? std::malloc(size) : nullptr;
+    void* const block = operator new(size, std::nothrow);
     if (!block)
         throw std::bad_alloc();
     return block;
