@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <iterator>
 
 using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
@@ -82,8 +83,7 @@ TYPED_TEST(DmReader, FindsTheImagesThatAreDescribedBeforeTheFileIsCut)
         {stackDimensions + BytesOfDimensions(this->layout, 3), 2, PixelType::UInt16, ignored},
     };
     const auto expected = [&](size_t length) {
-        return std::find_if(std::rbegin(rows), std::rend(rows),
-                            [length](const LengthRow& row) { return length >= row.begin; });
+        return std::prev(std::ranges::upper_bound(rows, length, {}, &LengthRow::begin));
     };
     for (size_t length = headerBytes; length <= whole.size(); ++length)
     {
