@@ -34,7 +34,10 @@ protected:
                 .failure);
     }
 
-    [[nodiscard]] ToolRun Run(const Arguments& arguments) const { return {arguments, folder.Path()}; }
+    [[nodiscard]] ToolRun Run(const Arguments& arguments, ToolOutput output = ToolOutput::Kept) const
+    {
+        return {arguments, folder.Path(), output};
+    }
 
     static bool IsRegistered(Scope scope, const std::filesystem::path& dllPath = LumoraModule::File())
     {
@@ -96,6 +99,17 @@ TEST_F(ToolRegister, ChecksWithoutChangingAnything)
     EXPECT_THAT(run.output, HasSubstr("Missing: HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes\\CLSID\\"));
     EXPECT_THAT(run.output, HasSubstr("Lumora is not completely registered for all users"));
     EXPECT_FALSE(IsRegistered(Scope::Machine));
+}
+
+// As when a setup program runs it, which has no console.
+TEST_F(ToolRegister, DoesWhatItIsToldWhenItCannotSaySo)
+{
+    const ToolRun removal = Run({L"unregister"}, ToolOutput::Unwritable);
+    EXPECT_EQ(removal.exitCode, 0U) << removal.error;
+    EXPECT_FALSE(IsRegistered(Scope::Machine));
+    const ToolRun registration = Run({L"register"}, ToolOutput::Unwritable);
+    EXPECT_EQ(registration.exitCode, 0U) << registration.error;
+    EXPECT_TRUE(IsRegistered(Scope::Machine));
 }
 
 TEST_F(ToolRegister, SaysWhatIsLeftToAnotherProgram)

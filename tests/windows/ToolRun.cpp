@@ -25,12 +25,12 @@ std::wstring Quoted(const std::wstring& argument)
     return text.append(backslashes, L'\\') + L"\"";
 }
 
-/// A file that the child process writes to.
-HANDLE OpenForChild(const std::filesystem::path& path)
+/// A new file for the child process, which may do no more than this with it.
+HANDLE OpenForChild(const std::filesystem::path& path, DWORD access)
 {
     SECURITY_ATTRIBUTES inheritable = {sizeof(inheritable), nullptr, TRUE};
     const HANDLE file =
-        CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inheritable, CREATE_ALWAYS, 0, nullptr);
+        CreateFileW(path.c_str(), access, FILE_SHARE_READ, &inheritable, CREATE_ALWAYS, 0, nullptr);
     EXPECT_NE(file, INVALID_HANDLE_VALUE);
     return file;
 }
@@ -43,7 +43,8 @@ std::string TextOf(const std::filesystem::path& path)
 
 } // namespace
 
-ToolRun::ToolRun(const std::vector<std::wstring>& arguments, const std::filesystem::path& folder)
+ToolRun::ToolRun(const std::vector<std::wstring>& arguments, const std::filesystem::path& folder,
+                 ToolOutput toolOutput)
 {
     std::wstring commandLine = Quoted(LumoraModule::File().replace_filename(L"lumora.exe").wstring());
     for (const std::wstring& argument : arguments)
@@ -54,8 +55,9 @@ ToolRun::ToolRun(const std::vector<std::wstring>& arguments, const std::filesyst
     startup.cb = sizeof(startup);
     startup.dwFlags = STARTF_USESTDHANDLES;
     startup.hStdInput = GetStdHandle(STD_INPUT_HANDLE);
-    startup.hStdOutput = OpenForChild(outputs.Path() / "output");
-    startup.hStdError = OpenForChild(outputs.Path() / "error");
+    startup.hStdOutput = OpenForChild(outputs.Path() / "output",
+                                      toolOutput == ToolOutput::Kept ? GENERIC_WRITE : GENERIC_READ);
+    startup.hStdError = OpenForChild(outputs.Path() / "error", GENERIC_WRITE);
     PROCESS_INFORMATION process = {};
     const BOOL isStarted = CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr,
                                           folder.c_str(), &startup, &process);

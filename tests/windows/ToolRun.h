@@ -4,11 +4,19 @@
 #include <string>
 #include <vector>
 
+/// What becomes of what a program prints: it is kept, or cannot be written, as on a full disk.
+enum class ToolOutput
+{
+    Kept,
+    Unwritable,
+};
+
 /// One run of lumora.exe: its exit code and what it wrote, as UTF-8.
 struct ToolRun
 {
     /// Runs the program with these arguments in a folder, and waits for its end.
-    ToolRun(const std::vector<std::wstring>& arguments, const std::filesystem::path& folder);
+    ToolRun(const std::vector<std::wstring>& arguments, const std::filesystem::path& folder,
+            ToolOutput toolOutput = ToolOutput::Kept);
 
     unsigned long exitCode = ~0UL;
     std::string output;

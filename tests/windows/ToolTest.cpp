@@ -1,3 +1,4 @@
+#include "windows/GrayStack.h"
 #include "windows/RegisteredLumora.h"
 #include "windows/TemporaryFolder.h"
 #include "windows/ToolRun.h"
@@ -54,6 +55,22 @@ TEST(Tool, ExplainsItselfAndEachCommand)
         EXPECT_THAT(run.output, HasSubstr(row.expected));
         EXPECT_THAT(run.output, EndsWith("\n"));
         EXPECT_THAT(run.error, IsEmpty());
+    }
+}
+
+TEST(Tool, FailsWhenItCannotWriteWhatItWasAskedFor)
+{
+    const TemporaryFolder folder;
+    folder.Write("a.mrc", GrayStack(1));
+    const Arguments commandLines[] = {
+        {L"--version"},        {L"unregister", L"--help"}, {L"info", L"a.mrc"},
+        {L"render", L"a.mrc"}, {L"register", L"--check"},
+    };
+    for (const Arguments& arguments : commandLines)
+    {
+        const ToolRun run(arguments, folder.Path(), ToolOutput::Unwritable);
+        EXPECT_EQ(run.exitCode, 1U) << std::filesystem::path(arguments.front());
+        EXPECT_EQ(run.error, "lumora: not all of the output could be written\n");
     }
 }
 

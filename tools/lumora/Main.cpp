@@ -31,7 +31,7 @@ public:
     ~ComApartment() { CoUninitialize(); }
 };
 
-int Run(const CommandLine& line, Console& console)
+int RunCommand(const CommandLine& line, Console& console)
 {
     if (line.wantsHelp)
     {
@@ -64,6 +64,22 @@ int Run(const CommandLine& line, Console& console)
     return wrongUsage;
 }
 
+/// Whether the command was given for what it prints. A registration is done or taken back whether or not
+/// anybody reads of it: a setup program has no console for that.
+bool IsOutputWanted(const CommandLine& line)
+{
+    const bool changesTheRegistry = line.command == Command::Register || line.command == Command::Unregister;
+    return !changesTheRegistry || line.onlyCheck || line.wantsHelp || line.wantsVersion;
+}
+
+int Run(const CommandLine& line, Console& console)
+{
+    const int exitCode = RunCommand(line, console);
+    if (exitCode == 0 && IsOutputWanted(line) && !console.IsComplete())
+        throw Failure{L"not all of the output could be written"};
+    return exitCode;
+}
+
 } // namespace
 
 // The start-up code gives the name.
@@ -89,11 +105,6 @@ int wmain(int count, wchar_t** arguments) // NOLINT(readability-identifier-namin
     {
         const std::string_view text = exception.what();
         console.Complain(L"lumora: " + std::wstring(text.begin(), text.end()));
-    }
-    if (exitCode == 0 && !console.IsComplete())
-    {
-        console.Complain(L"lumora: not all of the output could be written");
-        exitCode = somethingFailed;
     }
     return exitCode;
 }
