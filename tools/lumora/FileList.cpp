@@ -169,11 +169,11 @@ const Extension* RegisteredExtension(std::wstring_view text) noexcept
 {
     for (const Format& format : Formats())
     {
-        for (const Extension& extension : format.extensions)
-        {
-            if (AreSameName(text, extension.text))
-                return &extension;
-        }
+        const auto found = std::ranges::find_if(format.extensions, [text](const Extension& extension) {
+            return AreSameName(text, extension.text);
+        });
+        if (found != format.extensions.end())
+            return &*found;
     }
     return nullptr;
 }

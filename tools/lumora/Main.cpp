@@ -40,7 +40,7 @@ int RunCommand(const CommandLine& line, Console& console)
     }
     if (line.wantsVersion)
     {
-        console.Print(L"lumora " LUMORA_VERSION L"\n");
+        console.Print(std::wstring(L"lumora ") + LUMORA_VERSION + L"\n");
         return 0;
     }
     const ComApartment apartment;
