@@ -295,6 +295,8 @@ std::unique_ptr<TestStream> LatticeStream()
                                           start + 256 * sliceBytes, MicrographFrame(PixelType::UInt16, 512));
 }
 
+const Hdf5Storage chunkPerFrame = {.chunk = {2048, 2048, 1}};
+
 const BenchFile benchFiles[] = {
     {"Mrc/Int8/4096", [] { return MrcStream(0, PixelType::Int8, 4096); }},
     {"Mrc/Int16/4096", [] { return MrcStream(1, PixelType::Int16, 4096); }},
@@ -308,11 +310,7 @@ const BenchFile benchFiles[] = {
     {"Emi/UInt16/1024/20images", EmiStream, 10},
     {"Hdf/UInt16/4096", HdfStream},
     {"Hdf/UInt16/2048/60frames", [] { return HdfSeriesStream({}); }, 30},
-    {"Hdf/UInt16/2048/60frames/chunked",
-     [] {
-         return HdfSeriesStream({.chunk = {2048, 2048, 1}});
-     },
-     50},
+    {"Hdf/UInt16/2048/60frames/chunked", [] { return HdfSeriesStream(chunkPerFrame); }, 50},
     {"Npy/UInt16/4096", NpyStream},
     {"Raw/UInt16/4096", RawStream},
     {"Bin/UInt16/4096", BinStream},

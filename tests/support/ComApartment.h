@@ -6,19 +6,18 @@
 class ComApartment
 {
 public:
-#ifdef _WIN32
     ComApartment()
     {
+#ifdef _WIN32
         CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+#endif
     }
     ~ComApartment()
     {
+#ifdef _WIN32
         CoUninitialize();
-    }
-#else
-    ComApartment() {}
-    ~ComApartment() {}
 #endif
+    }
     ComApartment(const ComApartment&) = delete;
     ComApartment& operator=(const ComApartment&) = delete;
 };

@@ -7,7 +7,6 @@
 #include <gmock/gmock.h>
 
 #include <cstdint>
-#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -28,11 +27,11 @@ struct TagList
         return *this;
     }
 
-    TagList& Dimensions(std::initializer_list<uint32_t> numbers)
+    template <typename... Numbers>
+    TagList& Dimensions(Numbers... numbers)
     {
         DmTags dimensions{layout};
-        for (const uint32_t number : numbers)
-            dimensions.UInt32("", number);
+        (dimensions.UInt32("", static_cast<uint32_t>(numbers)), ...);
         return Group("Dimensions", dimensions);
     }
 

@@ -29,9 +29,36 @@ struct StreamFaults
     HRESULT success = S_OK;
 };
 
+/// One of the calls that can be told to fail.
+using FailingStreamCall = uint32_t StreamFaults::*;
+
+#ifdef _WIN32
+/// The rest of the Windows interface, which nobody here calls.
+class ReadOnlyStream : public IStream
+{
+public:
+    HRESULT STDMETHODCALLTYPE Write(const void*, ULONG, ULONG*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE SetSize(ULARGE_INTEGER) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE CopyTo(IStream*, ULARGE_INTEGER, ULARGE_INTEGER*, ULARGE_INTEGER*) override
+    {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE Commit(DWORD) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Revert() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override
+    {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE Clone(IStream**) override { return E_NOTIMPL; }
+};
+#else
+using ReadOnlyStream = IStream;
+#endif
+
 /// A stream over bytes in memory that counts what is asked of it and can be told to misbehave. It belongs
 /// to the test, on the stack; references are counted so that a test can see that all have been released.
-class TestStream : public IStream
+class TestStream : public ReadOnlyStream
 {
 public:
     explicit TestStream(std::vector<uint8_t> content, StreamFaults streamFaults = {})
@@ -92,42 +119,6 @@ public:
         statistics->cbSize.QuadPart = faults.reportedSize.value_or(bytes.size());
         return faults.success;
     }
-
-    // The rest of the Windows interface, which nobody here calls.
-#ifdef _WIN32
-    HRESULT STDMETHODCALLTYPE Write(const void*, ULONG, ULONG*) override
-    {
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE SetSize(ULARGE_INTEGER) override
-    {
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE CopyTo(IStream*, ULARGE_INTEGER, ULARGE_INTEGER*, ULARGE_INTEGER*) override
-    {
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE Commit(DWORD) override
-    {
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE Revert() override
-    {
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override
-    {
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override
-    {
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE Clone(IStream**) override
-    {
-        return E_NOTIMPL;
-    }
-#endif
 
     std::vector<uint8_t> bytes;
     StreamFaults faults;

@@ -14,82 +14,58 @@ constexpr auto uint16 = PixelType::UInt16;
 TYPED_TEST(DmReader, TakesAnUnsignedValueBehindItsLabelAsTheTypeOfTheSamples)
 {
     const SearchRow rows[] = {
-        {"a signed value",
-         [](TagList& list) {
-             list.Data(10).Signed("DataType", 10).Dimensions({3, 1});
-         },
-         {}},
+        {"a signed value", [](TagList& list) { list.Data(10).Signed("DataType", 10).Dimensions(3, 1); }, {}},
         {"a value of 16 bits",
          [](TagList& list) {
              list.Data(10).tags.Value("DataType", DmType::uint16, {10, 0});
-             list.Dimensions({3, 1});
+             list.Dimensions(3, 1);
          },
          {}},
         {"a value of 64 bits",
          [](TagList& list) {
              list.Data(10).tags.Value("DataType", DmType::uint64, {10, 0, 0, 0, 0, 0, 0, 0});
-             list.Dimensions({3, 1});
+             list.Dimensions(3, 1);
          },
          {}},
-        {"text",
-         [](TagList& list) {
-             list.Data(10).Text("DataType").Dimensions({3, 1});
-         },
-         {}},
+        {"text", [](TagList& list) { list.Data(10).Text("DataType").Dimensions(3, 1); }, {}},
         {"a group that begins with a value",
          [](TagList& list) {
-             list.Data(10).Group("DataType", list.NewGroup().UInt32("", 10)).Dimensions({3, 1});
+             list.Data(10).Group("DataType", list.NewGroup().UInt32("", 10)).Dimensions(3, 1);
          },
          {{uint16, 3, 1, 10}}},
         {"a group that begins with a labelled value",
          [](TagList& list) {
-             list.Data(10).Group("DataType", list.NewGroup().UInt32("a", 10)).Dimensions({3, 1});
+             list.Data(10).Group("DataType", list.NewGroup().UInt32("a", 10)).Dimensions(3, 1);
          },
          {}},
         {"a large array before the value",
          [](TagList& list) {
              list.Data(10).tags.Array("DataType", DmType::uint16, 10000, NumberedSamples(50));
-             list.Unsigned("", 10).Dimensions({3, 1});
+             list.Unsigned("", 10).Dimensions(3, 1);
          },
          {}},
         {"a signed value before an unsigned one, of which only the latter is kept",
-         [](TagList& list) {
-             list.Data(10).Signed("DataType", 1).Unsigned("", 10).Dimensions({3, 1});
-         },
+         [](TagList& list) { list.Data(10).Signed("DataType", 1).Unsigned("", 10).Dimensions(3, 1); },
          {{uint16, 3, 1, 10}}},
         {"two types, of which the second counts",
-         [](TagList& list) {
-             list.Data(10).DataType(1).DataType(10).Dimensions({3, 1});
-         },
+         [](TagList& list) { list.Data(10).DataType(1).DataType(10).Dimensions(3, 1); },
          {{uint16, 3, 1, 10}}},
         {"a label without a value does not undo the type",
-         [](TagList& list) {
-             list.Data(10).DataType(10).Text("DataType").Dimensions({3, 1});
-         },
+         [](TagList& list) { list.Data(10).DataType(10).Text("DataType").Dimensions(3, 1); },
          {{uint16, 3, 1, 10}}},
-        {"a label at the end",
-         [](TagList& list) {
-             list.Data(10).Dimensions({3, 1}).Text("DataType");
-         },
-         {}},
+        {"a label at the end", [](TagList& list) { list.Data(10).Dimensions(3, 1).Text("DataType"); }, {}},
         {"an unknown type discards the data",
-         [](TagList& list) {
-             list.Data(10).DataType(3).DataType(10).Dimensions({3, 1});
-         },
+         [](TagList& list) { list.Data(10).DataType(3).DataType(10).Dimensions(3, 1); },
          {}},
         {"an unknown type discards the type and the data",
-         [](TagList& list) {
-             list.Data(10).DataType(10).DataType(0).Dimensions({3, 1});
-         },
+         [](TagList& list) { list.Data(10).DataType(10).DataType(0).Dimensions(3, 1); },
          {}},
         {"an unknown type discards the dimensions",
-         [](TagList& list) {
-             list.Data(10).Dimensions({3, 1}).DataType(3).Data(50).DataType(10);
-         },
+         [](TagList& list) { list.Data(10).Dimensions(3, 1).DataType(3).Data(50).DataType(10); },
          {}},
         {"the image after one of an unknown type",
          [](TagList& list) {
-             list.Data(10).DataType(3).Dimensions({9, 9}).Data(50).DataType(10).Dimensions({3, 1});
+             list.Data(10).DataType(3).Dimensions(9, 9).Data(50).DataType(10).Dimensions(3, 1);
          },
          {{uint16, 3, 1, 50}}},
     };
@@ -100,34 +76,26 @@ TYPED_TEST(DmReader, TakesAnUnsignedValueBehindItsLabelAsTheTypeOfTheSamples)
 TYPED_TEST(DmReader, TakesTwoOrThreeUnsignedValuesBehindTheirLabelAsTheDimensions)
 {
     const SearchRow rows[] = {
-        {"one", [](TagList& list) { list.Data(10).DataType(10).Dimensions({3}).Unsigned("a", 1); }, {}},
-        {"one at the end", [](TagList& list) { list.Data(10).DataType(10).Dimensions({3}); }, {}},
-        {"none", [](TagList& list) { list.Data(10).DataType(10).Dimensions({}); }, {}},
+        {"one", [](TagList& list) { list.Data(10).DataType(10).Dimensions(3).Unsigned("a", 1); }, {}},
+        {"one at the end", [](TagList& list) { list.Data(10).DataType(10).Dimensions(3); }, {}},
+        {"none", [](TagList& list) { list.Data(10).DataType(10).Dimensions(); }, {}},
         {"one, and a value behind the group",
-         [](TagList& list) { list.Data(10).DataType(10).Dimensions({3}).Unsigned("", 1); },
+         [](TagList& list) { list.Data(10).DataType(10).Dimensions(3).Unsigned("", 1); },
          {{uint16, 3, 1, 10}}},
         {"values without a group",
          [](TagList& list) { list.Data(10).DataType(10).Unsigned("Dimensions", 3).Unsigned("", 1); },
          {{uint16, 3, 1, 10}}},
         {"three",
-         [](TagList& list) {
-             list.Data(10).DataType(10).Dimensions({3, 1, 2});
-         },
+         [](TagList& list) { list.Data(10).DataType(10).Dimensions(3, 1, 2); },
          {{uint16, 3, 1, 10}, {uint16, 3, 1, 11}}},
         {"two, and a value behind the group",
-         [](TagList& list) {
-             list.Data(10).DataType(10).Dimensions({3, 1}).Unsigned("", 2);
-         },
+         [](TagList& list) { list.Data(10).DataType(10).Dimensions(3, 1).Unsigned("", 2); },
          {{uint16, 3, 1, 10}, {uint16, 3, 1, 11}}},
         {"two, and a labelled value behind the group",
-         [](TagList& list) {
-             list.Data(10).DataType(10).Dimensions({3, 1}).Unsigned("PixelDepth", 2);
-         },
+         [](TagList& list) { list.Data(10).DataType(10).Dimensions(3, 1).Unsigned("PixelDepth", 2); },
          {{uint16, 3, 1, 10}}},
         {"four",
-         [](TagList& list) {
-             list.Data(10).DataType(10).Dimensions({3, 1, 2, 5});
-         },
+         [](TagList& list) { list.Data(10).DataType(10).Dimensions(3, 1, 2, 5); },
          {{uint16, 3, 1, 10}, {uint16, 3, 1, 11}}},
         {"the first one with a label",
          [](TagList& list) {
@@ -164,30 +132,20 @@ TYPED_TEST(DmReader, TakesTwoOrThreeUnsignedValuesBehindTheirLabelAsTheDimension
          {}},
         {"a large array between the second and the third, which is too late to be the data",
          [](TagList& list) {
-             list.Data(10).DataType(10).Dimensions({3, 1});
+             list.Data(10).DataType(10).Dimensions(3, 1);
              list.tags.Array("", DmType::uint16, 10000, NumberedSamples(50));
              list.Unsigned("", 2);
          },
          {{uint16, 3, 1, 10}}},
         {"dimensions twice, of which the latter count",
-         [](TagList& list) {
-             list.Data(10).Dimensions({9, 9, 2}).Dimensions({3, 1}).DataType(10);
-         },
+         [](TagList& list) { list.Data(10).Dimensions(9, 9, 2).Dimensions(3, 1).DataType(10); },
          {{uint16, 3, 1, 10}}},
         {"a single dimension does not undo two",
-         [](TagList& list) {
-             list.Data(10).Dimensions({3, 1, 2}).Dimensions({9}).Text("Name").DataType(10);
-         },
+         [](TagList& list) { list.Data(10).Dimensions(3, 1, 2).Dimensions(9).Text("Name").DataType(10); },
          {{uint16, 3, 1, 10}, {uint16, 3, 1, 11}}},
-        {"no frames",
-         [](TagList& list) {
-             list.Data(10).DataType(10).Dimensions({3, 1, 0});
-         },
-         {}},
+        {"no frames", [](TagList& list) { list.Data(10).DataType(10).Dimensions(3, 1, 0); }, {}},
         {"an image of no frames is done with all the same",
-         [](TagList& list) {
-             list.Data(10).DataType(10).Dimensions({3, 1, 0}).DataType(10).Dimensions({3, 1});
-         },
+         [](TagList& list) { list.Data(10).DataType(10).Dimensions(3, 1, 0).DataType(10).Dimensions(3, 1); },
          {}},
     };
     for (const SearchRow& row : rows)

@@ -72,7 +72,7 @@ const Row noSize = {"runtime_error: Could not get file size", {}};
 const Row noBytes = {"runtime_error: Could not read file", {}};
 
 /// The outcomes when the first call fails, the second and so on, until none does.
-void ExpectOutcomes(uint32_t StreamFaults::*failingCall, uint32_t readMode, const std::vector<Row>& rows)
+void ExpectOutcomes(FailingStreamCall failingCall, uint32_t readMode, const std::vector<Row>& rows)
 {
     for (size_t i = 0; i < rows.size(); ++i)
     {

@@ -77,7 +77,7 @@ TEST(DamagedHdfFile, OpensOrNotWithAnyByteChanged)
 TEST(DamagedHdfFile, DoesNotOpenFromAStreamThatFails)
 {
     const Bytes file = PictureFile();
-    for (uint32_t StreamFaults::*call : {&StreamFaults::failReadAt, &StreamFaults::failSeekAt})
+    for (const FailingStreamCall call : {&StreamFaults::failReadAt, &StreamFaults::failSeekAt})
     {
         // Identification, the whole file, and none.
         StreamFaults faults;

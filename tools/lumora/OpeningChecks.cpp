@@ -93,8 +93,8 @@ ComPtr<IWICImagingFactory> CheckClasses(Scope scope, Diagnosis& diagnosis)
 void CheckOpening(IWICImagingFactory& factory, const SourceFile& file, Diagnosis& diagnosis)
 {
     DecoderLines decoderLines;
-    std::vector<std::wstring> lines = Try(
-        L"picture", file, [&] { return DecodePicture(factory, file.path); }, decoderLines, diagnosis);
+    const auto decode = [&] { return DecodePicture(factory, file.path); };
+    std::vector<std::wstring> lines = Try(L"picture", file, decode, decoderLines, diagnosis);
     const std::vector<std::wstring> more = Try(
         L"properties", file,
         [&] {
