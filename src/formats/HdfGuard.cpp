@@ -75,17 +75,22 @@ bool OpenReserve() noexcept
 }
 
 /// Memory that is clear: some of the library's structures are freed before they have been filled.
-void* Allocate(size_t count, size_t bytes) noexcept
+void* ClearBlock(size_t bytes) noexcept
 {
-    if ((bytes != 0 && count > SIZE_MAX / bytes) || !IsAllowed(count * bytes))
-        return nullptr;
-    static_cast<void>(TakeHdfSteps());
-    const size_t size = std::max<size_t>(count * bytes, 1);
+    const size_t size = std::max<size_t>(bytes, 1);
     void* memory = std::calloc(size, 1);
     if (!memory && OpenReserve())
         memory = std::calloc(size, 1);
     Hold(memory);
     return memory;
+}
+
+void* Allocate(size_t count, size_t bytes) noexcept
+{
+    if ((bytes != 0 && count > SIZE_MAX / bytes) || !IsAllowed(count * bytes))
+        return nullptr;
+    static_cast<void>(TakeHdfSteps());
+    return ClearBlock(count * bytes);
 }
 
 /// While it lives, the library looks for attributes.
@@ -183,15 +188,13 @@ void* LumoraHdf_realloc(void* memory, size_t bytes)
     }
     if (!IsAllowed(bytes))
         return nullptr;
-    const size_t oldBytes = memory ? _msize(memory) : 0;
-    Release(memory);
-    auto* grown = static_cast<uint8_t*>(std::realloc(memory, bytes));
-    if (!grown && OpenReserve())
-        grown = static_cast<uint8_t*>(std::realloc(memory, bytes));
-    Hold(grown ? grown : memory);
-    if (grown && bytes > oldBytes)
-        std::memset(grown + oldBytes, 0, bytes - oldBytes);
-    return grown;
+    void* const moved = ClearBlock(bytes);
+    if (!moved)
+        return nullptr;
+    if (memory)
+        std::memcpy(moved, memory, std::min(bytes, _msize(memory)));
+    LumoraHdf_free(memory);
+    return moved;
 }
 
 char* LumoraHdf_strdup(const char* text)
