@@ -40,20 +40,10 @@ bool HasReader(Identity identity)
     return MakeReader(identity) != nullptr;
 }
 
-bool WouldPassTheBigEndianMrcTest(const Header& b)
-{
-    return b[0] == 0 && b[1] == 0 && b[4] == 0 && b[5] == 0 && b[8] == 0 && b[12] == 0 && b[13] == 0 &&
-           b[14] == 0 && std::find(std::begin(mrcModes), std::end(mrcModes), b[15]) != std::end(mrcModes);
-}
-
-/// The headers that no pattern can leave out, although we refuse them.
+/// Whether no pattern can leave the header out, although we refuse it: a pattern cannot say "not a metafile".
 bool IsOfferedInVain(const Header& header)
 {
-    const Identity identity = Identify(header);
-    if (identity == Identity::EnhancedMetafile)
-        return true;
-    const bool isDigitalMicrograph = identity == Identity::Dm3 || identity == Identity::Dm4;
-    return isDigitalMicrograph && !HasReader(identity) && WouldPassTheBigEndianMrcTest(header);
+    return Identify(header) == Identity::EnhancedMetafile;
 }
 
 std::string Hex(const Header& header)
