@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <chrono>
@@ -34,7 +35,8 @@ HANDLE LibraryMutex()
     return CreateMutexW(nullptr, 0, hdfMutexName);
 }
 
-/// Another thread that holds the library's mutex from the start of its life to the end.
+/// Another thread that holds the library's mutex from the start of its life to the end, or for a minute: what
+/// waits without end gets it then.
 class Holder
 {
 public:
@@ -45,7 +47,7 @@ public:
         thread = std::thread{[this, taken = std::move(taken)]() mutable {
             const HANDLE mutex = LibraryMutex();
             taken.set_value(WaitForSingleObject(mutex, 0));
-            released.get_future().wait();
+            released.get_future().wait_for(1min);
             ReleaseMutex(mutex);
         }};
         EXPECT_EQ(result.get(), DWORD{WAIT_OBJECT_0});
@@ -64,19 +66,38 @@ private:
     std::thread thread;
 };
 
+/// How often something timed is tried. A busy machine can stop a thread for a second now and then, but not
+/// each of so many times: what fails every time fails by itself.
+constexpr int attempts = 5;
+
+/// The shortest time that the work takes, of as many attempts as it takes to stay below the limit.
+template <typename Work>
+Clock::duration ShortestTime(Clock::duration limit, Work work)
+{
+    Clock::duration shortest = Clock::duration::max();
+    for (int attempt = 0; attempt < attempts && shortest >= limit; ++attempt)
+    {
+        const Clock::time_point start = Clock::now();
+        work();
+        shortest = std::min(shortest, Clock::now() - start);
+    }
+    return shortest;
+}
+
 // Run by itself: the mutex stays where it has been created.
 TEST(HdfMissingMutex, FailsEveryRead)
 {
     ASSERT_EQ(OpenMutexW(MUTEX_ALL_ACCESS, 0, hdfMutexName), nullptr);
     TestStream stream{ImageFile()};
-    RawImageHdf reader{nullptr};
-    DiagnosticLines diagnostics;
-    const Clock::time_point start = Clock::now();
-    EXPECT_FALSE(reader.Read(&stream, stream.bytes.size(), readModeFrame, 0));
-    EXPECT_LT(Clock::now() - start, 500ms) << "there is nothing to wait for";
-    EXPECT_THAT(diagnostics.Take(), ElementsAre(timeout));
-    EXPECT_EQ(stream.readCalls, 0U);
-    EXPECT_EQ(reader.fileType, FileType::Hdf);
+    const auto read = [&stream] {
+        RawImageHdf reader{nullptr};
+        DiagnosticLines diagnostics;
+        EXPECT_FALSE(reader.Read(&stream, stream.bytes.size(), readModeFrame, 0));
+        EXPECT_THAT(diagnostics.Take(), ElementsAre(timeout));
+        EXPECT_EQ(stream.readCalls, 0U);
+        EXPECT_EQ(reader.fileType, FileType::Hdf);
+    };
+    EXPECT_LT(ShortestTime(500ms, read), 500ms) << "there is nothing to wait for";
 }
 
 TEST(HdfLock, IsCreatedTogetherWithTheReader)
@@ -92,11 +113,12 @@ TEST(HdfLock, IsWaitedForOneSecondAndNoLonger)
     const Bytes file = ImageFile();
     {
         const Holder holder;
-        const Clock::time_point start = Clock::now();
-        const FileOpen open{file};
-        const Clock::duration waited = Clock::now() - start;
-        EXPECT_FALSE(open.succeeded);
-        EXPECT_THAT(open.lines, ElementsAre(timeout));
+        const auto fails = [&file] {
+            const FileOpen open{file};
+            EXPECT_FALSE(open.succeeded);
+            EXPECT_THAT(open.lines, ElementsAre(timeout));
+        };
+        const Clock::duration waited = ShortestTime(2s, fails);
         EXPECT_GE(waited, 900ms);
         EXPECT_LT(waited, 2s);
         // What failed to take the mutex has not released it either.
@@ -110,13 +132,18 @@ TEST(HdfLock, IsWaitedForOneSecondAndNoLonger)
 TEST(HdfLock, IsTakenWhenItIsReleasedInTime)
 {
     const Bytes file = ImageFile();
-    auto holder = std::make_unique<Holder>();
-    std::thread release{[&holder] {
-        std::this_thread::sleep_for(200ms);
-        holder.reset();
-    }};
-    EXPECT_TRUE(FileOpen{file}.succeeded);
-    release.join();
+    bool isTaken = false;
+    for (int attempt = 0; attempt < attempts && !isTaken; ++attempt)
+    {
+        auto holder = std::make_unique<Holder>();
+        std::thread release{[&holder] {
+            std::this_thread::sleep_for(200ms);
+            holder.reset();
+        }};
+        isTaken = FileOpen{file}.succeeded;
+        release.join();
+    }
+    EXPECT_TRUE(isTaken);
 }
 
 TEST(HdfLock, IsNotNeededToRefuseALargeFile)
@@ -147,6 +174,22 @@ TEST(HdfLock, IsReleasedByEveryReadHoweverItEnds)
     }
 }
 
+/// Whether a thread reads the picture. It tries again when the others have kept it from its turn for a
+/// second: it has read nothing of the file then.
+bool ReadsPicture(const Bytes& file, uint32_t frameIndex)
+{
+    for (int tries = 0; tries < 30; ++tries)
+    {
+        TestStream stream{file};
+        RawImageHdf reader{LibraryMutex()};
+        if (reader.Read(&stream, file.size(), readModeFrame, frameIndex))
+            return reader.displayPixels.size() == 2000;
+        if (stream.readCalls > 0)
+            return false;
+    }
+    return false;
+}
+
 TEST(HdfLock, LetsManyThreadsReadInTurn)
 {
     const Bytes file = Hdf5File().AnyDataSet("/Image/Data", H5T_STD_U16LE, {40, 50, 4}).Build();
@@ -156,12 +199,7 @@ TEST(HdfLock, LetsManyThreadsReadInTurn)
     {
         thread = std::thread{[&file, &succeeded] {
             for (uint32_t i = 0; i < 50; ++i)
-            {
-                TestStream stream{file};
-                RawImage image;
-                if (image.Open(&stream, readModeFrame, i % 4) && image.Reader()->displayPixels.size() == 2000)
-                    ++succeeded;
-            }
+                succeeded += ReadsPicture(file, i % 4) ? 1 : 0;
         }};
     }
     for (std::thread& thread : threads)
