@@ -1,25 +1,28 @@
 #include "windows/PngPicture.h"
 
+#include "support/FileBytes.h"
 #include "windows/DecoderClient.h"
 #include "windows/WicClient.h"
 
 #include <gtest/gtest.h>
 
-PngPicture::PngPicture(const TemporaryFolder& folder, const std::string& name)
+PngPicture::PngPicture(const std::filesystem::path& file)
 {
-    const std::vector<uint8_t> content = folder.Read(name);
+    const std::vector<uint8_t> content = FileBytes(file);
     if (content.empty())
     {
-        ADD_FAILURE() << "there is no " << name;
+        ADD_FAILURE() << "there is no " << file;
         return;
     }
     const ComPtr<IWICBitmapDecoder> decoder = Discover(content);
-    EXPECT_TRUE(FormatOf(decoder) == GUID_ContainerFormatPng) << name;
+    EXPECT_TRUE(FormatOf(decoder) == GUID_ContainerFormatPng) << file;
     if (!decoder)
         return;
     const ComPtr<IWICBitmapFrameDecode> frame = Frame(decoder, 0);
     EXPECT_EQ(frame->GetSize(&width, &height), S_OK);
-    pixels = PixelsOf(Converted(frame.Get(), GUID_WICPixelFormat24bppBGR).Get(), 3);
+    // Wine converts gray pixels to these in two steps only.
+    const ComPtr<IWICBitmapSource> opaque = Converted(frame.Get(), GUID_WICPixelFormat32bppBGR);
+    pixels = PixelsOf(Converted(opaque.Get(), GUID_WICPixelFormat24bppBGR).Get(), 3);
 }
 
 std::vector<uint8_t> PngPicture::Part(uint32_t left, uint32_t top, uint32_t partWidth,

@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -12,7 +13,8 @@
 class PngPicture
 {
 public:
-    PngPicture(const TemporaryFolder& folder, const std::string& name);
+    explicit PngPicture(const std::filesystem::path& file);
+    PngPicture(const TemporaryFolder& folder, const std::string& name) : PngPicture(folder.Path() / name) {}
 
     /// Blue, green and red of each pixel of a part, which must be inside the picture.
     [[nodiscard]] std::vector<uint8_t> Part(uint32_t left, uint32_t top, uint32_t partWidth,
