@@ -17,7 +17,6 @@
 namespace {
 
 using std::chrono::milliseconds;
-using std::chrono::steady_clock;
 
 // Stands in for the interface's missing virtual destructor, as for the base.
 #pragma GCC diagnostic push
@@ -97,13 +96,13 @@ void OnThreads(unsigned count, const std::function<void(unsigned)>& work)
         thread.join();
 }
 
-/// The same again and again for a while.
-void OnThreadsFor(milliseconds duration, unsigned count,
-                  const std::function<void(unsigned number, unsigned round)>& work)
+/// The same again and again. A number of rounds and not a time: on a busy machine a thread may come too late
+/// for any round.
+void OnThreadsInRounds(unsigned count, unsigned rounds,
+                       const std::function<void(unsigned number, unsigned round)>& work)
 {
-    const auto end = steady_clock::now() + duration;
     OnThreads(count, [&](unsigned number) {
-        for (unsigned round = 0; steady_clock::now() < end; ++round)
+        for (unsigned round = 0; round < rounds; ++round)
             work(number, round);
     });
 }
@@ -125,9 +124,8 @@ TEST(Threads, AreGivenTheFramesThatTheyAskOneDecoderFor)
         SCOPED_TRACE(threadCount);
         UnsharedStream stream{GrayStack(3)};
         ComPtr<IWICBitmapDecoder> decoder = NewDecoder(stream);
-        std::atomic<int> right{0};
         std::atomic<int> wrong{0};
-        OnThreadsFor(milliseconds(800), threadCount, [&](unsigned number, unsigned round) {
+        OnThreadsInRounds(threadCount, 500, [&](unsigned number, unsigned round) {
             // Each thread counts a reference of its own.
             // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
             const ComPtr<IWICBitmapDecoder> shared = decoder;
@@ -137,10 +135,9 @@ TEST(Threads, AreGivenTheFramesThatTheyAskOneDecoderFor)
             const bool good = shared->GetFrame(index, frame.Put()) == S_OK &&
                               Shows(frame.Get(), grayPictures[index]) &&
                               shared->GetFrameCount(&count) == S_OK && count == 3;
-            ++(good ? right : wrong);
+            wrong += good ? 0 : 1;
         });
         EXPECT_EQ(wrong, 0);
-        EXPECT_GT(right, 0);
         EXPECT_EQ(stream.collisions, 0);
         EXPECT_EQ(stream.references, 1u);
         EXPECT_EQ(decoder.Detach()->Release(), 0u);
@@ -152,15 +149,13 @@ TEST(Threads, CopyFromOneFrameTogether)
 {
     TestStream stream{GrayStack(1)};
     ComPtr<IWICBitmapFrameDecode> frame = Frame(NewDecoder(stream), 0);
-    std::atomic<int> right{0};
     std::atomic<int> wrong{0};
-    OnThreadsFor(milliseconds(400), 4, [&](unsigned, unsigned) {
+    OnThreadsInRounds(4, 200000, [&](unsigned, unsigned) {
         // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
         const ComPtr<IWICBitmapFrameDecode> shared = frame;
-        ++(Shows(shared.Get(), grayPictures[0]) ? right : wrong);
+        wrong += Shows(shared.Get(), grayPictures[0]) ? 0 : 1;
     });
     EXPECT_EQ(wrong, 0);
-    EXPECT_GT(right, 0);
     EXPECT_EQ(frame.Detach()->Release(), 0u);
 }
 
@@ -255,17 +250,15 @@ TEST(Threads, WaitForTheOneThatDecodesOnlyWhereTheyMust)
 
 TEST(Threads, ReadPropertiesEachWithItsOwnStore)
 {
-    std::atomic<int> right{0};
     std::atomic<int> wrong{0};
-    OnThreadsFor(milliseconds(300), 4, [&](unsigned number, unsigned) {
+    OnThreadsInRounds(4, 5000, [&](unsigned number, unsigned) {
         const uint32_t sections = number % 3 + 1;
         const std::array<std::wstring, 3> dimensions = {L"4 x 2", L"4 x 2 x 2", L"4 x 2 x 3"};
         TestStream stream{GrayStack(sections)};
         const ComPtr<IPropertyStore> store = NewPropertyStore();
         const bool good = Initialize(store, &stream) == S_OK && stream.references == 0 &&
                           ValueOf(store, servedKeys[2]) == PropertyValue{dimensions[sections - 1]};
-        ++(good ? right : wrong);
+        wrong += good ? 0 : 1;
     });
     EXPECT_EQ(wrong, 0);
-    EXPECT_GT(right, 0);
 }
