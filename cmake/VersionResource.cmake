@@ -1,4 +1,7 @@
 # Gives a program or DLL the version of the project, as the shell shows it.
+file(STRINGS LICENSE copyright REGEX "^Copyright ")
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS LICENSE)
+
 function(lumora_version_resource target description)
   get_target_property(type ${target} TYPE)
   if(type STREQUAL "EXECUTABLE")

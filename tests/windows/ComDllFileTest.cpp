@@ -118,6 +118,7 @@ TEST(DllFile, CarriesTheVersionOfTheProject)
                                  std::to_wstring(LUMORA_VERSION_PATCH);
     EXPECT_EQ(resource.Text(L"FileVersion"), version);
     EXPECT_EQ(resource.Text(L"ProductVersion"), version);
+    EXPECT_EQ(resource.Text(L"LegalCopyright"), L"Copyright (c) 2026 The Lumora authors");
 }
 
 TEST(DllFile, NamesItselfInItsProperties)
