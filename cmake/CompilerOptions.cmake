@@ -14,9 +14,27 @@ if(WIN32)
   target_compile_definitions(lumora_options INTERFACE
     UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX WINVER=0x0A00 _WIN32_WINNT=0x0A00)
   # Only DLLs that Windows itself ships may be imported.
-  target_link_options(lumora_options INTERFACE -static $<$<CONFIG:Release>:-s>
+  target_link_options(lumora_options INTERFACE -static
     -Wl,--dynamicbase -Wl,--nxcompat -Wl,--high-entropy-va)
+  # The names of functions and lines read a crash report. Neither the folder of the build nor its time goes into the
+  # result, so that anybody can make the same bytes.
+  target_compile_options(lumora_options INTERFACE -g1
+    -ffile-prefix-map=${PROJECT_SOURCE_DIR}=. -ffile-prefix-map=${LUMORA_HDF5}=hdf5)
+  target_link_options(lumora_options INTERFACE -Wl,--no-insert-timestamp)
 endif()
+
+# Moves the debug information of a program or DLL to symbols/ in the build folder, where a debugger finds it by the
+# name and the checksum that stay behind.
+function(lumora_separate_symbols target)
+  set(symbols ${PROJECT_BINARY_DIR}/symbols)
+  set(file ${symbols}/$<TARGET_FILE_NAME:${target}>.debug)
+  add_custom_command(TARGET ${target} POST_BUILD
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${symbols}
+    # Without --preserve-dates the tool writes the time of day into the file's header.
+    COMMAND ${CMAKE_OBJCOPY} --preserve-dates --only-keep-debug $<TARGET_FILE:${target}> ${file}
+    COMMAND ${CMAKE_OBJCOPY} --preserve-dates --strip-all --add-gnu-debuglink=${file} $<TARGET_FILE:${target}>
+    VERBATIM)
+endfunction()
 
 if(LUMORA_SANITIZE)
   add_compile_options(-fsanitize=address,undefined,fuzzer-no-link -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
