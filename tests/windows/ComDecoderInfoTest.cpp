@@ -135,6 +135,8 @@ TEST_F(DecoderInfo, IsHadWithoutAndWithAStream)
     EXPECT_EQ(Initialize(decoder, stream), S_OK);
     EXPECT_EQ(decoder->GetDecoderInfo(&info), S_OK);
     EXPECT_EQ(factory.componentInfo.references, 2u);
+    // The decoder keeps the stream and would outlive it.
+    decoder.Reset();
 }
 
 TEST_F(DecoderInfo, ComesFromOneFactoryThatIsKeptAsLongAsTheDecoder)
