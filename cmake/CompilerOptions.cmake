@@ -16,9 +16,10 @@ if(WIN32)
   # Only DLLs that Windows itself ships may be imported.
   target_link_options(lumora_options INTERFACE -static
     -Wl,--dynamicbase -Wl,--nxcompat -Wl,--high-entropy-va)
-  # The names of functions and lines read a crash report. Neither the folder of the build nor its time goes into the
-  # result, so that anybody can make the same bytes.
-  target_compile_options(lumora_options INTERFACE -g1
+  # The names of functions and lines read a crash report.
+  string(APPEND CMAKE_CXX_FLAGS_RELEASE " -g1")
+  # Neither the folder of the build nor its time goes into the result, so that anybody can make the same bytes.
+  target_compile_options(lumora_options INTERFACE
     -ffile-prefix-map=${PROJECT_SOURCE_DIR}=. -ffile-prefix-map=${LUMORA_HDF5}=hdf5)
   target_link_options(lumora_options INTERFACE -Wl,--no-insert-timestamp)
 endif()

@@ -1,6 +1,5 @@
 #include "com/MyClassFactory.h"
 #include "com/WicBitmapDecoder.h"
-#include "formats/HdfAccess.h"
 #include "metadata/PropertyStore.h"
 #include "registration/ClassIds.h"
 

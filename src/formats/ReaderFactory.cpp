@@ -1,16 +1,16 @@
 #include "core/ReaderFactory.h"
 
 #include "core/Diagnostics.h"
-#include "formats/HdfMutexLock.h"
 #include "formats/RawImageBin.h"
 #include "formats/RawImageDm.h"
 #include "formats/RawImageEmi.h"
-#include "formats/RawImageHdf.h"
 #include "formats/RawImageMrc.h"
 #include "formats/RawImageNpy.h"
 #include "formats/RawImageRaw.h"
 #include "formats/RawImageSer.h"
 #include "formats/RawImageUbo.h"
+#include "formats/hdf/HdfMutexLock.h"
+#include "formats/hdf/RawImageHdf.h"
 
 namespace Tav::Imaging::RawImage {
 

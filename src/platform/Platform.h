@@ -5,7 +5,6 @@
 #ifdef _WIN32
 #include <windows.h>
 
-#include <malloc.h>
 #include <objidl.h>
 #include <propidl.h>
 #else

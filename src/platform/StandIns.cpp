@@ -1,7 +1,5 @@
 #include "platform/StandIns.h"
 
-#include <malloc.h>
-
 #include <chrono>
 #include <condition_variable>
 #include <cstdlib>
@@ -59,11 +57,6 @@ void* CoTaskMemAlloc(size_t count)
 void CoTaskMemFree(void* memory)
 {
     std::free(memory);
-}
-
-size_t _msize(void* memory)
-{
-    return malloc_usable_size(memory);
 }
 
 void OutputDebugStringW(const wchar_t* line)

@@ -118,10 +118,6 @@ HRESULT PropVariantClear(PROPVARIANT* variant);
 void* CoTaskMemAlloc(size_t count);
 void CoTaskMemFree(void* memory);
 
-/// The size of a block of the C library's heap.
-// NOLINTNEXTLINE(bugprone-reserved-identifier)
-size_t _msize(void* memory);
-
 void OutputDebugStringW(const wchar_t* line);
 
 /// Where OutputDebugStringW sends its lines on this thread; null drops them.

@@ -1,6 +1,6 @@
 #include "support/Hdf5File.h"
 
-#include "formats/HdfObject.h"
+#include "formats/hdf/inside/HdfObject.h"
 
 #include <hdf5_hl.h>
 

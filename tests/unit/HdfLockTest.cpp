@@ -1,5 +1,5 @@
-#include "formats/HdfMutexLock.h"
-#include "formats/RawImageHdf.h"
+#include "formats/hdf/HdfMutexLock.h"
+#include "formats/hdf/RawImageHdf.h"
 #include "support/FileRead.h"
 #include "support/Hdf5File.h"
 

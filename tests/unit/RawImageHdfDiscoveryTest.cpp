@@ -1,4 +1,4 @@
-#include "formats/HdfObject.h"
+#include "formats/hdf/inside/HdfObject.h"
 #include "support/FileRead.h"
 #include "support/Hdf5File.h"
 

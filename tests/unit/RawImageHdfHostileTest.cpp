@@ -3,7 +3,7 @@
 #include "support/Hdf5File.h"
 #include "support/SmallStack.h"
 
-#include "formats/HdfObject.h"
+#include "formats/hdf/inside/HdfObject.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -119,6 +119,39 @@ TEST_P(NestedTypes, OfAThumbnail)
 }
 
 INSTANTIATE_TEST_SUITE_P(Hdf, NestedTypes, testing::ValuesIn(nestingKinds));
+
+/// Datasets whose types nest too deep, and behind them, by name, a picture.
+Bytes PictureBehindNestedTypes(int count)
+{
+    Hdf5File file;
+    for (int i = 0; i < count; ++i)
+        file.DataSet("/image " + std::to_string(100 + i), LongType().id, {32, 32}, {}, {.isWritten = false});
+    Bytes bytes = file.AnyDataSet("/picture image", H5T_STD_U16LE, {40, 50}).Build();
+    for (int i = 0; i < count; ++i)
+        bytes = WithNestedType(bytes, nestingKinds.front().second);
+    return bytes;
+}
+
+TEST(HdfReader, PassesOverSixteenDatasetsThatEndTheSandbox)
+{
+    ExpectOneImage(PictureBehindNestedTypes(1), {}, "one");
+    ExpectOneImage(PictureBehindNestedTypes(16), {}, "sixteen");
+    const FileOpen open{PictureBehindNestedTypes(17)};
+    EXPECT_FALSE(open.succeeded);
+    EXPECT_THAT(open.lines, ElementsAre("[Lumora] HDF: No images found"));
+}
+
+TEST(HdfReader, ReadsFramesAndTextsAfterTheSandboxHasEnded)
+{
+    Hdf5File file;
+    file.DataSet("/z image", LongType().id, {32, 32}, {}, {.isWritten = false});
+    file.AnyDataSet("/a image", H5T_STD_U16LE, {40, 50});
+    file.Strings("/Version", {"\"format\": \"F\",\n\"version\": \"1\",\n"});
+    const FileOpen open{WithNestedType(file.Build(), nestingKinds.front().second)};
+    ASSERT_TRUE(open.succeeded);
+    EXPECT_EQ(open.image.Reader()->formatDetails, L"Data version: F 1");
+    EXPECT_EQ(open.image.Reader()->displayPixels.size(), 2000U);
+}
 
 /// Makes the file's last node of an index lie within itself. `childOffset` is where its first child's address
 /// is.

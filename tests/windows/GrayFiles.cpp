@@ -109,7 +109,7 @@ std::vector<GrayFile> GrayFiles()
     return {
         {"gray.dm3", DmGray(DmLayout{3}), {pictures[0]}, L"Gatan Digital Micrograph", L""},
         {"gray.dm4", DmGray(DmLayout{4}), {pictures[0]}, L"Gatan Digital Micrograph", L""},
-        {"gray.h5", HdfGray(large), large, L"Frame 2.10", L"Data version: Frame 1.1", hdfSide, 13, 1},
+        {"gray.h5", HdfGray(large), large, L"Frame 2.10", L"Data version: Frame 1.1", hdfSide},
         {"gray.ser", SerGray(), pictures, L"Pellox", L""},
         {"gray.emi",
          EmiFile()

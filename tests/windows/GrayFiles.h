@@ -15,10 +15,6 @@ struct GrayFile
     /// Empty where the format has none to tell.
     std::wstring formatDetails;
     uint32_t width = 4;
-    /// Opening it asks for memory so often that a test refuses only one request in so many.
-    uint32_t requestStride = 1;
-    /// When one of these requests fails, the HDF5 library forgets a small block.
-    size_t forgottenBlocks = 0;
 };
 
 /// A file of 16-bit samples in each format that has no other test of its own, both layouts of BIN included.

@@ -1,4 +1,4 @@
-#include "formats/HdfMutexLock.h"
+#include "formats/hdf/HdfMutexLock.h"
 
 #include <cstdlib>
 

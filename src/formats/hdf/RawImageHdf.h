@@ -1,10 +1,9 @@
 #pragma once
 
 #include "core/RawImageBase.h"
-#include "formats/HdfImageEntry.h"
+#include "formats/hdf/HdfContents.h"
+#include "formats/hdf/HdfImageEntry.h"
 #include "platform/Platform.h"
-
-#include <H5Ipublic.h>
 
 #include <cstdint>
 #include <vector>
@@ -24,11 +23,10 @@ public:
     bool Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint32_t frameIndex) override;
 
 private:
-    [[nodiscard]] bool ReadFile(IStream* stream, uint64_t streamSize, std::vector<uint8_t>& image,
-                                uint32_t frameIndex);
-    void ReadTexts(hid_t file);
-    [[nodiscard]] bool ReadGrayFrame(hid_t file, const HdfImageEntry& entry);
-    [[nodiscard]] bool ReadColourFrame(hid_t file, const HdfImageEntry& entry);
+    [[nodiscard]] bool ReadFile(HdfContents& file, uint32_t frameIndex);
+    void ReadTexts(HdfContents& file);
+    [[nodiscard]] bool ReadGrayFrame(HdfContents& file, const HdfImageEntry& entry);
+    [[nodiscard]] bool ReadColourFrame(HdfContents& file, const HdfImageEntry& entry);
 
     HANDLE mutex;
     std::vector<HdfImageEntry> entries;

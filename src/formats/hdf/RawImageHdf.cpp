@@ -1,20 +1,13 @@
-#include "formats/RawImageHdf.h"
+#include "formats/hdf/RawImageHdf.h"
 
 #include "core/Diagnostics.h"
 #include "core/FrameConversion.h"
 #include "core/Json.h"
 #include "core/Text.h"
-#include "formats/HdfAccess.h"
-#include "formats/HdfDiscovery.h"
-#include "formats/HdfGuard.h"
-#include "formats/HdfLibrary.h"
-#include "formats/HdfMutexLock.h"
-#include "formats/HdfObject.h"
-#include "formats/HdfSelection.h"
+#include "formats/hdf/HdfDiscovery.h"
+#include "formats/hdf/HdfMutexLock.h"
+#include "formats/hdf/HdfThumbnail.h"
 
-#include <hdf5.h>
-
-#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -37,23 +30,18 @@ std::wstring Widen(const std::string& text)
     return WidenText({reinterpret_cast<const uint8_t*>(text.data()), text.size()});
 }
 
-/// The samples in memory have the dataset's own type: what no conversion touches keeps its sign.
-hid_t MemoryType(PixelType pixelType)
+bool IsShown(PixelType pixelType)
 {
     switch (pixelType)
     {
     case PixelType::UInt16:
-        return H5T_NATIVE_USHORT;
     case PixelType::UInt32:
-        return H5T_NATIVE_UINT;
     case PixelType::Int16:
-        return H5T_NATIVE_SHORT;
     case PixelType::Int32:
-        return H5T_NATIVE_INT;
     case PixelType::Float32:
-        return H5T_NATIVE_FLOAT;
+        return true;
     default:
-        return H5I_INVALID_HID;
+        return false;
     }
 }
 
@@ -75,26 +63,13 @@ bool RawImageHdf::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
     entries.clear();
     if (!lock.Acquire())
         return Fail(L"Mutex timeout");
-    // The library lets go of the bytes last of all, also of a file that damage keeps from being closed.
-    std::vector<uint8_t> image;
-    const HdfLibrary library;
-    const bool isRead =
-        library.IsReady() ? ReadFile(stream, streamSize, image, frameIndex) : Fail(L"Could not open file");
-    if (library.HasRunOutOfMemory())
-        throw std::bad_alloc();
-    return isRead;
+    HdfContents file{stream, streamSize};
+    return file.Open() ? ReadFile(file, frameIndex) : Fail(L"Could not open file");
 }
 
-bool RawImageHdf::ReadFile(IStream* stream, uint64_t streamSize, std::vector<uint8_t>& image,
-                           uint32_t frameIndex)
+bool RawImageHdf::ReadFile(HdfContents& file, uint32_t frameIndex)
 {
-    const HdfFile file{OpenHdfFileImage(stream, streamSize, image)};
-    if (!file.IsOpen())
-        return Fail(L"Could not open file");
-    // Closing the file is not limited: the library must let go of the bytes.
-    const HdfGuard guard{image};
-    HdfDiscovery discovery;
-    discovery.Walk(file.id);
+    HdfDiscovery discovery{file};
     displayPixels = std::move(discovery.thumbnail.pixels);
     entries = discovery.found.Entries(frameIndex == 0);
     if (entries.empty())
@@ -106,7 +81,7 @@ bool RawImageHdf::ReadFile(IStream* stream, uint64_t streamSize, std::vector<uin
     width = entry.width;
     height = entry.height;
     pixelType = entry.pixelType;
-    ReadTexts(file.id);
+    ReadTexts(file);
     if (readMode == readModeHeader)
         return true;
 
@@ -116,32 +91,32 @@ bool RawImageHdf::ReadFile(IStream* stream, uint64_t streamSize, std::vector<uin
         if (entry.path == discovery.thumbnailPath)
             return true;
         // Spelled otherwise, there can be several.
-        std::optional<JpegPicture> picture = DecodeHdfThumbnail(file.id, entry.path);
-        if (!picture)
+        std::optional<JpegPicture> picture = DecodeHdfThumbnail(file, entry.path);
+        if (!picture || picture->width != width || picture->height != height)
             return Fail(L"Could not read jpeg image");
         displayPixels = std::move(picture->pixels);
         return true;
     }
     if (pixelType == PixelType::RGB24)
-        return ReadColourFrame(file.id, entry);
-    if (MemoryType(pixelType) < 0)
+        return ReadColourFrame(file, entry);
+    if (!IsShown(pixelType))
         return Fail(L"Unsupported pixel type");
-    return ReadGrayFrame(file.id, entry);
+    return ReadGrayFrame(file, entry);
 }
 
-void RawImageHdf::ReadTexts(hid_t file)
+void RawImageHdf::ReadTexts(HdfContents& file)
 {
-    std::string text;
     std::string version;
     std::string format;
-    if (ReadHdfStringDataset(file, "Version", text))
+    if (const std::optional<std::string> text = file.ReadString("Version"))
     {
-        const Json json{text};
+        const Json json{*text};
         if (json.GetString("version", version) && json.GetString("format", format))
             formatDetails = L"Data version: " + Widen(format) + L" " + Widen(version);
     }
     std::string application;
-    if (ReadHdfStringDataset(file, "Info", text) && Json{text}.GetString("applicationVersion", application))
+    const std::optional<std::string> info = file.ReadString("Info");
+    if (info && Json{*info}.GetString("applicationVersion", application))
     {
         // What follows the first dash names a build.
         const size_t dash = application.find('-');
@@ -152,17 +127,15 @@ void RawImageHdf::ReadTexts(hid_t file)
     }
 }
 
-bool RawImageHdf::ReadGrayFrame(hid_t file, const HdfImageEntry& entry)
+bool RawImageHdf::ReadGrayFrame(HdfContents& file, const HdfImageEntry& entry)
 {
     std::vector<uint8_t> frame(size_t{BytesPerPixel(pixelType)} * width * height);
     if (entry.seriesFrames < 2 || entry.interlace != HdfInterlace::Plane)
     {
-        const HdfDataSet dataset{H5Dopen2(file, entry.path.c_str(), H5P_DEFAULT)};
-        if (!dataset.IsOpen() ||
-            !ReadHdfDataset(dataset.id, MemoryType(pixelType), uint64_t{width} * height, frame.data()))
+        if (!file.ReadDataset(entry.path, pixelType, frame))
             return Fail(L"Could not read the image data");
     }
-    else if (!ReadHdfSeriesFrame(file, entry, frame.data()))
+    else if (!file.ReadSeriesFrame(entry, frame))
     {
         return Fail(L"Could not read the first frame of the series");
     }
@@ -170,14 +143,13 @@ bool RawImageHdf::ReadGrayFrame(hid_t file, const HdfImageEntry& entry)
     return true;
 }
 
-bool RawImageHdf::ReadColourFrame(hid_t file, const HdfImageEntry& entry)
+bool RawImageHdf::ReadColourFrame(HdfContents& file, const HdfImageEntry& entry)
 {
     const size_t pixelCount = size_t{width} * height;
     if (entry.interlace != HdfInterlace::Pixel && entry.interlace != HdfInterlace::Plane)
         return Fail(L"Unsupported interlace format");
-    const HdfDataSet dataset{H5Dopen2(file, entry.path.c_str(), H5P_DEFAULT)};
     std::vector<uint8_t> stored(3 * pixelCount);
-    if (!dataset.IsOpen() || !ReadHdfDataset(dataset.id, H5T_NATIVE_UCHAR, stored.size(), stored.data()))
+    if (!file.ReadDataset(entry.path, PixelType::UInt8, stored))
         return Fail(L"Could not read the image data");
     if (entry.interlace == HdfInterlace::Pixel)
     {

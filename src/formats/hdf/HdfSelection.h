@@ -1,6 +1,6 @@
 #pragma once
 
-#include "formats/HdfImageEntry.h"
+#include "formats/hdf/HdfImageEntry.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,8 +1,8 @@
-#include "formats/HdfSelection.h"
+#include "formats/hdf/HdfSelection.h"
 
 #include "core/Diagnostics.h"
 #include "core/StreamReader.h"
-#include "formats/HdfAccess.h"
+#include "formats/hdf/HdfThumbnail.h"
 
 #include <algorithm>
 #include <limits>

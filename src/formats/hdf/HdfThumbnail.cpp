@@ -1,0 +1,53 @@
+#include "formats/hdf/HdfThumbnail.h"
+
+#include "core/Identification.h"
+#include "core/StreamReader.h"
+
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace Tav::Imaging::RawImage {
+
+namespace {
+
+/// True for the beginning of a file that a reader of ours takes: a thumbnail that is one would lead back
+/// here.
+bool IsOwnFormat(const std::vector<uint8_t>& file)
+{
+    if (file.size() < identificationBytes)
+        return false;
+    switch (Identify(std::span<const uint8_t, identificationBytes>{file.data(), identificationBytes}))
+    {
+    case Identity::Unknown:
+    case Identity::EnhancedMetafile:
+    case Identity::Bitmap:
+    case Identity::Jpeg:
+    case Identity::TiffLittleEndian:
+    case Identity::TiffBigEndian:
+        return false;
+    default:
+        return true;
+    }
+}
+
+} // namespace
+
+bool IsThumbnailPath(const std::string& path)
+{
+    constexpr std::string_view thumbnail = "/thumbnail.jpg";
+    static_assert(thumbnail.size() == hdfThumbnailPathLength);
+    return path.size() == thumbnail.size() && ToLower(path) == thumbnail;
+}
+
+std::optional<JpegPicture> DecodeHdfThumbnail(HdfContents& file, const std::string& path)
+{
+    constexpr uint64_t largestJpeg = 0x2000000;
+    constexpr uint32_t longestSide = 8192;
+    const std::optional<std::vector<uint8_t>> jpeg = file.ReadBytes(path, largestJpeg);
+    if (!jpeg || IsOwnFormat(*jpeg))
+        return std::nullopt;
+    return DecodeJpeg(*jpeg, longestSide);
+}
+
+} // namespace Tav::Imaging::RawImage
