@@ -20,11 +20,16 @@ constexpr uint64_t memoryPerByte = 2;
 
 // A dataset takes some ten thousand steps to be looked at, and a byte one to three to be unpacked. A hundred
 // million steps take about a second.
-constexpr int64_t stepsForAnyFile = 100'000'000;
+#ifdef FUZZING_BUILD_MODE_UNSAFE_FOR_PRODUCTION
+constexpr int64_t stepsForAnyFile = 1'000'000;
+#else
+constexpr int64_t stepsForAnyFile = 20'000'000;
+#endif
 constexpr int64_t stepsPerByte = 32;
-constexpr int64_t mostStepsForFile = 2'000'000'000;
+constexpr int64_t mostStepsForFile = 1'500'000'000;
 constexpr int64_t stepsPerByteUnpacked = 4;
 
+/// What finding the datasets may take, and again reading one of them.
 int64_t StepsFor(uint64_t fileBytes)
 {
     const uint64_t bytes = std::min<uint64_t>(fileBytes, mostStepsForFile / stepsPerByte);
@@ -135,7 +140,7 @@ bool HdfContents::GoToNextDataset()
     pathLength = Ask(0U, [this] { return sandbox->NextDataset(); });
     // However much the walk has taken, something is left for what it has found.
     if (pathLength == 0)
-        AddSteps(stepsForAnyFile);
+        AddSteps(StepsFor(size));
     return pathLength > 0;
 }
 
