@@ -1,5 +1,7 @@
 #include "core/RawImage.h"
 #include "core/RawImageBase.h"
+#include "formats/hdf/HdfContents.h"
+#include "formats/hdf/HdfSandbox.h"
 #include "support/BinFile.h"
 #include "support/DmFile.h"
 #include "support/EmiFile.h"
@@ -16,7 +18,9 @@
 #include <chrono>
 #include <cmath>
 #include <cstring>
+#include <fstream>
 #include <functional>
+#include <iterator>
 #include <memory>
 #include <random>
 
@@ -263,6 +267,13 @@ std::unique_ptr<TestStream> HdfSeriesStream(const Hdf5Storage& storage)
                         .Build());
 }
 
+/// A small file as programs write it, with groups, a series, a thumbnail and texts.
+std::unique_ptr<TestStream> HdfSampleStream()
+{
+    std::ifstream file{LUMORA_SOURCE_TREE "/samples/acquisition.h5", std::ios::binary};
+    return InMemory({std::istreambuf_iterator<char>{file}, {}});
+}
+
 std::unique_ptr<TestStream> NpyStream()
 {
     return InMemory(NpyFile()
@@ -297,6 +308,34 @@ std::unique_ptr<TestStream> LatticeStream()
 
 const Hdf5Storage chunkPerFrame = {.chunk = {2048, 2048, 1}};
 
+constexpr uint64_t sandboxBytes = 0x4000000;
+constexpr int64_t sandboxSteps = 1'000'000;
+
+/// What each HDF5 file pays for its sandbox, before the library in it has been started.
+void MakeSandbox(benchmark::State& state)
+{
+    for (auto _ : state)
+        benchmark::DoNotOptimize(HdfSandbox{sandboxBytes, sandboxSteps});
+}
+
+/// A compressed dataset of 4096 x 4096 16-bit samples. As an image it would be left out, because its stored
+/// size is no multiple of a frame's.
+void UnpackHdf(benchmark::State& state)
+{
+    const std::unique_ptr<TestStream> stream =
+        InMemory(Hdf5File()
+                     .DataSet("/data", H5T_STD_U16LE, {4096, 4096}, MicrographFrame(PixelType::UInt16, 4096),
+                              {.chunk = {256, 256}, .isCompressed = true})
+                     .Build());
+    std::vector<uint8_t> samples(size_t{2} * 4096 * 4096);
+    for (auto _ : state)
+    {
+        HdfContents file{stream.get(), stream->bytes.size()};
+        if (!file.Open() || !file.ReadDataset("/data", PixelType::UInt16, samples))
+            return state.SkipWithError("the dataset was refused");
+    }
+}
+
 const BenchFile benchFiles[] = {
     {"Mrc/Int8/4096", [] { return MrcStream(0, PixelType::Int8, 4096); }},
     {"Mrc/Int16/4096", [] { return MrcStream(1, PixelType::Int16, 4096); }},
@@ -308,6 +347,7 @@ const BenchFile benchFiles[] = {
     {"Dm4/Float32/4096/2000tags", DmStream},
     {"Ser/UInt16/1024/1000frames", SerStream, 500},
     {"Emi/UInt16/1024/20images", EmiStream, 10},
+    {"Hdf/sample", HdfSampleStream},
     {"Hdf/UInt16/4096", HdfStream},
     {"Hdf/UInt16/2048/60frames", [] { return HdfSeriesStream({}); }, 30},
     {"Hdf/UInt16/2048/60frames/chunked", [] { return HdfSeriesStream(chunkPerFrame); }, 50},
@@ -370,6 +410,8 @@ void OpenHeader(benchmark::State& state, const BenchFile& file)
         add("Decode/" + std::string(wide.begin(), wide.end()) + "/4096",
             [type](benchmark::State& state) { DecodeFrame(state, type, 4096); });
     }
+    add("Hdf/Sandbox", MakeSandbox);
+    add("Hdf/Unpack/UInt16/4096", UnpackHdf);
     for (const BenchFile& file : benchFiles)
     {
         add(std::string("Open/") + file.name, [&file](benchmark::State& state) { OpenFrame(state, file); });

@@ -10,8 +10,8 @@
 
 using namespace Tav::Imaging::RawImage;
 
-// The reader of HDF5 files by itself, one frame for each input, with little work allowed: what it takes to start the
-// library is most of the time of an input.
+// The reader of HDF5 files by itself, one frame for each input, with little work allowed: what it takes to
+// start the library is most of the time of an input.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     static const HANDLE mutex = CreateMutexW(nullptr, 0, hdfMutexName);
@@ -23,7 +23,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         return 0;
     const size_t samples = reader.pixelType == PixelType::RGB24 ? 3 : 1;
     if (frameIndex >= reader.frameCount ||
-        reader.displayPixels.size() != size_t{reader.width} * reader.height * samples || stream.references != 0)
+        reader.displayPixels.size() != size_t{reader.width} * reader.height * samples ||
+        stream.references != 0)
         std::abort();
     return 0;
 }
