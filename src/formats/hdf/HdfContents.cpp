@@ -15,7 +15,7 @@ namespace {
 
 // What the library may use. Beside the file itself it needs little memory, but a chunk that has been through
 // filters is unpacked whole, and can be as large as the file.
-constexpr uint64_t memoryForAnyFile = 0x4000000;
+constexpr uint64_t memoryForAnyFile = 0x5000000;
 constexpr uint64_t memoryPerByte = 2;
 
 // A dataset takes some ten thousand steps to be looked at, and a byte one to three to be unpacked. A hundred
