@@ -73,6 +73,8 @@ Hdf5File& Hdf5File::DataSet(const std::string& path, hid_t type, const std::vect
     const HdfPropertyList creation{Made(H5Pcreate(H5P_DATASET_CREATE))};
     if (!storage.chunk.empty())
         Done(H5Pset_chunk(creation.id, static_cast<int>(storage.chunk.size()), storage.chunk.data()));
+    if (!storage.isFilled)
+        Done(H5Pset_fill_time(creation.id, H5D_FILL_TIME_NEVER));
     if (storage.isCompressed)
         Done(H5Pset_deflate(creation.id, 6));
     const HdfDataSet dataset{

@@ -13,6 +13,8 @@ struct Hdf5Storage
     bool isCompressed = false;
     /// A dataset that nobody has written to has no storage.
     bool isWritten = true;
+    /// What has not been written is read as zeros, or else not at all.
+    bool isFilled = true;
 };
 
 /// Writes an HDF5 file in memory with the HDF5 library. Missing groups of a path are made. A step that fails

@@ -10,6 +10,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 
@@ -115,6 +116,68 @@ TEST(HdfContents, ReadsNoStringFromOtherDatasets)
                           .Build()};
     for (const char* name : {"number", "fixed", "none", "other encoding", "group", "missing"})
         EXPECT_EQ(opened.file.ReadString(name), std::nullopt) << name;
+}
+
+/// A frame of 8 MiB is read in two bands at least.
+constexpr size_t edge = 2048;
+constexpr size_t frameBytes = 2 * edge * edge;
+
+TEST(HdfContents, ReadsZerosWhereNothingIsStored)
+{
+    const std::vector<hsize_t> quarter = {edge / 4, edge};
+    Hdf5File file;
+    file.DataSet("/data", H5T_STD_U16LE, {edge, edge}, {},
+                 {.chunk = quarter, .isWritten = false, .isFilled = false});
+    OpenedFile opened{file.Chunk("/data", Bytes(frameBytes / 4, 7)).Build()};
+    Bytes samples(frameBytes, 1);
+    ASSERT_TRUE(opened.file.ReadDataset("/data", PixelType::UInt16, samples));
+    Bytes expected(frameBytes);
+    std::fill_n(expected.begin(), frameBytes / 4, uint8_t{7});
+    EXPECT_TRUE(samples == expected);
+}
+
+TEST(HdfContents, ReadsFramesInBandsWhateverTheChunks)
+{
+    Bytes expected(frameBytes);
+    for (size_t i = 0; i < expected.size(); ++i)
+        expected[i] = static_cast<uint8_t>(i * 131 >> 7);
+    const std::vector<std::vector<hsize_t>> chunks = {{},           {edge, edge}, {edge, 64},
+                                                      {64, edge},   {100, 300},   {700, 16},
+                                                      {1500, 1500}, {1, edge},    {1025, edge}};
+    for (const std::vector<hsize_t>& chunk : chunks)
+    {
+        for (const bool isCompressed : {false, true})
+        {
+            if (isCompressed && chunk.empty())
+                continue;
+            OpenedFile opened{Hdf5File()
+                                  .DataSet("/data", H5T_STD_U16LE, {edge, edge}, expected,
+                                           {.chunk = chunk, .isCompressed = isCompressed})
+                                  .Build()};
+            Bytes samples(frameBytes, 1);
+            EXPECT_TRUE(opened.file.ReadDataset("/data", PixelType::UInt16, samples));
+            EXPECT_TRUE(samples == expected) << testing::PrintToString(chunk) << isCompressed;
+        }
+    }
+}
+
+TEST(HdfContents, ReadsEachPlaneInBands)
+{
+    // A plane is larger than a band.
+    const std::vector<hsize_t> sides = {3, 2100, edge};
+    Bytes expected(size_t{3} * 2100 * edge);
+    for (size_t i = 0; i < expected.size(); ++i)
+        expected[i] = static_cast<uint8_t>(i * 37 >> 9);
+    for (const std::vector<hsize_t>& chunk : {std::vector<hsize_t>{}, {3, 100, 100}, {2, 2100, 500}})
+    {
+        OpenedFile opened{Hdf5File()
+                              .DataSet("/data", H5T_STD_U8LE, sides, expected,
+                                       {.chunk = chunk, .isCompressed = !chunk.empty()})
+                              .Build()};
+        Bytes samples(expected.size(), 1);
+        EXPECT_TRUE(opened.file.ReadDataset("/data", PixelType::UInt8, samples));
+        EXPECT_TRUE(samples == expected) << testing::PrintToString(chunk);
+    }
 }
 
 TEST(HdfContents, MeetsNoOtherFile)
