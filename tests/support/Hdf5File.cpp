@@ -30,7 +30,7 @@ void Done(herr_t result)
 
 hid_t NewMemoryFile()
 {
-    constexpr size_t growth = 4096;
+    constexpr size_t growth = 0x100000;
     const HdfPropertyList access{Made(H5Pcreate(H5P_FILE_ACCESS))};
     Done(H5Pset_fapl_core(access.id, growth, false));
     return Made(H5Fcreate("memory", H5F_ACC_TRUNC, H5P_DEFAULT, access.id));
