@@ -122,14 +122,18 @@ bool HdfContents::GoBackToDataset()
 {
     if (sandbox)
         return true;
-    return restarts++ < mostRestarts && Ask(false, [this] {
-               for (uint64_t i = 0; i < datasetsMet; ++i)
-               {
-                   if (sandbox->NextDataset() == 0)
-                       return false;
-               }
-               return true;
-           });
+    if (restarts == mostRestarts)
+        return false;
+    ++restarts;
+    const auto passOver = [this] {
+        for (uint64_t i = 0; i < datasetsMet; ++i)
+        {
+            if (sandbox->NextDataset() == 0)
+                return false;
+        }
+        return true;
+    };
+    return Ask(false, passOver);
 }
 
 bool HdfContents::GoToNextDataset()
