@@ -41,6 +41,8 @@ void* operator new(size_t size)
     return block;
 }
 
+// clang-tidy takes these for a second release of what is being deleted.
+// NOLINTBEGIN(clang-analyzer-cplusplus.NewDelete)
 void operator delete(void* block) noexcept
 {
     free(block);
@@ -50,6 +52,7 @@ void operator delete(void* block, size_t) noexcept
 {
     free(block);
 }
+// NOLINTEND(clang-analyzer-cplusplus.NewDelete)
 
 #define EXPORT(name) extern "C" __attribute__((export_name(#name)))
 
