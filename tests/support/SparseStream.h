@@ -8,10 +8,6 @@
 #include <utility>
 #include <vector>
 
-// As for its base: test streams live on the stack.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
-
 /// A stream of any size that holds bytes at its start and at one place far behind, and zeros elsewhere.
 class SparseStream final : public TestStream
 {
@@ -50,5 +46,3 @@ private:
     uint64_t farPlace;
     std::vector<uint8_t> farBytes;
 };
-
-#pragma GCC diagnostic pop

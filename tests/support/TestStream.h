@@ -9,10 +9,6 @@
 #include <optional>
 #include <vector>
 
-// Stands in for the interface's missing virtual destructor: test streams live on the stack.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
-
 /// How a stream misbehaves; nothing by default. Calls are counted from 1, and 0 means never.
 struct StreamFaults
 {
@@ -33,10 +29,11 @@ struct StreamFaults
 using FailingStreamCall = uint32_t StreamFaults::*;
 
 #ifdef _WIN32
-/// The rest of the Windows interface, which nobody here calls.
+/// The rest of the Windows interface, which nobody here calls, and the destructor that it lacks.
 class ReadOnlyStream : public IStream
 {
 public:
+    virtual ~ReadOnlyStream() = default;
     HRESULT STDMETHODCALLTYPE Write(const void*, ULONG, ULONG*) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE SetSize(ULARGE_INTEGER) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE CopyTo(IStream*, ULARGE_INTEGER, ULARGE_INTEGER*, ULARGE_INTEGER*) override
@@ -53,7 +50,11 @@ public:
     HRESULT STDMETHODCALLTYPE Clone(IStream**) override { return E_NOTIMPL; }
 };
 #else
-using ReadOnlyStream = IStream;
+class ReadOnlyStream : public IStream
+{
+public:
+    virtual ~ReadOnlyStream() = default;
+};
 #endif
 
 /// A stream over bytes in memory that counts what is asked of it and can be told to misbehave. It belongs
@@ -132,5 +133,3 @@ public:
     /// References held by others than the test.
     std::atomic<uint32_t> references{0};
 };
-
-#pragma GCC diagnostic pop

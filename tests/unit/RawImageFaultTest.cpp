@@ -161,10 +161,6 @@ TEST(RawImageFaults, OfSizesThatAreNotTrue)
     }
 }
 
-// As for its base: test streams live on the stack.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
-
 /// Answers Stat as `statResult` says, whatever its other calls answer.
 class StatStream final : public TestStream
 {
@@ -182,8 +178,6 @@ public:
 private:
     HRESULT statResult;
 };
-
-#pragma GCC diagnostic pop
 
 TEST(RawImageFaults, OfOtherSuccessCodesCountForTheFirstStatAlone)
 {

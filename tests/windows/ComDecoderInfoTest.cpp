@@ -10,14 +10,10 @@
 
 #include <objbase.h>
 
-// Stands in for the interfaces' missing virtual destructors: the fakes live in the test.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
-
 namespace {
 
 /// The information about a component, of which only the way to its real interface is used.
-class FakeComponentInfo : public IUnknown
+class FakeComponentInfo final : public IUnknown
 {
 public:
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** ppv) override
@@ -41,7 +37,7 @@ public:
 };
 
 /// The first methods of IWICImagingFactory; the decoder calls none of those that follow.
-class FakeImagingFactory : public IUnknown
+class FakeImagingFactory final : public IUnknown
 {
 public:
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) override { return E_NOTIMPL; }
@@ -111,8 +107,6 @@ protected:
 };
 
 } // namespace
-
-#pragma GCC diagnostic pop
 
 TEST_F(DecoderInfo, IsTheComponentInfoOfTheDecodersClass)
 {

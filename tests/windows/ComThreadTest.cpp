@@ -18,10 +18,6 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// Stands in for the interface's missing virtual destructor, as for the base.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
-
 /// Counts the calls that begin while another one is still under way. It lets other threads go first wherever
 /// it can, so that they do when nothing holds them back.
 class UnsharedStream : public TestStream
@@ -83,8 +79,6 @@ public:
     std::promise<void> reached;
     std::promise<void> letGo;
 };
-
-#pragma GCC diagnostic pop
 
 /// Does the work on several threads at once. Each is given its number.
 void OnThreads(unsigned count, const std::function<void(unsigned)>& work)

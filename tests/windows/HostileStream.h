@@ -15,10 +15,6 @@ enum class ReadFault
     ReportsNoCount,
 };
 
-// Stands in for the interface's missing virtual destructor, as for the base.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
-
 /// A stream one of whose calls goes wrong in ways that the plain test stream does not know. Calls are counted
 /// from 1, and 0 means none.
 class HostileStream : public TestStream
@@ -71,5 +67,3 @@ public:
     uint32_t falseSeek = 0;
     uint32_t falseStat = 0;
 };
-
-#pragma GCC diagnostic pop
