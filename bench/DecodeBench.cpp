@@ -1,7 +1,7 @@
 #include "core/RawImage.h"
 #include "core/RawImageBase.h"
 #include "formats/hdf/HdfContents.h"
-#include "formats/hdf/HdfSandbox.h"
+#include "formats/hdf/sandbox/HdfSandbox.h"
 #include "support/BinFile.h"
 #include "support/DmFile.h"
 #include "support/EmiFile.h"

@@ -1,8 +1,8 @@
 #include "core/RawImage.h"
 
 #include "core/Diagnostics.h"
-#include "core/Identification.h"
 #include "core/ReaderFactory.h"
+#include "formats/Identification.h"
 
 #include <array>
 #include <utility>

@@ -1,8 +1,8 @@
 #include "core/RawImageBase.h"
 
 #include "core/Diagnostics.h"
-#include "core/FrameConversion.h"
-#include "core/StreamReader.h"
+#include "core/display/FrameConversion.h"
+#include "core/stream/StreamReader.h"
 
 #include <limits>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/Identification.h"
 #include "core/RawImageBase.h"
+#include "formats/Identification.h"
 
 #include <memory>
 

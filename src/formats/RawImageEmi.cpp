@@ -1,8 +1,8 @@
 #include "formats/RawImageEmi.h"
 
 #include "core/Diagnostics.h"
-#include "core/StreamReader.h"
-#include "core/Text.h"
+#include "core/stream/StreamReader.h"
+#include "core/stream/Text.h"
 
 #include <optional>
 #include <string_view>

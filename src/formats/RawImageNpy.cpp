@@ -1,7 +1,7 @@
 #include "formats/RawImageNpy.h"
 
 #include "core/Diagnostics.h"
-#include "core/StreamReader.h"
+#include "core/stream/StreamReader.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #include "formats/RawImageRaw.h"
 
 #include "core/Diagnostics.h"
-#include "core/StreamReader.h"
+#include "core/stream/StreamReader.h"
 
 #include <optional>
 #include <string_view>

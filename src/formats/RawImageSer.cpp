@@ -1,7 +1,7 @@
 #include "formats/RawImageSer.h"
 
 #include "core/Diagnostics.h"
-#include "core/StreamReader.h"
+#include "core/stream/StreamReader.h"
 
 #include <array>
 #include <optional>

@@ -1,16 +1,16 @@
 #include "core/ReaderFactory.h"
 
 #include "core/Diagnostics.h"
-#include "formats/RawImageBin.h"
-#include "formats/RawImageDm.h"
 #include "formats/RawImageEmi.h"
-#include "formats/RawImageMrc.h"
 #include "formats/RawImageNpy.h"
 #include "formats/RawImageRaw.h"
 #include "formats/RawImageSer.h"
-#include "formats/RawImageUbo.h"
+#include "formats/bin/RawImageBin.h"
+#include "formats/dm/RawImageDm.h"
 #include "formats/hdf/HdfMutexLock.h"
 #include "formats/hdf/RawImageHdf.h"
+#include "formats/lattice/RawImageUbo.h"
+#include "formats/mrc/RawImageMrc.h"
 
 namespace Tav::Imaging::RawImage {
 

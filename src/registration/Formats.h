@@ -1,6 +1,6 @@
 #pragma once
 
-#include "registration/HeaderPattern.h"
+#include "formats/HeaderPattern.h"
 
 #include <cstdint>
 #include <span>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/ByteOrder.h"
+#include "core/stream/ByteOrder.h"
 
 #include <algorithm>
 #include <bit>

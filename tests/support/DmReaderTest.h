@@ -4,7 +4,7 @@
 #include "support/DmImages.h"
 #include "support/FileRead.h"
 
-#include "formats/RawImageDm.h"
+#include "formats/dm/RawImageDm.h"
 
 #include <gtest/gtest.h>
 

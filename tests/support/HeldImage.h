@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/Image.h"
+#include "core/samples/Image.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -2,7 +2,7 @@
 
 #include "support/LatticeFile.h"
 
-#include "formats/UboHeaderParser.h"
+#include "formats/lattice/UboHeaderParser.h"
 
 #include <string>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "core/ByteOrder.h"
 #include "core/FileType.h"
 #include "core/PixelType.h"
+#include "core/stream/ByteOrder.h"
 
 #include <cstdint>
 #include <string>

@@ -1,4 +1,4 @@
-#include "core/DisplayScaling.h"
+#include "core/display/DisplayScaling.h"
 #include "support/DiagnosticLines.h"
 #include "support/HeldImage.h"
 

@@ -1,4 +1,4 @@
-#include "core/DynamicRangeCalculator.h"
+#include "core/display/DynamicRangeCalculator.h"
 #include "support/DiagnosticLines.h"
 #include "support/HeldImage.h"
 

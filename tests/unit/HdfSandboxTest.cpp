@@ -1,4 +1,4 @@
-#include "formats/hdf/HdfSandbox.h"
+#include "formats/hdf/sandbox/HdfSandbox.h"
 
 #include "formats/hdf/HdfContents.h"
 #include "support/Hdf5File.h"

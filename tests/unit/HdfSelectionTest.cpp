@@ -1,4 +1,4 @@
-#include "formats/hdf/HdfSelection.h"
+#include "formats/hdf/entries/HdfSelection.h"
 #include "support/DiagnosticLines.h"
 
 #include <gmock/gmock.h>

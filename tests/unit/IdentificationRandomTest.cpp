@@ -1,4 +1,4 @@
-#include "core/Identification.h"
+#include "formats/Identification.h"
 #include "support/RandomSeed.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "core/Json.h"
+#include "formats/hdf/Json.h"
 
 #include <gtest/gtest.h>
 

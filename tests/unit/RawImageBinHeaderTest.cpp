@@ -1,4 +1,4 @@
-#include "formats/RawImageBin.h"
+#include "formats/bin/RawImageBin.h"
 #include "support/BinFile.h"
 #include "support/FileRead.h"
 

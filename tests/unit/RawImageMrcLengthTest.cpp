@@ -1,4 +1,4 @@
-#include "formats/RawImageMrc.h"
+#include "formats/mrc/RawImageMrc.h"
 #include "support/FileRead.h"
 #include "support/MrcFile.h"
 

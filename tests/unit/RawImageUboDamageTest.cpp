@@ -1,4 +1,4 @@
-#include "formats/RawImageUbo.h"
+#include "formats/lattice/RawImageUbo.h"
 #include "support/DamagedFile.h"
 #include "support/LatticeFile.h"
 

@@ -1,4 +1,4 @@
-#include "formats/RawImageUbo.h"
+#include "formats/lattice/RawImageUbo.h"
 #include "support/DiagnosticLines.h"
 #include "support/FileRead.h"
 #include "support/LatticeFile.h"

@@ -1,4 +1,4 @@
-#include "core/RescaleToUInt32.h"
+#include "core/samples/RescaleToUInt32.h"
 #include "support/HeldImage.h"
 
 #include <gtest/gtest.h>

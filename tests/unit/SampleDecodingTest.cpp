@@ -1,4 +1,4 @@
-#include "core/SampleDecoding.h"
+#include "core/samples/SampleDecoding.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "core/StreamReader.h"
+#include "core/stream/StreamReader.h"
 #include "support/DiagnosticLines.h"
 #include "support/SparseStream.h"
 #include "support/TestStream.h"

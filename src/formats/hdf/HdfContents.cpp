@@ -1,7 +1,7 @@
 #include "formats/hdf/HdfContents.h"
 
 #include "core/Diagnostics.h"
-#include "core/StreamReader.h"
+#include "core/stream/StreamReader.h"
 
 #include <algorithm>
 #include <cstring>

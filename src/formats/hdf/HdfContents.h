@@ -1,9 +1,9 @@
 #pragma once
 
 #include "core/PixelType.h"
-#include "formats/hdf/HdfImageEntry.h"
-#include "formats/hdf/HdfSandbox.h"
+#include "formats/hdf/entries/HdfImageEntry.h"
 #include "formats/hdf/inside/HdfCandidate.h"
+#include "formats/hdf/sandbox/HdfSandbox.h"
 #include "platform/Platform.h"
 
 #include <cstdint>

@@ -1,7 +1,7 @@
 #include "formats/hdf/HdfThumbnail.h"
 
-#include "core/Identification.h"
-#include "core/StreamReader.h"
+#include "core/stream/StreamReader.h"
+#include "formats/Identification.h"
 
 #include <span>
 #include <string_view>

@@ -1,12 +1,12 @@
 #include "formats/hdf/RawImageHdf.h"
 
 #include "core/Diagnostics.h"
-#include "core/FrameConversion.h"
-#include "core/Json.h"
-#include "core/Text.h"
-#include "formats/hdf/HdfDiscovery.h"
+#include "core/display/FrameConversion.h"
+#include "core/stream/Text.h"
 #include "formats/hdf/HdfMutexLock.h"
 #include "formats/hdf/HdfThumbnail.h"
+#include "formats/hdf/Json.h"
+#include "formats/hdf/entries/HdfDiscovery.h"
 
 #include <optional>
 #include <string>

@@ -2,7 +2,7 @@
 
 #include "core/RawImageBase.h"
 #include "formats/hdf/HdfContents.h"
-#include "formats/hdf/HdfImageEntry.h"
+#include "formats/hdf/entries/HdfImageEntry.h"
 #include "platform/Platform.h"
 
 #include <cstdint>

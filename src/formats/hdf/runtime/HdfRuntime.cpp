@@ -1,7 +1,7 @@
 // What the C code of the HDF5 module calls: its memory, its table of functions, and its end. A trap is a C++
 // exception, which passes through that code to the caller of the sandbox.
 
-#include "formats/hdf/HdfSandbox.h"
+#include "formats/hdf/sandbox/HdfSandbox.h"
 #include "platform/Pages.h"
 
 #include <wasm-rt.h>

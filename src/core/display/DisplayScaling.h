@@ -1,0 +1,57 @@
+#pragma once
+
+#include "core/samples/Image.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace Tav::Imaging::RawImage {
+
+/// The display byte of a sample: its distance from the low end of the display range in steps of 1/255 of
+/// the range, truncated and limited to 0..255. In an empty range the sample at its ends is black.
+class DisplayScale
+{
+public:
+    DisplayScale(uint32_t rangeLow, uint32_t rangeHigh) noexcept
+        : low(rangeLow), step((rangeHigh - rangeLow) / 255.0)
+    {}
+
+    [[nodiscard]] uint8_t operator()(uint32_t sample) const noexcept
+    {
+        const double level = (sample - low) / step;
+        const double limited = level > 255.0 ? 255.0 : level;
+        // NaN, the quotient of nothing and nothing, compares with nothing.
+        return static_cast<uint8_t>(static_cast<int32_t>(limited > 0 ? limited : 0));
+    }
+
+private:
+    double low;
+    double step;
+};
+
+/// Signed samples as their distances from the smallest one. The source must outlive it, and its range be
+/// that of its samples.
+class DistanceImage final : public Image<unsigned int>
+{
+public:
+    explicit DistanceImage(const Image<int>& signedSource) noexcept;
+
+    void Load(size_t first, std::span<unsigned int> block) const override;
+
+private:
+    const Image<int>& source;
+};
+
+/// Maps the image's display range to 0..255: one byte per sample, in the source's row order or, with
+/// `flip`, with its last row first. Throws std::invalid_argument when the source holds no samples.
+void ScaleToDisplayBytes(const Image<unsigned int>& source, std::vector<uint8_t>& bytes, bool flip);
+
+/// Sets the image's display range to the calculated one and maps it to 0..255, as above.
+void ScaleByDynamicRange(Image<unsigned int>& image, std::vector<uint8_t>& bytes, bool flip);
+
+/// Stretches the contrast of a gray picture of `pixelCount` pixels in place; a picture of any other number
+/// of bytes, or of none, stays as it is.
+void StretchContrast(std::vector<uint8_t>& picture, size_t pixelCount);
+
+} // namespace Tav::Imaging::RawImage

@@ -1,0 +1,54 @@
+#include "core/samples/RescaleToUInt32.h"
+
+#include <cmath>
+
+namespace Tav::Imaging::RawImage {
+
+namespace {
+
+constexpr double full16Bit = 65535.0;
+constexpr double full32Bit = 4294967295.0;
+constexpr double twoTo32 = 4294967296.0;
+
+/// Whole part of the value modulo 2^32, as mathematics has it; 0 for infinities and NaN.
+uint32_t WholePartModulo32Bit(double value) noexcept
+{
+    if (!std::isfinite(value))
+        return 0;
+    const double remainder = std::fmod(std::trunc(value), twoTo32);
+    return static_cast<uint32_t>(remainder < 0 ? remainder + twoTo32 : remainder);
+}
+
+} // namespace
+
+RescaleToUInt32::RescaleToUInt32(const Image<double>& source, bool force32Bit) : minimum(source.minimum)
+{
+    const double range = source.maximum - source.minimum;
+    full = force32Bit || WholePartModulo32Bit(range) > 65535 ? full32Bit : full16Bit;
+    scale = full / range;
+    // A range of nothing, or without end, leaves no end to the display range either.
+    const double end = scale * range;
+    highest = end > 0 && std::isfinite(end) ? static_cast<uint32_t>(end) : 0;
+}
+
+bool RescaleToUInt32::FitsIn16Bit() const noexcept
+{
+    return full == full16Bit;
+}
+
+RescaledImage::RescaledImage(const Image<double>& floatingSource, const RescaleToUInt32& sourceRescale)
+    : Image(floatingSource.width, floatingSource.height), source(floatingSource), rescale(sourceRescale)
+{
+    maximum = rescale.Highest();
+}
+
+void RescaledImage::Load(size_t first, std::span<unsigned int> block) const
+{
+    ForEachBlock(source, first, first + block.size(), [&](size_t begin, std::span<const double> samples) {
+        unsigned int* const target = block.data() + (begin - first);
+        for (size_t i = 0; i < samples.size(); ++i)
+            target[i] = static_cast<uint32_t>(static_cast<int64_t>(rescale(samples[i])));
+    });
+}
+
+} // namespace Tav::Imaging::RawImage

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "core/stream/ByteOrder.h"
+
+#include <bit>
+#include <cstdint>
+#include <cstring>
+
+namespace Tav::Imaging::RawImage {
+
+// Decoders of one stored sample. The loops over a whole frame live on them being a single load, so they
+// copy the bytes as they stand and swap them where the stream's order asks for it.
+static_assert(std::endian::native == std::endian::little);
+
+template <typename Word>
+[[nodiscard]] inline Word LoadLittleEndian(const uint8_t* bytes) noexcept
+{
+    Word word;
+    std::memcpy(&word, bytes, sizeof(word));
+    return word;
+}
+
+[[nodiscard]] inline uint16_t LoadBigEndian16(const uint8_t* bytes) noexcept
+{
+    return __builtin_bswap16(LoadLittleEndian<uint16_t>(bytes));
+}
+
+[[nodiscard]] inline uint32_t LoadBigEndian32(const uint8_t* bytes) noexcept
+{
+    return __builtin_bswap32(LoadLittleEndian<uint32_t>(bytes));
+}
+
+/// The value of a half-precision code. Infinities and NaN of either sign count as the brightest value,
+/// +infinity; subnormal numbers scale by 2^-15.
+[[nodiscard]] float DecodeHalf(uint16_t code) noexcept;
+
+} // namespace Tav::Imaging::RawImage

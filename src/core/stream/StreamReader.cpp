@@ -1,0 +1,107 @@
+#include "core/stream/StreamReader.h"
+
+#include <algorithm>
+#include <cctype>
+#include <stdexcept>
+
+namespace Tav::Imaging::RawImage {
+
+namespace {
+
+/// Seeks and reads exactly `count` bytes. A stream that claims another count, too many included, failed.
+bool ReadExactly(IStream* stream, uint64_t offset, void* buffer, uint32_t count)
+{
+    LARGE_INTEGER position;
+    position.QuadPart = static_cast<int64_t>(offset);
+    if (FAILED(stream->Seek(position, STREAM_SEEK_SET, nullptr)))
+        return false;
+
+    // Nothing is read into nowhere, but some streams want an address all the same.
+    uint8_t nowhere = 0;
+    ULONG countRead = 0;
+    return SUCCEEDED(stream->Read(buffer ? buffer : &nowhere, count, &countRead)) && countRead == count;
+}
+
+} // namespace
+
+StreamReader::StreamReader(IStream* source) : stream(ComPtr<IStream>::Share(source))
+{
+    if (!stream)
+        throw std::invalid_argument("NULL Pointer");
+    if (!GetStreamSize(source, &streamSize))
+        throw std::runtime_error("Could not get file size");
+    if (!LoadWindow(0))
+        throw std::runtime_error("Could not read file");
+}
+
+bool StreamReader::LoadWindow(uint64_t offset)
+{
+    if (offset > streamSize)
+        return false;
+
+    windowLength = std::min(maximumWindowBytes, streamSize - offset);
+    windowStart = offset;
+    cursor = 0;
+    window.resize(windowLength);
+    return ReadExactly(stream.Get(), offset, window.data(), static_cast<uint32_t>(windowLength));
+}
+
+bool StreamReader::GoTo(uint64_t offset)
+{
+    if (offset < windowStart || offset - windowStart >= windowLength)
+        return LoadWindow(offset);
+    cursor = offset - windowStart;
+    return true;
+}
+
+bool StreamReader::Skip(uint64_t count) noexcept
+{
+    const uint64_t position = Position();
+    if (position > streamSize || streamSize - position < count)
+        return false;
+    cursor += count;
+    return true;
+}
+
+std::optional<std::span<const uint8_t>> StreamReader::ReadBytes(size_t count)
+{
+    const uint64_t position = Position();
+    if (position > streamSize || streamSize - position < count || count > maximumWindowBytes)
+        return std::nullopt;
+    if (cursor > windowLength || windowLength - cursor < count)
+    {
+        if (!LoadWindow(position))
+            return std::nullopt;
+    }
+
+    const std::span<const uint8_t> bytes{window.data() + cursor, count};
+    cursor += count;
+    return bytes;
+}
+
+bool GetStreamSize(IStream* stream, uint64_t* size)
+{
+    STATSTG statistics = {};
+    if (!stream || FAILED(stream->Stat(&statistics, STATFLAG_NONAME)))
+        return false;
+    *size = statistics.cbSize.QuadPart;
+    return true;
+}
+
+bool ReadStreamAt(IStream* stream, uint64_t offset, void* buffer, uint32_t count)
+{
+    uint64_t size = 0;
+    if (!GetStreamSize(stream, &size) || size < offset || size - offset < count)
+        return false;
+    return ReadExactly(stream, offset, buffer, count);
+}
+
+std::string ToLower(const std::string& text)
+{
+    std::string lowered = text;
+    std::transform(lowered.begin(), lowered.end(), lowered.begin(),
+                   [](unsigned char character) { return static_cast<char>(std::tolower(character)); });
+    return lowered;
+}
+
+} // namespace Tav::Imaging::RawImage

@@ -1,0 +1,141 @@
+#include "formats/hdf/entries/HdfDiscovery.h"
+
+#include "core/Diagnostics.h"
+#include "formats/hdf/HdfThumbnail.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+namespace Tav::Imaging::RawImage {
+
+namespace {
+
+void Note(std::wstring_view message)
+{
+    WriteDiagnostic(L"HDF: ", message);
+}
+
+struct ImageSize
+{
+    uint64_t width = 0;
+    uint64_t height = 0;
+    uint64_t planes = 1;
+};
+
+std::optional<ImageSize> SizeOf(const HdfCandidate& image, std::string_view interlace)
+{
+    if (image.dimensions < 2 || image.dimensions > 3)
+        return std::nullopt;
+    const bool hasPlanes = image.dimensions == 3;
+    if (interlace == "INTERLACE_PIXEL" && hasPlanes)
+        return ImageSize{image.sides[1], image.sides[0], image.sides[2]};
+    if (interlace == "INTERLACE_PLANE")
+        return hasPlanes ? std::optional{ImageSize{image.sides[2], image.sides[1], image.sides[0]}}
+                         : std::nullopt;
+    return ImageSize{image.sides[1], image.sides[0], 1};
+}
+
+/// The interlace that the attribute's text means; nothing, after a line, when it cannot be shown.
+std::optional<HdfInterlace> InterlaceOf(std::string_view text, std::string_view path)
+{
+    if (text.empty())
+        return path.ends_with("/Data") ? HdfInterlace::Plane : HdfInterlace::Undefined;
+    if (text == "INTERLACE_PIXEL")
+        return HdfInterlace::Pixel;
+    if (text == "INTERLACE_PLANE")
+        return HdfInterlace::Plane;
+    Note(text == "INTERLACE_LINE" ? L"Skipped image with not supported scan-line interlacing"
+                                  : L"Skipped image with unknown interlace format");
+    return std::nullopt;
+}
+
+bool IsShownSide(uint64_t side)
+{
+    return side >= 32 && side <= 8192;
+}
+
+} // namespace
+
+HdfDiscovery::HdfDiscovery(HdfContents& file)
+{
+    while (file.GoToNextDataset())
+    {
+        const std::optional<std::string> path = file.Path(hdfThumbnailPathLength);
+        if (path && IsThumbnailPath(*path))
+        {
+            if (!AddThumbnail(file, *path))
+                Note(L"Could not read jpeg image");
+        }
+        else if (const std::optional<HdfCandidate> candidate = file.Examine())
+        {
+            AddImage(file, *candidate);
+        }
+    }
+}
+
+bool HdfDiscovery::AddThumbnail(HdfContents& file, const std::string& path)
+{
+    // Letter case makes thousands of such names, and each takes its time.
+    constexpr uint32_t mostThumbnails = 16;
+    if (++thumbnailCount > mostThumbnails)
+        return false;
+    std::optional<JpegPicture> picture = DecodeHdfThumbnail(file, path);
+    if (!picture)
+        return false;
+    thumbnail = std::move(*picture);
+    thumbnailPath = path;
+    found.Add({.width = thumbnail.width,
+               .height = thumbnail.height,
+               .seriesFrames = thumbnail.frameCount,
+               .pixelType = PixelType::RGB24,
+               .path = path,
+               .interlace = HdfInterlace::Pixel},
+              1);
+    return true;
+}
+
+void HdfDiscovery::AddImage(HdfContents& file, const HdfCandidate& candidate)
+{
+    const std::string_view interlaceText = candidate.interlace;
+    const auto size = SizeOf(candidate, interlaceText);
+    if (!size || candidate.palettes < 0)
+        return;
+    const std::optional<std::string> path = file.Path();
+    // A thumbnail has been met as such.
+    if (!path || IsThumbnailPath(*path))
+        return;
+    const auto interlace = InterlaceOf(interlaceText, *path);
+    if (!interlace)
+        return;
+    if (candidate.palettes >= 1)
+        return Note(L"Skipped image with color palette");
+    if (!IsShownSide(size->width) || !IsShownSide(size->height))
+        return;
+    PixelType pixelType = candidate.pixelType;
+    if (pixelType == PixelType::UInt8 && size->planes == 3)
+    {
+        pixelType = PixelType::RGB24;
+        if (*interlace == HdfInterlace::Undefined)
+            return Note(L"Skipped RGB image with undefined interlace format");
+    }
+
+    const uint64_t frameBytes = BytesPerPixel(pixelType) * size->height * size->width;
+    const uint64_t storedBytes = file.StoredBytes(*path);
+    if (storedBytes == 0 || frameBytes == 0)
+        return;
+    if (storedBytes % frameBytes != 0)
+        return Note(L"Skipped image series with invalid data size");
+    const uint64_t frames = storedBytes / frameBytes;
+    if (frames >= 2 && *interlace != HdfInterlace::Plane)
+        return Note(L"Skipped not supported image series");
+    found.Add({.width = static_cast<uint32_t>(size->width),
+               .height = static_cast<uint32_t>(size->height),
+               .seriesFrames = static_cast<uint32_t>(std::min<uint64_t>(frames, UINT32_MAX)),
+               .pixelType = pixelType,
+               .path = *path,
+               .interlace = *interlace},
+              frames);
+}
+
+} // namespace Tav::Imaging::RawImage

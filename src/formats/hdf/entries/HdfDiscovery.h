@@ -1,0 +1,31 @@
+#pragma once
+
+#include "formats/hdf/HdfContents.h"
+#include "formats/hdf/entries/HdfSelection.h"
+#include "platform/JpegDecoder.h"
+
+#include <cstdint>
+#include <string>
+
+namespace Tav::Imaging::RawImage {
+
+/// Finds every dataset of an HDF5 file that can be shown, in the order of the names in each group.
+class HdfDiscovery
+{
+public:
+    /// Looks at all datasets of an open file.
+    explicit HdfDiscovery(HdfContents& file);
+
+    HdfSelection found;
+    /// The embedded picture in small that was decoded last, and its path; empty without one.
+    JpegPicture thumbnail;
+    std::string thumbnailPath;
+
+private:
+    [[nodiscard]] bool AddThumbnail(HdfContents& file, const std::string& path);
+    void AddImage(HdfContents& file, const HdfCandidate& candidate);
+
+    uint32_t thumbnailCount = 0;
+};
+
+} // namespace Tav::Imaging::RawImage
