@@ -20,7 +20,7 @@ Options:
   --help      this text; after a command, how that command is used
   --version   the version of this program
 
-The exit code is 0 when all went well, 1 when something failed and 2 when the command line made no sense.
+The exit code is 0 on success, 1 when something failed and 2 for a usage error.
 )";
 
 constexpr std::wstring_view infoHelp = LR"(Tells what files hold.

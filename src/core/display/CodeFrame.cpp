@@ -1,8 +1,8 @@
 #include "core/display/CodeFrame.h"
 
-#include "core/display/CountInTurns.h"
 #include "core/display/DisplayScaling.h"
 #include "core/display/DynamicRangeCalculator.h"
+#include "core/display/InterleavedHistogram.h"
 #include "core/samples/SampleDecoding.h"
 
 #include <algorithm>
@@ -20,10 +20,10 @@ constexpr size_t codeBytes = sizeof(uint16_t);
 } // namespace
 
 CodeFrame::CodeFrame(const std::vector<uint8_t>& frameBytes, uint32_t frameWidth, uint32_t frameHeight,
-                     Order codeOrder)
-    : codes(frameBytes), width(frameWidth), height(frameHeight), order(codeOrder), counts(codeCount)
+                     Rank rankOfCode)
+    : codes(frameBytes), width(frameWidth), height(frameHeight), rank(rankOfCode), counts(codeCount)
 {
-    CountInTurns<2>(counts, width * height, [this](size_t index) {
+    CountInterleaved<2>(counts, width * height, [this](size_t index) {
         return LoadLittleEndian<uint16_t>(codes.data() + index * codeBytes);
     });
     lowest = codeCount - 1;
@@ -31,16 +31,16 @@ CodeFrame::CodeFrame(const std::vector<uint8_t>& frameBytes, uint32_t frameWidth
     {
         if (counts[code] == 0)
             continue;
-        const uint32_t place = order(static_cast<uint16_t>(code));
-        lowest = std::min(lowest, place);
-        highest = std::max(highest, place);
+        const uint32_t codeRank = rank(static_cast<uint16_t>(code));
+        lowest = std::min(lowest, codeRank);
+        highest = std::max(highest, codeRank);
     }
 }
 
 CodeFrame::CodeFrame(const Image<double>& source, const RescaleToUInt32& rescale,
                      std::vector<uint8_t>& frameBytes)
-    : codes(frameBytes), width(source.width), height(source.height),
-      order([](uint16_t code) { return code; }), highest(rescale.Highest()), counts(codeCount)
+    : codes(frameBytes), width(source.width), height(source.height), rank([](uint16_t code) { return code; }),
+      highest(rescale.Highest()), counts(codeCount)
 {
     std::array<uint16_t, blockSamples> quantised;
     ForEachBlock(source, 0, source.SampleCount(), [&](size_t first, std::span<const double> samples) {
@@ -66,7 +66,7 @@ std::vector<uint8_t> CodeFrame::DisplayTable() const
     std::vector<uint32_t> distanceCounts(size_t{range} + 1);
     for (const uint16_t code : present)
     {
-        const uint32_t distance = order(code) - lowest;
+        const uint32_t distance = rank(code) - lowest;
         if (distance <= range)
             distanceCounts[distance] = counts[code];
     }
@@ -76,7 +76,7 @@ std::vector<uint8_t> CodeFrame::DisplayTable() const
     const DisplayScale scale{calculator.low, calculator.high};
     std::vector<uint8_t> table(codeCount);
     for (const uint16_t code : present)
-        table[code] = scale(order(code) - lowest);
+        table[code] = scale(rank(code) - lowest);
     return table;
 }
 

@@ -15,12 +15,12 @@ namespace Tav::Imaging::RawImage {
 class CodeFrame
 {
 public:
-    /// A code's place among all codes, in the order of the samples that they stand for.
-    using Order = uint16_t (*)(uint16_t code);
+    /// A code's rank: codes sorted by rank are sorted by the samples that they stand for.
+    using Rank = uint16_t (*)(uint16_t code);
 
     /// Takes `frameBytes` for width x height 16-bit samples, which must outlive the frame of codes.
     CodeFrame(const std::vector<uint8_t>& frameBytes, uint32_t frameWidth, uint32_t frameHeight,
-              Order codeOrder);
+              Rank rankOfCode);
 
     /// Quantises the samples to at most 65535 and writes the codes over `frameBytes` from its beginning on.
     /// The source may read its samples there: they have two bytes or more, and are read before a code
@@ -36,8 +36,8 @@ private:
     const std::vector<uint8_t>& codes;
     size_t width;
     size_t height;
-    Order order;
-    /// Places of the ends of the range in which the display range is looked for.
+    Rank rank;
+    /// Ranks of the ends of the range in which the display range is looked for.
     uint32_t lowest = 0;
     uint32_t highest = 0;
     /// How often each code occurs.

@@ -1,7 +1,7 @@
 #include "core/display/DisplayScaling.h"
 
-#include "core/display/CountInTurns.h"
 #include "core/display/DynamicRangeCalculator.h"
+#include "core/display/InterleavedHistogram.h"
 
 #include <algorithm>
 #include <array>
@@ -61,7 +61,7 @@ void StretchContrast(std::vector<uint8_t>& picture, size_t pixelCount)
 
     constexpr double threshold = 0.99;
     std::array<uint32_t, 256> counts = {};
-    CountInTurns<8>(counts, picture.size(), [&picture](size_t pixel) { return picture[pixel]; });
+    CountInterleaved<8>(counts, picture.size(), [&picture](size_t pixel) { return picture[pixel]; });
     std::array<double, 256> shares = {};
     std::transform(counts.begin(), counts.end(), shares.begin(),
                    [pixelCount](uint32_t count) { return count / static_cast<double>(pixelCount); });

@@ -105,9 +105,9 @@ public:
         StretchContrast(picture, pixelCount);
     }
 
-    void ConvertInteger16(CodeFrame::Order order)
+    void ConvertInteger16(CodeFrame::Rank rank)
     {
-        CodeFrame{frame, image.width, image.height, order}.ScaleToDisplayBytes(picture, image.flipVertical);
+        CodeFrame{frame, image.width, image.height, rank}.ScaleToDisplayBytes(picture, image.flipVertical);
     }
 
     void ConvertUInt32()

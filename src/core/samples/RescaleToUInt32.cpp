@@ -26,7 +26,7 @@ RescaleToUInt32::RescaleToUInt32(const Image<double>& source, bool force32Bit) :
     const double range = source.maximum - source.minimum;
     full = force32Bit || WholePartModulo32Bit(range) > 65535 ? full32Bit : full16Bit;
     scale = full / range;
-    // A range of nothing, or without end, leaves no end to the display range either.
+    // If the range is zero or infinite, the upper limit becomes 0.
     const double end = scale * range;
     highest = end > 0 && std::isfinite(end) ? static_cast<uint32_t>(end) : 0;
 }

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "core/stream/ByteOrder.h"
-
 #include <bit>
 #include <cstdint>
 #include <cstring>
@@ -18,11 +16,6 @@ template <typename Word>
     Word word;
     std::memcpy(&word, bytes, sizeof(word));
     return word;
-}
-
-[[nodiscard]] inline uint16_t LoadBigEndian16(const uint8_t* bytes) noexcept
-{
-    return __builtin_bswap16(LoadLittleEndian<uint16_t>(bytes));
 }
 
 [[nodiscard]] inline uint32_t LoadBigEndian32(const uint8_t* bytes) noexcept

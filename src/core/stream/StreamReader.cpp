@@ -16,10 +16,10 @@ bool ReadExactly(IStream* stream, uint64_t offset, void* buffer, uint32_t count)
     if (FAILED(stream->Seek(position, STREAM_SEEK_SET, nullptr)))
         return false;
 
-    // Nothing is read into nowhere, but some streams want an address all the same.
-    uint8_t nowhere = 0;
+    // Some streams reject a null buffer even for a 0-byte read.
+    uint8_t unused = 0;
     ULONG countRead = 0;
-    return SUCCEEDED(stream->Read(buffer ? buffer : &nowhere, count, &countRead)) && countRead == count;
+    return SUCCEEDED(stream->Read(buffer ? buffer : &unused, count, &countRead)) && countRead == count;
 }
 
 } // namespace

@@ -159,7 +159,7 @@ TEST_F(RealFiles, ArrayWithATable)
     ExpectPicture(file, {0, {0, 0, 0, 0, 0, 0, 0, 0}, {0, 0, 0, 0, 0, 0, 0, 0}, 32161});
 }
 
-/// A file whose picture in small is the only image with enough samples to be found.
+/// A file whose thumbnail is the only image with enough samples to be found.
 struct ThumbnailFile
 {
     const char* name;
