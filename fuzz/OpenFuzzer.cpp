@@ -25,7 +25,8 @@ void ReadProperties(const RawImage& image)
 {
     Metadata metadata;
     metadata.FillFromImage(image);
-    for (int property = 0; property <= static_cast<int>(MetadataProperty::FormatDetails) + 1; ++property)
+    // One more than there are: an unknown property has no value.
+    for (size_t property = 0; property <= metadataPropertyCount; ++property)
     {
         PROPVARIANT variant;
         if (metadata.Get(static_cast<MetadataProperty>(property), variant))
@@ -53,7 +54,7 @@ std::optional<uint32_t> Open(const std::vector<uint8_t>& file, uint32_t mode, ui
 
     const RawImageBase& reader = *image.Reader();
     Require(frameIndex < reader.frameCount);
-    // The header of an HDF5 file includes the picture in small: its size is that of the decoded picture. The
+    // The header of an HDF5 file includes the thumbnail: its size is that of the decoded picture. The
     // one that was decoded may be another than the frame that was asked for.
     const bool isPictureExpected = mode == readModeFrame;
     if (reader.fileType == FileType::Hdf && !isPictureExpected)

@@ -23,6 +23,8 @@ enum class MetadataProperty
     FormatDetails = 7,
 };
 
+constexpr size_t metadataPropertyCount = static_cast<size_t>(MetadataProperty::FormatDetails) + 1;
+
 /// The facts of one opened image, kept after its reader is gone.
 class Metadata
 {

@@ -2,6 +2,7 @@
 
 #include "core/Diagnostics.h"
 #include "core/RawImage.h"
+#include "metadata/PropertyKeys.h"
 #include "platform/ComPtr.h"
 #include "platform/ModuleCounters.h"
 
@@ -14,28 +15,6 @@
 using namespace Tav::Imaging::RawImage;
 
 namespace {
-
-struct ShownProperty
-{
-    PROPERTYKEY key;
-    MetadataProperty property;
-};
-
-constexpr GUID imageSummary = {0x6444048F, 0x4C8B, 0x11D1, {0x8B, 0x70, 0x08, 0x00, 0x36, 0xB1, 0x1A, 0x03}};
-constexpr GUID mediaSummary = {0x64440492, 0x4C8B, 0x11D1, {0x8B, 0x70, 0x08, 0x00, 0x36, 0xB1, 0x1A, 0x03}};
-constexpr GUID documentSummary = {
-    0xF29F85E0, 0x4FF9, 0x1068, {0xAB, 0x91, 0x08, 0x00, 0x2B, 0x27, 0xB3, 0xD9}};
-
-constexpr std::array<ShownProperty, 8> shownProperties = {{
-    {{imageSummary, 3}, MetadataProperty::Width},            // System.Image.HorizontalSize
-    {{imageSummary, 4}, MetadataProperty::Height},           // System.Image.VerticalSize
-    {{imageSummary, 13}, MetadataProperty::Dimensions},      // System.Image.Dimensions
-    {{imageSummary, 12}, MetadataProperty::FrameCount},      // System.Media.FrameCount
-    {{mediaSummary, 37}, MetadataProperty::PixelFormat},     // media summary property 37
-    {{mediaSummary, 27}, MetadataProperty::Software},        // System.Media.CreatorApplication
-    {{imageSummary, 7}, MetadataProperty::BitDepth},         // System.Image.BitDepth
-    {{documentSummary, 6}, MetadataProperty::FormatDetails}, // System.Comment
-}};
 
 /// Files of this family begin with a colour thumbnail; the image itself comes second.
 bool BeginsWithThumbnail(const RawImageBase& reader)
@@ -105,7 +84,7 @@ HRESULT PropertyStore::GetCount(DWORD* count)
 {
     if (!count)
         return E_POINTER;
-    *count = static_cast<DWORD>(shownProperties.size());
+    *count = static_cast<DWORD>(keyedProperties.size());
     return S_OK;
 }
 
@@ -113,9 +92,9 @@ HRESULT PropertyStore::GetAt(DWORD index, PROPERTYKEY* key)
 {
     if (!key)
         return E_POINTER;
-    if (index >= shownProperties.size())
+    if (index >= keyedProperties.size())
         return E_INVALIDARG;
-    *key = shownProperties[index].key;
+    *key = keyedProperties[index].key;
     return S_OK;
 }
 
@@ -124,10 +103,10 @@ HRESULT PropertyStore::GetValue(REFPROPERTYKEY key, PROPVARIANT* value)
     if (!value)
         return E_POINTER;
     const auto* const shown = std::find_if(
-        std::begin(shownProperties), std::end(shownProperties), [&key](const ShownProperty& entry) {
+        std::begin(keyedProperties), std::end(keyedProperties), [&key](const KeyedProperty& entry) {
             return entry.key.fmtid == key.fmtid && entry.key.pid == key.pid;
         });
-    if (shown == std::end(shownProperties))
+    if (shown == std::end(keyedProperties))
         return E_INVALIDARG;
     return metadata.Get(shown->property, *value) ? S_OK : E_INVALIDARG;
 }

@@ -1,6 +1,7 @@
 #include "PropertyReader.h"
 
 #include "Failure.h"
+#include "metadata/PropertyKeys.h"
 #include "platform/ComPtr.h"
 #include "registration/ClassIds.h"
 
@@ -9,14 +10,13 @@
 #include <propsys.h>
 #include <shlwapi.h>
 
+#include <iterator>
+
 namespace Lumora {
 
-namespace {
+using namespace Tav::Imaging::RawImage;
 
-constexpr GUID imageSummary = {0x6444048F, 0x4C8B, 0x11D1, {0x8B, 0x70, 0x08, 0x00, 0x36, 0xB1, 0x1A, 0x03}};
-constexpr GUID mediaSummary = {0x64440492, 0x4C8B, 0x11D1, {0x8B, 0x70, 0x08, 0x00, 0x36, 0xB1, 0x1A, 0x03}};
-constexpr GUID documentSummary = {
-    0xF29F85E0, 0x4FF9, 0x1068, {0xAB, 0x91, 0x08, 0x00, 0x2B, 0x27, 0xB3, 0xD9}};
+namespace {
 
 struct NamedProperty
 {
@@ -25,16 +25,18 @@ struct NamedProperty
     const wchar_t* name;
 };
 
+/// In the order of the output.
 constexpr NamedProperty namedProperties[] = {
-    {{imageSummary, 13}, L"Dimensions", L"dimensions"},          // System.Image.Dimensions
-    {{imageSummary, 3}, L"Width", L"width"},                     // System.Image.HorizontalSize
-    {{imageSummary, 4}, L"Height", L"height"},                   // System.Image.VerticalSize
-    {{imageSummary, 12}, L"Frames", L"frameCount"},              // System.Media.FrameCount
-    {{imageSummary, 7}, L"Bit depth", L"bitDepth"},              // System.Image.BitDepth
-    {{mediaSummary, 37}, L"Pixel type", L"pixelType"},           // media summary property 37
-    {{mediaSummary, 27}, L"Software", L"software"},              // System.Media.CreatorApplication
-    {{documentSummary, 6}, L"Format details", L"formatDetails"}, // System.Comment
+    {KeyOf(MetadataProperty::Dimensions), L"Dimensions", L"dimensions"},
+    {KeyOf(MetadataProperty::Width), L"Width", L"width"},
+    {KeyOf(MetadataProperty::Height), L"Height", L"height"},
+    {KeyOf(MetadataProperty::FrameCount), L"Frames", L"frameCount"},
+    {KeyOf(MetadataProperty::BitDepth), L"Bit depth", L"bitDepth"},
+    {KeyOf(MetadataProperty::PixelFormat), L"Pixel type", L"pixelType"},
+    {KeyOf(MetadataProperty::Software), L"Software", L"software"},
+    {KeyOf(MetadataProperty::FormatDetails), L"Format details", L"formatDetails"},
 };
+static_assert(std::size(namedProperties) == metadataPropertyCount);
 
 /// A value that is freed when it is no longer needed.
 class PropertyValue
