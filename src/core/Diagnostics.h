@@ -14,4 +14,23 @@ inline void WriteDiagnostic(std::wstring_view message) noexcept
     WriteDiagnostic({}, message);
 }
 
+/// Writes the lines of one format, all with its tag.
+class ReaderLog
+{
+public:
+    constexpr explicit ReaderLog(std::wstring_view formatTag) noexcept : tag(formatTag) {}
+
+    void Write(std::wstring_view message) const noexcept { WriteDiagnostic(tag, message); }
+
+    /// Writes why a file is refused. Always false: what a reader returns then.
+    [[nodiscard]] bool Fail(std::wstring_view message) const noexcept
+    {
+        Write(message);
+        return false;
+    }
+
+private:
+    std::wstring_view tag;
+};
+
 } // namespace Tav::Imaging::RawImage

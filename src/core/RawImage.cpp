@@ -1,37 +1,11 @@
 #include "core/RawImage.h"
 
-#include "core/Diagnostics.h"
 #include "core/ReaderFactory.h"
-#include "formats/Identification.h"
 
 #include <array>
 #include <utility>
 
 namespace Tav::Imaging::RawImage {
-
-namespace {
-
-/// Says why a stream gets no reader: its format is WIC's own business, or nobody's.
-const wchar_t* RefusalOf(Identity identity) noexcept
-{
-    switch (identity)
-    {
-    case Identity::EnhancedMetafile:
-        return L"Load request for not supported Enhanced MetaFile (EMF)";
-    case Identity::Bitmap:
-        return L"Unsupported bitmap file format detected";
-    case Identity::Jpeg:
-        return L"Unsupported JPEG file format detected";
-    case Identity::TiffLittleEndian:
-        return L"Unsupported TIFF file format (little-endian) detected";
-    case Identity::TiffBigEndian:
-        return L"Unsupported TIFF file format (big-endian) detected";
-    default:
-        return L"Could not identify the file format";
-    }
-}
-
-} // namespace
 
 bool RawImage::Open(IStream* stream, uint32_t readMode, uint32_t frameIndex)
 {
@@ -63,11 +37,7 @@ RawImageBase* RawImage::CreateReader(IStream* stream)
         FAILED(stream->Read(header.data(), header.size(), &countRead)) || countRead != header.size())
         return nullptr;
 
-    const Identity identity = Identify(header);
-    std::unique_ptr<RawImageBase> created = MakeReader(identity);
-    if (!created)
-        WriteDiagnostic(RefusalOf(identity));
-    return created.release();
+    return MakeReader(header).release();
 }
 
 } // namespace Tav::Imaging::RawImage

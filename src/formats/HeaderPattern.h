@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/ReaderFactory.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -7,14 +9,14 @@
 #include <span>
 #include <string_view>
 
-namespace Lumora {
+namespace Tav::Imaging::RawImage {
 
-/// What WIC compares the start of a stream with before it asks a decoder: a byte matches when it has the
-/// wanted bits where the mask is set. A pattern covers all of the bytes that identification needs, so a
-/// shorter stream is never offered.
+/// Wanted bits of a stream's first bytes, as WIC compares them before it asks a decoder: a byte matches when
+/// it has the wanted bits where the mask is set. A pattern covers all of the bytes that identification needs,
+/// so a shorter stream is never offered.
 struct HeaderPattern
 {
-    static constexpr size_t size = 64;
+    static constexpr size_t size = identificationBytes;
 
     std::array<uint8_t, size> bytes = {};
     std::array<uint8_t, size> mask = {};
@@ -46,7 +48,7 @@ struct HeaderPattern
         return pattern;
     }
 
-    [[nodiscard]] constexpr bool Matches(std::span<const uint8_t, size> header) const
+    [[nodiscard]] constexpr bool Matches(std::span<const uint8_t, size> header) const noexcept
     {
         for (size_t i = 0; i < size; ++i)
         {
@@ -57,4 +59,4 @@ struct HeaderPattern
     }
 };
 
-} // namespace Lumora
+} // namespace Tav::Imaging::RawImage

@@ -1,117 +1,133 @@
 #include "formats/Identification.h"
 
+#include "formats/bin/BinTypes.h"
+#include "formats/mrc/MrcModes.h"
+
 #include <algorithm>
-#include <string_view>
+#include <array>
 
 namespace Tav::Imaging::RawImage {
 
 namespace {
 
-using namespace std::string_view_literals;
-
 using Header = std::span<const uint8_t, identificationBytes>;
 
-bool HasText(Header header, size_t offset, std::string_view text) noexcept
+/// The codes of a table, each of which is less than 256.
+template <size_t count>
+constexpr std::array<uint8_t, count> CodesOf(const PixelTypeCode (&table)[count])
 {
-    return std::equal(text.begin(), text.end(), header.begin() + static_cast<std::ptrdiff_t>(offset),
-                      [](char character, uint8_t byte) { return static_cast<uint8_t>(character) == byte; });
+    std::array<uint8_t, count> codes = {};
+    std::transform(std::begin(table), std::end(table), codes.begin(),
+                   [](const PixelTypeCode& row) { return static_cast<uint8_t>(row.code); });
+    return codes;
 }
 
-/// The modes of MRC files that are read: bits 0, 1, 2, 6, 12 and 16 of a mask, and 101.
-constexpr bool IsMrcMode(uint8_t mode) noexcept
-{
-    constexpr uint32_t modesUpTo16 = 0x11047;
-    return mode <= 16 ? ((modesUpTo16 >> mode) & 1) != 0 : mode == 101;
-}
+constexpr auto mrcModeBytes = CodesOf(mrcModes);
+constexpr auto binTypeBytes = CodesOf(binTypes);
 
-/// Columns below 2^24, rows below 2^16, sections below 2^24, and a known mode. The third byte is tested
-/// by whoever asks.
-bool IsLittleEndianMrc(Header b) noexcept
+/// One way in which a header begins: fixed bytes and, where there are choices, one byte that is any of them.
+struct Signature
 {
-    return b[3] == 0 && b[6] == 0 && b[7] == 0 && b[11] == 0 && b[13] == 0 && b[14] == 0 && b[15] == 0 &&
-           IsMrcMode(b[12]);
-}
+    Identity identity;
+    HeaderPattern fixed;
+    size_t choiceOffset = 0;
+    std::span<const uint8_t> choices = {};
 
-/// Columns and rows below 2^16, sections below 2^24, and a known mode.
-bool IsBigEndianMrc(Header b) noexcept
-{
-    return b[0] == 0 && b[1] == 0 && b[4] == 0 && b[5] == 0 && b[8] == 0 && b[12] == 0 && b[13] == 0 &&
-           b[14] == 0 && IsMrcMode(b[15]);
-}
-
-/// A metafile's record type and size can look like an MRC header; its signature cannot be mistaken.
-Identity MrcOrMetafile(Header b) noexcept
-{
-    return HasText(b, 41, "EMF"sv) ? Identity::EnhancedMetafile : Identity::Mrc;
-}
-
-Identity IdentifyLattice(Header b) noexcept
-{
-    return HasText(b, 2, "PelixMesh "sv) || HasText(b, 2, "Vorna "sv) ? Identity::Lattice : Identity::Unknown;
-}
-
-Identity IdentifySerOrTiff(Header b) noexcept
-{
-    if (b[1] != 'I')
-        return Identity::Unknown;
-    if (b[2] == 0x97)
-        return b[3] == 0x01 ? Identity::Ser : Identity::Unknown;
-    return b[2] == '*' && b[3] == 0x00 ? Identity::TiffLittleEndian : Identity::Unknown;
-}
-
-/// The formats that begin with a magic word, and BIN, which has none: its type code and the high halves of
-/// its two sizes have to do.
-Identity IdentifyByMagic(Header b) noexcept
-{
-    switch (b[0])
+    [[nodiscard]] bool Matches(Header header) const noexcept
     {
-    case 0x93:
-        return HasText(b, 1, "NUMPY"sv) ? Identity::Npy : Identity::Unknown;
-    case 'T':
-        return HasText(b, 0, "TAV RawImage\0"sv) ? Identity::Raw : Identity::Unknown;
-    case 'I':
-        return IdentifySerOrTiff(b);
-    case 1:
-    case 2:
-    case 3:
-    case 4:
-    case 5:
-    case 6:
-    case 7:
-    case 8:
-        return b[1] == 0 && b[4] == 0 && b[5] == 0 && b[8] == 0 && b[9] == 0 ? Identity::Bin
-                                                                             : Identity::Unknown;
-    case 'B':
-        return b[1] == 'M' ? Identity::Bitmap : Identity::Unknown;
-    case 0xFF:
-        return b[1] == 0xD8 ? Identity::Jpeg : Identity::Unknown;
-    case 'M':
-        return HasText(b, 1, "M\0*"sv) ? Identity::TiffBigEndian : Identity::Unknown;
-    case 0x00:
-        return IsBigEndianMrc(b) ? Identity::Mrc : Identity::Unknown;
-    default:
-        return Identity::Unknown;
+        return fixed.Matches(header) && (choices.empty() || std::find(choices.begin(), choices.end(),
+                                                                      header[choiceOffset]) != choices.end());
     }
+};
+
+constexpr HeaderPattern start;
+
+/// Columns and rows below 65,536, sections below 2^24; the mode's byte is left open.
+constexpr HeaderPattern littleEndianMrc = start.WithZeros({2, 3, 6, 7, 11, 13, 14, 15});
+constexpr HeaderPattern bigEndianMrc = start.WithZeros({0, 1, 4, 5, 8, 12, 13, 14});
+
+/// In the order in which they are tried: the first one that matches decides.
+constexpr Signature signatures[] = {
+    {Identity::Lattice, start.WithText(0, "# PelixMesh ")},
+    {Identity::Lattice, start.WithText(0, "# Vorna ")},
+    {Identity::Dm3, start.WithZeros({0, 1, 2}).WithByte(3, 3)}, // the version, big-endian
+    {Identity::Dm4, start.WithZeros({0, 1, 2}).WithByte(3, 4)},
+    {Identity::Hdf, start.WithText(0, "\x89HDF")},
+    {Identity::Emi, start.WithText(0, "JK").WithByte(3, 2)}, // the stamp, and the high byte of the version
+    // A metafile's record type and size can look like an MRC header; its signature cannot be mistaken.
+    {Identity::EnhancedMetafile, littleEndianMrc.WithText(41, "EMF"), 12, mrcModeBytes},
+    {Identity::Mrc, littleEndianMrc, 12, mrcModeBytes},
+    {Identity::Npy, start.WithText(0, "\x93NUMPY")},
+    {Identity::Raw, start.WithText(0, "TAV RawImage").WithByte(12, 0)},
+    {Identity::Ser, start.WithText(0, "II\x97\x01")},
+    {Identity::TiffLittleEndian, start.WithText(0, "II*").WithByte(3, 0)},
+    // A little-endian type code and two sizes below 65,536: BIN files have no magic word.
+    {Identity::Bin, start.WithZeros({1, 4, 5, 8, 9}), 0, binTypeBytes},
+    {Identity::Bitmap, start.WithText(0, "BM")},
+    {Identity::Jpeg, start.WithText(0, "\xFF\xD8")},
+    {Identity::TiffBigEndian, start.WithText(0, "MM").WithByte(2, 0).WithByte(3, '*')},
+    {Identity::Mrc, bigEndianMrc, 15, mrcModeBytes},
+};
+
+/// Some bits of one byte: the bits outside of the mask are free.
+struct ByteChoice
+{
+    uint8_t value;
+    uint8_t bits;
+};
+
+/// The values as few choices: two that differ in one bit become one that leaves the bit free.
+std::vector<ByteChoice> MergedChoices(std::span<const uint8_t> values)
+{
+    std::vector<ByteChoice> choices;
+    for (const uint8_t value : values)
+        choices.push_back({value, 0xFF});
+    for (uint32_t bit = 1; bit < 0x100; bit <<= 1)
+    {
+        std::vector<ByteChoice> merged;
+        for (const ByteChoice& choice : choices)
+        {
+            const auto partner = std::find_if(merged.begin(), merged.end(), [&](const ByteChoice& other) {
+                return other.bits == choice.bits && (other.value ^ choice.value) == bit;
+            });
+            if (partner == merged.end())
+            {
+                merged.push_back(choice);
+            }
+            else
+            {
+                partner->value = static_cast<uint8_t>(partner->value & ~bit);
+                partner->bits = static_cast<uint8_t>(partner->bits & ~bit);
+            }
+        }
+        choices = std::move(merged);
+    }
+    return choices;
 }
 
 } // namespace
 
-Identity Identify(Header b) noexcept
+Identity Identify(Header header) noexcept
 {
-    if (b[0] == '#' && b[1] == ' ' && (b[2] == 'P' || b[2] == 'V'))
-        return IdentifyLattice(b);
-    if (b[0] == 0x00 && b[1] == 0x00 && b[2] == 0x00 && b[3] == 0x03)
-        return Identity::Dm3;
-    if (b[0] == 0x00 && b[1] == 0x00 && b[2] == 0x00 && b[3] == 0x04)
-        return Identity::Dm4;
-    if (b[0] == 0x89 && b[1] == 'H' && b[2] == 'D')
-        return b[3] == 'F' ? Identity::Hdf : Identity::Unknown;
-    if (b[0] == 'J' && b[1] == 'K' && b[3] == 0x02)
-        return Identity::Emi;
-    // The third byte is zero in every little-endian MRC file of less than 65,536 columns.
-    if (b[2] == 0x00 && IsLittleEndianMrc(b))
-        return MrcOrMetafile(b);
-    return IdentifyByMagic(b);
+    const auto found =
+        std::find_if(std::begin(signatures), std::end(signatures),
+                     [header](const Signature& signature) { return signature.Matches(header); });
+    return found == std::end(signatures) ? Identity::Unknown : found->identity;
+}
+
+std::vector<HeaderPattern> HeaderPatternsOf(Identity identity)
+{
+    std::vector<HeaderPattern> patterns;
+    for (const Signature& signature : signatures)
+    {
+        if (signature.identity != identity)
+            continue;
+        if (signature.choices.empty())
+            patterns.push_back(signature.fixed);
+        for (const ByteChoice& choice : MergedChoices(signature.choices))
+            patterns.push_back(signature.fixed.WithByte(signature.choiceOffset, choice.value, choice.bits));
+    }
+    return patterns;
 }
 
 } // namespace Tav::Imaging::RawImage

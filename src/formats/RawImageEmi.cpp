@@ -12,6 +12,8 @@ namespace Tav::Imaging::RawImage {
 
 namespace {
 
+constexpr ReaderLog log{L"EMI: "};
+
 constexpr ByteOrder order = ByteOrder::LittleEndian;
 
 constexpr uint16_t fileStamp = 0x4B4A;
@@ -27,12 +29,6 @@ constexpr uint16_t writerVersionIdentifier = 1810;
 constexpr uint32_t longestWriterVersion = 32;
 /// The dimension words that the length of an array object counts beside its samples.
 constexpr uint32_t dimensionBytes = 8;
-
-bool Fail(std::wstring_view message) noexcept
-{
-    WriteDiagnostic(L"EMI: ", message);
-    return false;
-}
 
 struct ArrayImage
 {
@@ -64,11 +60,11 @@ PixelType PixelTypeOfArray(uint16_t type, uint32_t sampleBytes) noexcept
             return kind.pixelType;
     }
     if (type == 0x2200 && sampleBytes == 1)
-        Fail(L"Unsupported pixel type -> Int8 (CharArrayType_2D)");
+        log.Write(L"Unsupported pixel type -> Int8 (CharArrayType_2D)");
     else if (type == 0x220E && sampleBytes == 8)
-        Fail(L"Unsupported pixel type -> Double64 (DoubleArrayType_2D)");
+        log.Write(L"Unsupported pixel type -> Double64 (DoubleArrayType_2D)");
     else
-        Fail(L"Unsupported pixel type");
+        log.Write(L"Unsupported pixel type");
     return PixelType::Unknown;
 }
 
@@ -206,12 +202,12 @@ bool RawImageEmi::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
     if (!stamp)
         return false;
     if (*stamp != fileStamp)
-        return Fail(L"Invalid stamp");
+        return log.Fail(L"Invalid stamp");
     const auto version = reader.ReadNumber<uint16_t>(order);
     if (!version)
         return false;
     if (*version > highestVersion)
-        return Fail(L"Too high version number");
+        return log.Fail(L"Too high version number");
 
     ItemWalk walk{reader};
     if (reader.GoTo(firstItemOffset))
@@ -222,9 +218,9 @@ bool RawImageEmi::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
 
     frameCount = static_cast<uint32_t>(walk.images.size());
     if (frameCount == 0)
-        return Fail(L"No images found");
+        return log.Fail(L"No images found");
     if (frameIndex >= frameCount)
-        return Fail(L"Frame index is out of range");
+        return log.Fail(L"Frame index is out of range");
     flipVertical = true;
     const ArrayImage& image = walk.images[frameIndex];
     width = image.width;

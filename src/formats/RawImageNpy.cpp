@@ -13,18 +13,14 @@ namespace Tav::Imaging::RawImage {
 
 namespace {
 
+constexpr ReaderLog log{L"NPY: "};
+
 using namespace std::string_view_literals;
 
 /// How much of the file is looked at for the header, magic and version included.
 constexpr size_t headBytes = 256;
 constexpr size_t headerOffset = 10;
 constexpr uint32_t mostFrames = 4096;
-
-bool Fail(std::wstring_view message) noexcept
-{
-    WriteDiagnostic(L"NPY: ", message);
-    return false;
-}
 
 struct ElementType
 {
@@ -100,20 +96,20 @@ bool RawImageNpy::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
         return false;
     const std::string_view text{reinterpret_cast<const char*>(head->data()), head->size()};
     if (!text.starts_with("\x93NUMPY"sv))
-        return Fail(L"Invalid header");
+        return log.Fail(L"Invalid header");
     if (text[6] != 1 || text[7] != 0)
-        return Fail(L"Unsupported version");
+        return log.Fail(L"Unsupported version");
     const auto headerBytes = AssembleNumber<uint16_t>(head->data() + 8, ByteOrder::LittleEndian);
     if (!ParseNpyHeader(text.substr(headerOffset)))
         return false;
     if (frameIndex >= frameCount)
-        return Fail(L"Frame index is out of range");
+        return log.Fail(L"Frame index is out of range");
 
     // The frame size wraps at 32 bits, its offset does not.
     const uint32_t frameBytes = width * height * BytesPerPixel(pixelType);
     const uint64_t frameOffset = headerOffset + headerBytes + uint64_t{frameIndex} * frameBytes;
     if (frameOffset + frameBytes > streamSize)
-        return Fail(L"Invalid data size");
+        return log.Fail(L"Invalid data size");
     return ConvertToDisplay(stream, streamSize, frameOffset);
 }
 
@@ -144,7 +140,7 @@ bool RawImageNpy::ParseElementType(std::string_view dictionary)
             return true;
         }
     }
-    return Fail(L"Unsupported pixel type");
+    return log.Fail(L"Unsupported pixel type");
 }
 
 bool RawImageNpy::ParseShape(std::string_view dictionary)
@@ -160,7 +156,7 @@ bool RawImageNpy::ParseShape(std::string_view dictionary)
     const std::vector<std::string_view> tokens = Tokens(*shape);
     const auto commas = static_cast<size_t>(std::count(shape->begin(), shape->end(), ','));
     if (tokens.size() != commas + 1 || tokens.size() < 2 || tokens.size() > 3)
-        return Fail(L"Unsupported data structure");
+        return log.Fail(L"Unsupported data structure");
 
     std::array<uint32_t, 3> sizes = {};
     std::transform(tokens.begin(), tokens.end(), sizes.begin(), ToNumber);
@@ -189,9 +185,9 @@ bool RawImageNpy::ParseShape(std::string_view dictionary)
     }
 
     if (width < 1 || width > 65535 || height < 1 || height > 65535)
-        return Fail(L"Invalid resolution");
+        return log.Fail(L"Invalid resolution");
     if (frameCount > mostFrames)
-        return Fail(L"The number of frames is too large");
+        return log.Fail(L"The number of frames is too large");
     return true;
 }
 

@@ -10,20 +10,11 @@ namespace Tav::Imaging::RawImage {
 
 namespace {
 
+constexpr ReaderLog log{L"RAW: "};
+
 constexpr ByteOrder order = ByteOrder::LittleEndian;
 constexpr uint64_t signatureBytes = 17;
 constexpr uint32_t headerBytes = 49;
-
-void Warn(std::wstring_view message) noexcept
-{
-    WriteDiagnostic(L"RAW: ", message);
-}
-
-bool Fail(std::wstring_view message) noexcept
-{
-    Warn(message);
-    return false;
-}
 
 struct SampleKind
 {
@@ -80,7 +71,7 @@ bool RawImageRaw::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
     height = *rows;
     frameCount = 1;
     if (frameIndex != 0)
-        return Fail(L"Invalid frame index");
+        return log.Fail(L"Invalid frame index");
 
     const auto bitsPerPixel = reader.ReadNumber<uint32_t>(order);
     if (!bitsPerPixel)
@@ -91,8 +82,8 @@ bool RawImageRaw::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
         // The product wraps at 32 bits.
         const auto derived = SampleBytesFromFileSize(streamSize, width * height);
         if (!derived)
-            return Fail(L"Invalid pixel type (not a multiple of 8-bits)");
-        Warn(L"The bits per pixel in the file header is not correct");
+            return log.Fail(L"Invalid pixel type (not a multiple of 8-bits)");
+        log.Write(L"The bits per pixel in the file header is not correct");
         sampleBytes = *derived;
     }
 
@@ -106,7 +97,7 @@ bool RawImageRaw::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
     yStride = *rowStride;
     pixelType = PixelTypeOf(*kind, sampleBytes);
     if (pixelType == PixelType::Unknown)
-        return Fail(L"Unsupported pixel type");
+        return log.Fail(L"Unsupported pixel type");
     // The offset counts from the end of the header and wraps at 32 bits.
     return ConvertToDisplay(stream, streamSize, static_cast<uint32_t>(*dataOffset + headerBytes));
 }

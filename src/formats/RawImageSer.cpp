@@ -1,15 +1,17 @@
 #include "formats/RawImageSer.h"
 
 #include "core/Diagnostics.h"
+#include "core/PixelTypeCode.h"
 #include "core/stream/StreamReader.h"
 
-#include <array>
 #include <optional>
 #include <string_view>
 
 namespace Tav::Imaging::RawImage {
 
 namespace {
+
+constexpr ReaderLog log{L"SER: "};
 
 constexpr ByteOrder order = ByteOrder::LittleEndian;
 
@@ -22,21 +24,11 @@ constexpr uint32_t imageElements = 0x4122;
 constexpr uint64_t elementTypeOffset = 40;
 constexpr uint64_t elementSamplesOffset = 50;
 
-bool Fail(std::wstring_view message) noexcept
-{
-    WriteDiagnostic(L"SER: ", message);
-    return false;
-}
-
-PixelType PixelTypeOfElement(uint16_t dataType) noexcept
-{
-    constexpr std::array<PixelType, 11> types = {
-        PixelType::Unknown,  PixelType::UInt8,     PixelType::UInt16,     PixelType::UInt32,
-        PixelType::Int8,     PixelType::Int16,     PixelType::Int32,      PixelType::Float32,
-        PixelType::Double64, PixelType::Complex64, PixelType::Complex128,
-    };
-    return dataType < types.size() ? types[dataType] : PixelType::Unknown;
-}
+constexpr PixelTypeCode dataTypes[] = {
+    {1, PixelType::UInt8},     {2, PixelType::UInt16},      {3, PixelType::UInt32},  {4, PixelType::Int8},
+    {5, PixelType::Int16},     {6, PixelType::Int32},       {7, PixelType::Float32}, {8, PixelType::Double64},
+    {9, PixelType::Complex64}, {10, PixelType::Complex128},
+};
 
 struct SeriesHeader
 {
@@ -48,7 +40,7 @@ struct SeriesHeader
 std::optional<SeriesHeader> ReadSeriesHeader(StreamReader& reader)
 {
     const auto refuse = [](std::wstring_view message) {
-        Fail(message);
+        log.Write(message);
         return std::nullopt;
     };
     const auto byteOrderStamp = reader.ReadNumber<uint16_t>(order);
@@ -130,7 +122,7 @@ bool RawImageSer::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
     if (!element)
         return false;
     if (frameIndex >= header->validElements)
-        return Fail(L"Frame index is out of range");
+        return log.Fail(L"Frame index is out of range");
     frameCount = header->validElements;
     flipVertical = true;
 
@@ -139,7 +131,7 @@ bool RawImageSer::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
     const auto dataType = reader.ReadNumber<uint16_t>(order);
     if (!dataType)
         return false;
-    pixelType = PixelTypeOfElement(*dataType);
+    pixelType = PixelTypeOf(dataTypes, *dataType);
     const auto columns = reader.ReadNumber<uint32_t>(order);
     if (!columns)
         return false;
@@ -149,7 +141,7 @@ bool RawImageSer::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
         return false;
     height = *rows;
     if (pixelType == PixelType::Unknown)
-        return Fail(L"Unsupported pixel type");
+        return log.Fail(L"Unsupported pixel type");
     return ConvertToDisplay(stream, streamSize, *element + elementSamplesOffset);
 }
 

@@ -1,12 +1,14 @@
 #include "core/ReaderFactory.h"
 
 #include "core/Diagnostics.h"
+#include "formats/Identification.h"
 #include "formats/RawImageEmi.h"
 #include "formats/RawImageNpy.h"
 #include "formats/RawImageRaw.h"
 #include "formats/RawImageSer.h"
 #include "formats/bin/RawImageBin.h"
 #include "formats/dm/RawImageDm.h"
+#include "formats/hdf/HdfLog.h"
 #include "formats/hdf/HdfMutexLock.h"
 #include "formats/hdf/RawImageHdf.h"
 #include "formats/lattice/RawImageUbo.h"
@@ -21,13 +23,11 @@ std::unique_ptr<RawImageBase> MakeHdfReader()
 {
     const HANDLE mutex = CreateMutexW(nullptr, 0, hdfMutexName);
     if (!mutex)
-        WriteDiagnostic(L"HDF: ", L"Failed to create mutex");
+        hdfLog.Write(L"Failed to create mutex");
     return std::make_unique<RawImageHdf>(mutex);
 }
 
-} // namespace
-
-std::unique_ptr<RawImageBase> MakeReader(Identity identity)
+std::unique_ptr<RawImageBase> MakeReaderOf(Identity identity)
 {
     switch (identity)
     {
@@ -54,6 +54,37 @@ std::unique_ptr<RawImageBase> MakeReader(Identity identity)
     default:
         return nullptr;
     }
+}
+
+/// Says why a stream gets no reader: its format is WIC's own business, or nobody's.
+const wchar_t* RefusalOf(Identity identity) noexcept
+{
+    switch (identity)
+    {
+    case Identity::EnhancedMetafile:
+        return L"Load request for not supported Enhanced MetaFile (EMF)";
+    case Identity::Bitmap:
+        return L"Unsupported bitmap file format detected";
+    case Identity::Jpeg:
+        return L"Unsupported JPEG file format detected";
+    case Identity::TiffLittleEndian:
+        return L"Unsupported TIFF file format (little-endian) detected";
+    case Identity::TiffBigEndian:
+        return L"Unsupported TIFF file format (big-endian) detected";
+    default:
+        return L"Could not identify the file format";
+    }
+}
+
+} // namespace
+
+std::unique_ptr<RawImageBase> MakeReader(std::span<const uint8_t, identificationBytes> header)
+{
+    const Identity identity = Identify(header);
+    std::unique_ptr<RawImageBase> reader = MakeReaderOf(identity);
+    if (!reader)
+        WriteDiagnostic(RefusalOf(identity));
+    return reader;
 }
 
 } // namespace Tav::Imaging::RawImage

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "formats/HeaderPattern.h"
+#include "formats/Identification.h"
 
-#include <cstdint>
+#include <array>
 #include <span>
 #include <vector>
 
@@ -17,34 +17,19 @@ struct Extension
     bool isShared;
 };
 
-/// Some bits of one header byte: the bits outside of the mask are free.
-struct ByteChoice
-{
-    uint8_t value;
-    uint8_t bits;
-};
-
-/// One way in which a format's header begins: fixed bytes and, where there are choices, one byte that is any
-/// of them.
-struct Signature
-{
-    HeaderPattern fixed;
-    size_t choiceOffset = 0;
-    std::span<const ByteChoice> choices = {};
-};
-
 /// What Windows is told about one file format.
 struct Format
 {
     const wchar_t* mimeType;
     std::span<const Extension> extensions;
-    std::span<const Signature> signatures;
+    /// What identification calls the format, or its two versions.
+    std::array<Tav::Imaging::RawImage::Identity, 2> identities;
 };
 
 /// The formats that have a reader.
 [[nodiscard]] std::span<const Format> Formats() noexcept;
 
-/// All signatures, one pattern for each choice.
-[[nodiscard]] std::vector<HeaderPattern> HeaderPatterns();
+/// The patterns of all formats, by which WIC offers us a stream.
+[[nodiscard]] std::vector<Tav::Imaging::RawImage::HeaderPattern> HeaderPatterns();
 
 } // namespace Lumora

@@ -13,6 +13,8 @@
 
 namespace Lumora {
 
+using Tav::Imaging::RawImage::HeaderPattern;
+
 namespace {
 
 /// What a row is written for: once for our classes, or for each of these extensions.

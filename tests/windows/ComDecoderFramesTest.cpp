@@ -1,6 +1,6 @@
 #include "support/DiagnosticLines.h"
+#include "support/GrayStack.h"
 #include "windows/DecoderClient.h"
-#include "windows/GrayStack.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "registration/ClassIds.h"
+#include "support/GrayStack.h"
 #include "windows/DecoderClient.h"
-#include "windows/GrayStack.h"
 
 #include <gtest/gtest.h>
 

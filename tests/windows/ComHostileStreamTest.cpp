@@ -1,5 +1,5 @@
+#include "support/GrayStack.h"
 #include "windows/DecoderClient.h"
-#include "windows/GrayStack.h"
 #include "windows/HostileStream.h"
 #include "windows/OtherThread.h"
 #include "windows/Outcome.h"

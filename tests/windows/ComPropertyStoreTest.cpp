@@ -1,8 +1,8 @@
 #include "registration/ClassIds.h"
 #include "support/DiagnosticLines.h"
+#include "support/GrayStack.h"
 #include "support/TestStream.h"
 #include "windows/DecoderClient.h"
-#include "windows/GrayStack.h"
 #include "windows/LumoraModule.h"
 #include "windows/PropertyStoreClient.h"
 

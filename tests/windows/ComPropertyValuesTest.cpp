@@ -1,7 +1,7 @@
 #include "support/DiagnosticLines.h"
+#include "support/GrayStack.h"
 #include "support/MrcFile.h"
 #include "support/TestStream.h"
-#include "windows/GrayStack.h"
 #include "windows/ImportHook.h"
 #include "windows/LumoraModule.h"
 #include "windows/PropertyStoreClient.h"

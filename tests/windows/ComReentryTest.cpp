@@ -1,5 +1,5 @@
+#include "support/GrayStack.h"
 #include "windows/DecoderClient.h"
-#include "windows/GrayStack.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 #include "windows/ToolDoctorTest.h"
 
 #include "support/BinFile.h"
+#include "support/GrayStack.h"
 #include "support/MrcFile.h"
 #include "windows/ForeignValue.h"
-#include "windows/GrayStack.h"
 #include "windows/RegistrySnapshot.h"
 
 #include <gmock/gmock.h>

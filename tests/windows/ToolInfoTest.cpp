@@ -1,5 +1,5 @@
+#include "support/GrayStack.h"
 #include "support/MrcFile.h"
-#include "windows/GrayStack.h"
 #include "windows/TemporaryFolder.h"
 #include "windows/ToolRun.h"
 

@@ -1,4 +1,4 @@
-#include "windows/GrayStack.h"
+#include "support/GrayStack.h"
 #include "windows/RegisteredLumora.h"
 #include "windows/TemporaryFolder.h"
 #include "windows/ToolRun.h"

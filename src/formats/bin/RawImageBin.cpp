@@ -2,31 +2,18 @@
 
 #include "core/Diagnostics.h"
 #include "core/stream/StreamReader.h"
+#include "formats/bin/BinTypes.h"
 
-#include <array>
 #include <string_view>
 
 namespace Tav::Imaging::RawImage {
 
 namespace {
 
+constexpr ReaderLog log{L"BIN: "};
+
 constexpr ByteOrder order = ByteOrder::LittleEndian;
 constexpr uint64_t shortHeaderBytes = 10;
-
-bool Fail(std::wstring_view message) noexcept
-{
-    WriteDiagnostic(L"BIN: ", message);
-    return false;
-}
-
-PixelType PixelTypeOfCode(uint16_t code) noexcept
-{
-    constexpr std::array<PixelType, 9> types = {
-        PixelType::Unknown, PixelType::UInt8, PixelType::UInt16,  PixelType::UInt32,   PixelType::Int8,
-        PixelType::Int16,   PixelType::Int32, PixelType::Float32, PixelType::Double64,
-    };
-    return code < types.size() ? types[code] : PixelType::Unknown;
-}
 
 } // namespace
 
@@ -39,9 +26,9 @@ bool RawImageBin::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
     const auto typeCode = reader.ReadNumber<uint16_t>(order);
     if (!typeCode)
         return false;
-    pixelType = PixelTypeOfCode(*typeCode);
+    pixelType = PixelTypeOf(binTypes, *typeCode);
     if (pixelType == PixelType::Unknown)
-        return Fail(L"Unsupported pixel type");
+        return log.Fail(L"Unsupported pixel type");
     const auto columns = reader.ReadNumber<uint32_t>(order);
     const auto rows = reader.ReadNumber<uint32_t>(order);
     if (!columns || !rows)
@@ -50,7 +37,7 @@ bool RawImageBin::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
     height = *rows;
     frameCount = 1;
     if (frameIndex != 0)
-        return Fail(L"Invalid frame index");
+        return log.Fail(L"Invalid frame index");
 
     const uint64_t frameBytes = uint64_t{width} * height * BytesPerPixel(pixelType);
     const auto headerBytes = reader.ReadNumber<uint32_t>(order);
@@ -63,7 +50,7 @@ bool RawImageBin::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
         dataOffset = *headerBytes;
     }
     if (streamSize != dataOffset + frameBytes)
-        return Fail(L"File size does not match with the image properties in the header");
+        return log.Fail(L"File size does not match with the image properties in the header");
     return ConvertToDisplay(stream, streamSize, dataOffset);
 }
 

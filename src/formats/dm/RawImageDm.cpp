@@ -1,6 +1,7 @@
 #include "formats/dm/RawImageDm.h"
 
 #include "core/Diagnostics.h"
+#include "core/PixelTypeCode.h"
 #include "core/stream/StreamReader.h"
 #include "formats/dm/DmTagWalk.h"
 
@@ -13,6 +14,9 @@
 namespace Tav::Imaging::RawImage {
 
 namespace {
+
+/// What does not depend on the version.
+constexpr ReaderLog log{L"DM: "};
 
 /// Some images of one size and type, one after another from `dataOffset` on.
 struct ImageRun
@@ -33,30 +37,10 @@ struct ChosenImage
     uint64_t imageCount;
 };
 
-PixelType PixelTypeOfDataType(uint32_t dataType) noexcept
-{
-    switch (dataType)
-    {
-    case 1:
-        return PixelType::Int16;
-    case 2:
-        return PixelType::Float32;
-    case 6:
-        return PixelType::UInt8;
-    case 7:
-        return PixelType::Int32;
-    case 9:
-        return PixelType::Int8;
-    case 10:
-        return PixelType::UInt16;
-    case 11:
-        return PixelType::UInt32;
-    case 23:
-        return PixelType::RGBA32;
-    default:
-        return PixelType::Unknown;
-    }
-}
+constexpr PixelTypeCode dataTypes[] = {
+    {1, PixelType::Int16}, {2, PixelType::Float32}, {6, PixelType::UInt8},   {7, PixelType::Int32},
+    {9, PixelType::Int8},  {10, PixelType::UInt16}, {11, PixelType::UInt32}, {23, PixelType::RGBA32},
+};
 
 bool IsShown(PixelType type) noexcept
 {
@@ -106,7 +90,7 @@ std::vector<ImageRun> FindImages(std::span<const DmTag> tags)
         {
             const auto values = ValuesAfter(tags, index);
             if (!values.empty())
-                image.pixelType = PixelTypeOfDataType(values[0]);
+                image.pixelType = PixelTypeOf(dataTypes, values[0]);
             if (!values.empty() && image.pixelType == PixelType::Unknown)
                 forget();
         }
@@ -147,7 +131,7 @@ std::optional<ChosenImage> ChooseImage(std::span<const ImageRun> images, uint32_
 
     const auto note = [frameIndex](std::wstring_view message) {
         if (frameIndex == 0)
-            WriteDiagnostic(L"DM: ", message);
+            log.Write(message);
     };
     uint64_t index = frameIndex;
     if (imageCount >= 2 && firstColour == 0u)
@@ -196,17 +180,13 @@ bool RawImageDm::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint3
     fileType = version.fileType;
     readMode = mode;
     software = L"Gatan Digital Micrograph";
-    const auto fail = [this](std::wstring_view message) {
-        WriteDiagnostic(version.tag, message);
-        return false;
-    };
 
     StreamReader reader{stream};
     const auto number = reader.ReadNumber<uint32_t>(ByteOrder::BigEndian);
     if (!number)
         return false;
     if (*number != version.number)
-        return fail(L"Invalid version number");
+        return version.log.Fail(L"Invalid version number");
     if (version.hasWideFields && !reader.Skip(sizeof(uint32_t)))
         return false;
     const auto rootBytes = reader.ReadNumber<uint32_t>(ByteOrder::BigEndian);
@@ -216,23 +196,23 @@ bool RawImageDm::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint3
     const bool isSizeRight = version.hasWideFields ? *rootBytes == streamSize - bytesAroundRoot
                                                    : *rootBytes != 0 && *rootBytes <= streamSize;
     if (!isSizeRight)
-        return fail(L"Invalid checksum (number of bytes)");
+        return version.log.Fail(L"Invalid checksum (number of bytes)");
     const auto dataByteOrder = reader.ReadNumber<uint32_t>(ByteOrder::BigEndian);
     if (!dataByteOrder)
         return false;
     if (*dataByteOrder == 0)
-        return fail(L"Big endian byte ordering for data is not supported");
+        return version.log.Fail(L"Big endian byte ordering for data is not supported");
 
     const auto image = ChooseImage(WalkToImages(reader, version.hasWideFields), frameIndex);
     if (!image)
-        return fail(L"No images found");
+        return version.log.Fail(L"No images found");
     width = image->width;
     height = image->height;
     pixelType = image->pixelType;
     frameCount =
         static_cast<uint32_t>(std::min<uint64_t>(image->imageCount, std::numeric_limits<uint32_t>::max()));
     if (!IsShown(pixelType))
-        return fail(L"Unsupported pixel type");
+        return version.log.Fail(L"Unsupported pixel type");
     return ConvertToDisplay(stream, streamSize, image->dataOffset);
 }
 

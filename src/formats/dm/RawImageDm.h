@@ -1,9 +1,9 @@
 #pragma once
 
+#include "core/Diagnostics.h"
 #include "core/RawImageBase.h"
 
 #include <cstdint>
-#include <string_view>
 
 namespace Tav::Imaging::RawImage {
 
@@ -20,7 +20,7 @@ protected:
     {
         uint32_t number;
         FileType fileType;
-        std::wstring_view tag;
+        ReaderLog log;
         /// Size and count fields have 8 bytes instead of 4; only their low halves are used.
         bool hasWideFields;
     };
@@ -35,14 +35,14 @@ private:
 class RawImageDm3 final : public RawImageDm
 {
 public:
-    RawImageDm3() noexcept : RawImageDm({3, FileType::Dm3, L"DM3: ", false}) {}
+    RawImageDm3() noexcept : RawImageDm({3, FileType::Dm3, ReaderLog{L"DM3: "}, false}) {}
 };
 
 /// Reads version 4 of the format.
 class RawImageDm4 final : public RawImageDm
 {
 public:
-    RawImageDm4() noexcept : RawImageDm({4, FileType::Dm4, L"DM4: ", true}) {}
+    RawImageDm4() noexcept : RawImageDm({4, FileType::Dm4, ReaderLog{L"DM4: "}, true}) {}
 };
 
 } // namespace Tav::Imaging::RawImage

@@ -1,7 +1,7 @@
 #include "formats/hdf/HdfContents.h"
 
-#include "core/Diagnostics.h"
 #include "core/stream/StreamReader.h"
+#include "formats/hdf/HdfLog.h"
 
 #include <algorithm>
 #include <cstring>
@@ -98,10 +98,7 @@ bool HdfContents::OpenFile()
 bool HdfContents::Open()
 {
     if (size > std::numeric_limits<uint32_t>::max())
-    {
-        WriteDiagnostic(L"HDF: ", L"File is too large (>4GB)");
-        return false;
-    }
+        return hdfLog.Fail(L"File is too large (>4GB)");
     try
     {
         MakeSandbox();
@@ -112,8 +109,7 @@ bool HdfContents::Open()
     }
     catch (const std::bad_alloc&)
     {
-        WriteDiagnostic(L"HDF: ", L"Could not allocated enough memory");
-        return false;
+        return hdfLog.Fail(L"Could not allocated enough memory");
     }
     return Ask(false, [this] { return OpenFile(); });
 }

@@ -1,10 +1,9 @@
 #include "formats/hdf/HdfThumbnail.h"
 
-#include "core/stream/StreamReader.h"
 #include "formats/Identification.h"
 
+#include <cstdint>
 #include <span>
-#include <string_view>
 #include <vector>
 
 namespace Tav::Imaging::RawImage {
@@ -32,13 +31,6 @@ bool IsOwnFormat(const std::vector<uint8_t>& file)
 }
 
 } // namespace
-
-bool IsThumbnailPath(const std::string& path)
-{
-    constexpr std::string_view thumbnail = "/thumbnail.jpg";
-    static_assert(thumbnail.size() == hdfThumbnailPathLength);
-    return path.size() == thumbnail.size() && ToLower(path) == thumbnail;
-}
 
 std::optional<JpegPicture> DecodeHdfThumbnail(HdfContents& file, const std::string& path)
 {

@@ -1,12 +1,14 @@
 #include "formats/hdf/RawImageHdf.h"
 
-#include "core/Diagnostics.h"
 #include "core/display/FrameConversion.h"
 #include "core/stream/Text.h"
+#include "formats/hdf/HdfLog.h"
 #include "formats/hdf/HdfMutexLock.h"
 #include "formats/hdf/HdfThumbnail.h"
 #include "formats/hdf/Json.h"
 #include "formats/hdf/entries/HdfDiscovery.h"
+#include "formats/hdf/entries/HdfPaths.h"
+#include "formats/hdf/inside/HdfNames.h"
 
 #include <optional>
 #include <string>
@@ -18,12 +20,6 @@ namespace Tav::Imaging::RawImage {
 namespace {
 
 constexpr uint64_t largestFile = 0x20000000;
-
-bool Fail(std::wstring_view message) noexcept
-{
-    WriteDiagnostic(L"HDF: ", message);
-    return false;
-}
 
 std::wstring Widen(const std::string& text)
 {
@@ -59,12 +55,12 @@ bool RawImageHdf::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
     fileType = FileType::Hdf;
     readMode = mode;
     if (streamSize > largestFile)
-        return Fail(L"File is too large (>512MB)");
+        return hdfLog.Fail(L"File is too large (>512MB)");
     entries.clear();
     if (!lock.Acquire())
-        return Fail(L"Mutex timeout");
+        return hdfLog.Fail(L"Mutex timeout");
     HdfContents file{stream, streamSize};
-    return file.Open() ? ReadFile(file, frameIndex) : Fail(L"Could not open file");
+    return file.Open() ? ReadFile(file, frameIndex) : hdfLog.Fail(L"Could not open file");
 }
 
 bool RawImageHdf::ReadFile(HdfContents& file, uint32_t frameIndex)
@@ -73,9 +69,9 @@ bool RawImageHdf::ReadFile(HdfContents& file, uint32_t frameIndex)
     displayPixels = std::move(discovery.thumbnail.pixels);
     entries = discovery.found.Entries(frameIndex == 0);
     if (entries.empty())
-        return Fail(L"No images found");
+        return hdfLog.Fail(L"No images found");
     if (frameIndex >= entries.size())
-        return Fail(L"Frame index is out of range");
+        return hdfLog.Fail(L"Frame index is out of range");
     const HdfImageEntry& entry = entries[frameIndex];
     frameCount = static_cast<uint32_t>(entries.size());
     width = entry.width;
@@ -87,20 +83,20 @@ bool RawImageHdf::ReadFile(HdfContents& file, uint32_t frameIndex)
 
     if (IsThumbnailPath(entry.path))
     {
-        WriteDiagnostic(L"HDF: ", L"Using embedded jpeg thumbnail");
+        hdfLog.Write(L"Using embedded jpeg thumbnail");
         if (entry.path == discovery.thumbnailPath)
             return true;
         // Spelled otherwise, there can be several.
         std::optional<JpegPicture> picture = DecodeHdfThumbnail(file, entry.path);
         if (!picture || picture->width != width || picture->height != height)
-            return Fail(L"Could not read jpeg image");
+            return hdfLog.Fail(L"Could not read jpeg image");
         displayPixels = std::move(picture->pixels);
         return true;
     }
     if (pixelType == PixelType::RGB24)
         return ReadColourFrame(file, entry);
     if (!IsShown(pixelType))
-        return Fail(L"Unsupported pixel type");
+        return hdfLog.Fail(L"Unsupported pixel type");
     return ReadGrayFrame(file, entry);
 }
 
@@ -108,15 +104,15 @@ void RawImageHdf::ReadTexts(HdfContents& file)
 {
     std::string version;
     std::string format;
-    if (const std::optional<std::string> text = file.ReadString("Version"))
+    if (const std::optional<std::string> text = file.ReadString(hdfVersionText))
     {
         const Json json{*text};
-        if (json.GetString("version", version) && json.GetString("format", format))
+        if (json.GetString(hdfVersionKey, version) && json.GetString(hdfFormatKey, format))
             formatDetails = L"Data version: " + Widen(format) + L" " + Widen(version);
     }
     std::string application;
-    const std::optional<std::string> info = file.ReadString("Info");
-    if (info && Json{*info}.GetString("applicationVersion", application))
+    const std::optional<std::string> info = file.ReadString(hdfInfoText);
+    if (info && Json{*info}.GetString(hdfApplicationKey, application))
     {
         // What follows the first dash names a build.
         const size_t dash = application.find('-');
@@ -133,11 +129,11 @@ bool RawImageHdf::ReadGrayFrame(HdfContents& file, const HdfImageEntry& entry)
     if (entry.seriesFrames < 2 || entry.interlace != HdfInterlace::Plane)
     {
         if (!file.ReadDataset(entry.path, pixelType, frame))
-            return Fail(L"Could not read the image data");
+            return hdfLog.Fail(L"Could not read the image data");
     }
     else if (!file.ReadSeriesFrame(entry, frame))
     {
-        return Fail(L"Could not read the first frame of the series");
+        return hdfLog.Fail(L"Could not read the first frame of the series");
     }
     ConvertFrame(*this, frame);
     return true;
@@ -147,10 +143,10 @@ bool RawImageHdf::ReadColourFrame(HdfContents& file, const HdfImageEntry& entry)
 {
     const size_t pixelCount = size_t{width} * height;
     if (entry.interlace != HdfInterlace::Pixel && entry.interlace != HdfInterlace::Plane)
-        return Fail(L"Unsupported interlace format");
+        return hdfLog.Fail(L"Unsupported interlace format");
     std::vector<uint8_t> stored(3 * pixelCount);
     if (!file.ReadDataset(entry.path, PixelType::UInt8, stored))
-        return Fail(L"Could not read the image data");
+        return hdfLog.Fail(L"Could not read the image data");
     if (entry.interlace == HdfInterlace::Pixel)
     {
         displayPixels = std::move(stored);

@@ -10,7 +10,7 @@
 
 namespace Tav::Imaging::RawImage {
 
-/// Reader of HDF5 files: image datasets, series of images, and the picture in small that may be embedded.
+/// Reader of HDF5 files: image datasets, series of images, and the thumbnail that may be embedded.
 class RawImageHdf final : public RawImageBase
 {
 public:

@@ -14,13 +14,9 @@ namespace Tav::Imaging::RawImage {
 
 namespace {
 
-constexpr size_t longestHeader = 0x3FFFF;
+constexpr ReaderLog log{L"UBO: "};
 
-bool Fail(std::wstring_view message) noexcept
-{
-    WriteDiagnostic(L"UBO: ", message);
-    return false;
-}
+constexpr size_t longestHeader = 0x3FFFF;
 
 /// The file's beginning as text, at its full length whatever the file has; zero bytes count as spaces.
 std::optional<std::string> ReadHeaderText(StreamReader& reader, uint64_t streamSize)
@@ -62,23 +58,23 @@ bool RawImageUbo::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
 
     UboHeaderParser header;
     if (!header.Parse(*text))
-        return Fail(L"Unsupported header format");
+        return log.Fail(L"Unsupported header format");
     width = header.dimensionX;
     height = header.dimensionY;
     const uint32_t slices = header.dimensionZ;
     frameCount = slices;
     if (width == 0 || height == 0 || slices == 0)
-        return Fail(L"No valid image dimensions found");
+        return log.Fail(L"No valid image dimensions found");
     pixelType = header.sampleType;
     if (pixelType == PixelType::Unknown)
-        return Fail(L"Unsupported pixel type");
+        return log.Fail(L"Unsupported pixel type");
     if (header.isCompressed)
-        return Fail(L"Data compression is not supported");
+        return log.Fail(L"Data compression is not supported");
 
     if (slices > 2 && slices < std::numeric_limits<uint32_t>::max())
         ++frameCount;
     if (frameIndex >= frameCount)
-        return Fail(L"Frame index is out of range");
+        return log.Fail(L"Frame index is out of range");
     // Only slices that are too large to be read make products beyond 64 bits.
     const uint64_t sliceBytes = uint64_t{width} * height * BytesPerPixel(pixelType);
     return ConvertToDisplay(stream, streamSize,

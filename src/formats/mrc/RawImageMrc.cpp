@@ -3,6 +3,7 @@
 #include "core/Diagnostics.h"
 #include "core/stream/StreamReader.h"
 #include "core/stream/Text.h"
+#include "formats/mrc/MrcModes.h"
 
 #include <optional>
 #include <span>
@@ -13,6 +14,8 @@
 namespace Tav::Imaging::RawImage {
 
 namespace {
+
+constexpr ReaderLog log{L"MRC: "};
 
 // Byte offsets of the header words that are read.
 constexpr uint64_t sizeOffset = 0; // NX, NY, NZ and MODE, four words in a row
@@ -34,17 +37,6 @@ constexpr uint64_t applicationVersionOffset = mainHeaderBytes + 68;
 constexpr size_t applicationTextBytes = 16;
 constexpr uint32_t applicationFeature = 3;
 constexpr uint32_t applicationVersionFeature = 4;
-
-void Warn(std::wstring_view message) noexcept
-{
-    WriteDiagnostic(L"MRC: ", message);
-}
-
-bool Fail(std::wstring_view message) noexcept
-{
-    Warn(message);
-    return false;
-}
 
 struct SectionSize
 {
@@ -68,29 +60,6 @@ std::optional<SectionSize> ReadSize(StreamReader& reader, ByteOrder order)
     if (!columns || !rows || !sections)
         return std::nullopt;
     return SectionSize{*columns, *rows, *sections};
-}
-
-PixelType PixelTypeOfMode(uint32_t mode) noexcept
-{
-    switch (mode)
-    {
-    case 0:
-        return PixelType::Int8;
-    case 1:
-        return PixelType::Int16;
-    case 2:
-        return PixelType::Float32;
-    case 6:
-        return PixelType::UInt16;
-    case 12:
-        return PixelType::Float16;
-    case 16:
-        return PixelType::RGB24;
-    case 101:
-        return PixelType::UInt4;
-    default:
-        return PixelType::Unknown;
-    }
 }
 
 /// The word at an absolute offset; nothing when the stream ends before its end.
@@ -189,9 +158,9 @@ bool RawImageMrc::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
     const auto sampleMode = reader.ReadNumber<uint32_t>(byteOrder);
     if (!sampleMode)
         return false;
-    pixelType = PixelTypeOfMode(*sampleMode);
+    pixelType = PixelTypeOf(mrcModes, *sampleMode);
     if (pixelType == PixelType::Unknown)
-        return Fail(L"Unsupported pixel type");
+        return log.Fail(L"Unsupported pixel type");
     const auto extendedHeaderBytes = ReadWordAt(reader, extendedHeaderBytesOffset, byteOrder);
     if (!extendedHeaderBytes)
         return false;
@@ -215,26 +184,26 @@ bool RawImageMrc::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
         if (isLongStack)
             layout = LayoutFrom(extendedBytes + mainHeaderBytes, streamSize, sectionBytes);
         if (layout.count == 0)
-            return Fail(L"No complete frame is present in the file");
+            return log.Fail(L"No complete frame is present in the file");
         if (layout.count < frameCount)
         {
-            Warn(L"The file contains less frames than specified in the header");
+            log.Write(L"The file contains less frames than specified in the header");
             frameCount = layout.count;
         }
     }
     else if (frameCount == 0 && layout.count != 0)
     {
-        Warn(L"The file contains frames while the header specifies zero");
+        log.Write(L"The file contains frames while the header specifies zero");
         frameCount = layout.count;
     }
     if (frameIndex >= frameCount)
-        return Fail(L"Frame index is out of range");
+        return log.Fail(L"Frame index is out of range");
 
     if (pixelType == PixelType::UInt4)
-        Warn(L"Non-standard mode 101 detected (4-bit pixel format)");
+        log.Write(L"Non-standard mode 101 detected (4-bit pixel format)");
     if (pixelType == PixelType::Int8 && HasPackedSamples(reader))
     {
-        Warn(L"Non-standard 4-bit pixel format detected while mode 0 is specified");
+        log.Write(L"Non-standard 4-bit pixel format detected while mode 0 is specified");
         width *= 2;
         pixelType = PixelType::UInt4;
         flipVertical = true;

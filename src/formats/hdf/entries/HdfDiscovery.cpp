@@ -1,7 +1,9 @@
 #include "formats/hdf/entries/HdfDiscovery.h"
 
-#include "core/Diagnostics.h"
+#include "formats/hdf/HdfLog.h"
 #include "formats/hdf/HdfThumbnail.h"
+#include "formats/hdf/entries/HdfPaths.h"
+#include "formats/hdf/inside/HdfNames.h"
 
 #include <algorithm>
 #include <string_view>
@@ -10,11 +12,6 @@
 namespace Tav::Imaging::RawImage {
 
 namespace {
-
-void Note(std::wstring_view message)
-{
-    WriteDiagnostic(L"HDF: ", message);
-}
 
 struct ImageSize
 {
@@ -28,9 +25,9 @@ std::optional<ImageSize> SizeOf(const HdfCandidate& image, std::string_view inte
     if (image.dimensions < 2 || image.dimensions > 3)
         return std::nullopt;
     const bool hasPlanes = image.dimensions == 3;
-    if (interlace == "INTERLACE_PIXEL" && hasPlanes)
+    if (interlace == hdfPixelInterlace && hasPlanes)
         return ImageSize{image.sides[1], image.sides[0], image.sides[2]};
-    if (interlace == "INTERLACE_PLANE")
+    if (interlace == hdfPlaneInterlace)
         return hasPlanes ? std::optional{ImageSize{image.sides[2], image.sides[1], image.sides[0]}}
                          : std::nullopt;
     return ImageSize{image.sides[1], image.sides[0], 1};
@@ -40,13 +37,13 @@ std::optional<ImageSize> SizeOf(const HdfCandidate& image, std::string_view inte
 std::optional<HdfInterlace> InterlaceOf(std::string_view text, std::string_view path)
 {
     if (text.empty())
-        return path.ends_with("/Data") ? HdfInterlace::Plane : HdfInterlace::Undefined;
-    if (text == "INTERLACE_PIXEL")
+        return path.ends_with(hdfSeriesName) ? HdfInterlace::Plane : HdfInterlace::Undefined;
+    if (text == hdfPixelInterlace)
         return HdfInterlace::Pixel;
-    if (text == "INTERLACE_PLANE")
+    if (text == hdfPlaneInterlace)
         return HdfInterlace::Plane;
-    Note(text == "INTERLACE_LINE" ? L"Skipped image with not supported scan-line interlacing"
-                                  : L"Skipped image with unknown interlace format");
+    hdfLog.Write(text == hdfLineInterlace ? L"Skipped image with not supported scan-line interlacing"
+                                          : L"Skipped image with unknown interlace format");
     return std::nullopt;
 }
 
@@ -61,11 +58,11 @@ HdfDiscovery::HdfDiscovery(HdfContents& file)
 {
     while (file.GoToNextDataset())
     {
-        const std::optional<std::string> path = file.Path(hdfThumbnailPathLength);
+        const std::optional<std::string> path = file.Path(sizeof(hdfThumbnailPath) - 1);
         if (path && IsThumbnailPath(*path))
         {
             if (!AddThumbnail(file, *path))
-                Note(L"Could not read jpeg image");
+                hdfLog.Write(L"Could not read jpeg image");
         }
         else if (const std::optional<HdfCandidate> candidate = file.Examine())
         {
@@ -109,7 +106,7 @@ void HdfDiscovery::AddImage(HdfContents& file, const HdfCandidate& candidate)
     if (!interlace)
         return;
     if (candidate.palettes >= 1)
-        return Note(L"Skipped image with color palette");
+        return hdfLog.Write(L"Skipped image with color palette");
     if (!IsShownSide(size->width) || !IsShownSide(size->height))
         return;
     PixelType pixelType = candidate.pixelType;
@@ -117,7 +114,7 @@ void HdfDiscovery::AddImage(HdfContents& file, const HdfCandidate& candidate)
     {
         pixelType = PixelType::RGB24;
         if (*interlace == HdfInterlace::Undefined)
-            return Note(L"Skipped RGB image with undefined interlace format");
+            return hdfLog.Write(L"Skipped RGB image with undefined interlace format");
     }
 
     const uint64_t frameBytes = BytesPerPixel(pixelType) * size->height * size->width;
@@ -125,10 +122,10 @@ void HdfDiscovery::AddImage(HdfContents& file, const HdfCandidate& candidate)
     if (storedBytes == 0 || frameBytes == 0)
         return;
     if (storedBytes % frameBytes != 0)
-        return Note(L"Skipped image series with invalid data size");
+        return hdfLog.Write(L"Skipped image series with invalid data size");
     const uint64_t frames = storedBytes / frameBytes;
     if (frames >= 2 && *interlace != HdfInterlace::Plane)
-        return Note(L"Skipped not supported image series");
+        return hdfLog.Write(L"Skipped not supported image series");
     found.Add({.width = static_cast<uint32_t>(size->width),
                .height = static_cast<uint32_t>(size->height),
                .seriesFrames = static_cast<uint32_t>(std::min<uint64_t>(frames, UINT32_MAX)),

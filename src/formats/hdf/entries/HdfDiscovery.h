@@ -17,7 +17,7 @@ public:
     explicit HdfDiscovery(HdfContents& file);
 
     HdfSelection found;
-    /// The embedded picture in small that was decoded last, and its path; empty without one.
+    /// The last embedded thumbnail decoded, and its path; empty without one.
     JpegPicture thumbnail;
     std::string thumbnailPath;
 

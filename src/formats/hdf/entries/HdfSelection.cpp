@@ -1,13 +1,11 @@
 #include "formats/hdf/entries/HdfSelection.h"
 
-#include "core/Diagnostics.h"
-#include "core/stream/StreamReader.h"
-#include "formats/hdf/HdfThumbnail.h"
+#include "formats/hdf/HdfLog.h"
+#include "formats/hdf/entries/HdfPaths.h"
 
 #include <algorithm>
 #include <limits>
 #include <string>
-#include <string_view>
 #include <utility>
 
 namespace Tav::Imaging::RawImage {
@@ -25,12 +23,6 @@ uint64_t Sum(uint64_t a, uint64_t b)
 uint32_t Area(const HdfImageEntry& entry)
 {
     return entry.width * entry.height;
-}
-
-bool IsInImageGroup(const std::string& path)
-{
-    constexpr std::string_view group = "/data/image/";
-    return ToLower(path.substr(0, group.size())) == group;
 }
 
 } // namespace
@@ -106,8 +98,8 @@ std::vector<HdfImageEntry> HdfSelection::Entries(bool isReductionTold) const
     if (count > mostEntries && isReductionTold)
     {
         const auto found = static_cast<int32_t>(Sum(imageGroup.found, others.found));
-        WriteDiagnostic(L"HDF: ", L"Reduced images to " + std::to_wstring(mostEntries) + L" (found: " +
-                                      std::to_wstring(found) + L")");
+        hdfLog.Write(L"Reduced images to " + std::to_wstring(mostEntries) + L" (found: " +
+                     std::to_wstring(found) + L")");
     }
 
     std::vector<HdfImageEntry> entries;

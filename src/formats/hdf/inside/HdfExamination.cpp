@@ -1,6 +1,7 @@
 #include "formats/hdf/inside/HdfExamination.h"
 
 #include "formats/hdf/inside/HdfAccess.h"
+#include "formats/hdf/inside/HdfNames.h"
 #include "formats/hdf/inside/HdfObject.h"
 
 #include <hdf5.h>
@@ -32,11 +33,10 @@ bool ReadFixedText(hid_t dataset, const char* name, H5T_str_t& end, char (&text)
 /// True for the class "IMAGE" or a beginning of this word, as the HDF5 image library has it.
 bool HasImageClass(hid_t dataset)
 {
-    constexpr char imageClass[] = "IMAGE";
     char text[longestHdfText + 1];
     H5T_str_t end = H5T_STR_ERROR;
-    return ReadFixedText(dataset, "CLASS", end, text) && end == H5T_STR_NULLTERM &&
-           strncmp(text, imageClass, strnlen(text, sizeof(imageClass) - 1)) == 0;
+    return ReadFixedText(dataset, hdfClassAttribute, end, text) && end == H5T_STR_NULLTERM &&
+           strncmp(text, hdfImageClass, strnlen(text, sizeof(hdfImageClass) - 1)) == 0;
 }
 
 } // namespace
@@ -51,8 +51,8 @@ bool ExamineHdfDataset(hid_t group, const char* name, bool isCalledImage, HdfCan
     if (candidate.pixelType == PixelType::Unknown)
         return false;
     H5T_str_t end = H5T_STR_ERROR;
-    if (H5Aexists(dataset.id, "INTERLACE_MODE") != 0 &&
-        !ReadFixedText(dataset.id, "INTERLACE_MODE", end, candidate.interlace))
+    if (H5Aexists(dataset.id, hdfInterlaceAttribute) != 0 &&
+        !ReadFixedText(dataset.id, hdfInterlaceAttribute, end, candidate.interlace))
         return false;
 
     const HdfDataSpace space{H5Dget_space(dataset.id)};

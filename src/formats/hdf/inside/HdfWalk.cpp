@@ -1,5 +1,7 @@
 #include "formats/hdf/inside/HdfWalk.h"
 
+#include "formats/hdf/inside/HdfNames.h"
+
 #include <hdf5.h>
 
 #include <cctype>
@@ -11,15 +13,14 @@ namespace Tav::Imaging::RawImage {
 
 namespace {
 
-bool ContainsImage(const char* name)
+bool ContainsImageWord(const char* name)
 {
-    constexpr char image[] = "image";
     for (; *name; ++name)
     {
         size_t same = 0;
-        while (image[same] && tolower(static_cast<unsigned char>(name[same])) == image[same])
+        while (hdfImageWord[same] && tolower(static_cast<unsigned char>(name[same])) == hdfImageWord[same])
             ++same;
-        if (!image[same])
+        if (!hdfImageWord[same])
             return true;
     }
     return false;
@@ -123,7 +124,7 @@ bool HdfWalk::GoToNext()
         const size_t length = strlen(name);
         memcpy(path + pathLength, name, length + 1);
         pathLength += static_cast<uint32_t>(length);
-        isCalledImage = level->isCalledImage || ContainsImage(name);
+        isCalledImage = level->isCalledImage || ContainsImageWord(name);
         if (info.type == H5O_TYPE_DATASET)
             return true;
         // Hard links can make circles.

@@ -1,6 +1,6 @@
 #include "formats/hdf/HdfContents.h"
-#include "formats/hdf/HdfThumbnail.h"
 #include "formats/hdf/RawImageHdf.h"
+#include "formats/hdf/entries/HdfPaths.h"
 #include "formats/hdf/inside/HdfObject.h"
 #include "support/DiagnosticLines.h"
 #include "support/FileRead.h"

@@ -1,14 +1,14 @@
-#include "windows/GrayFiles.h"
+#include "support/GrayFiles.h"
 
 #include "support/BinFile.h"
 #include "support/DmImages.h"
 #include "support/EmiFile.h"
+#include "support/GrayStack.h"
 #include "support/Hdf5File.h"
 #include "support/LatticeFile.h"
 #include "support/NpyFile.h"
 #include "support/RawFile.h"
 #include "support/SerFile.h"
-#include "windows/GrayStack.h"
 
 #include <span>
 
