@@ -36,10 +36,13 @@ constexpr ElementType elementTypes[] = {
     {"c16", PixelType::Complex128},
 };
 
-/// The text between the first `open` at or after `from` and the next `close`; nothing when either is missing.
-std::optional<std::string_view> Between(std::string_view text, size_t from, char open, char close)
+/// The text between the first `open` behind a key and the next `close`; nothing when one of them is missing.
+std::optional<std::string_view> ValueOf(std::string_view text, std::string_view key, char open, char close)
 {
-    const size_t opened = text.find(open, from);
+    const size_t found = text.find(key);
+    if (found == std::string_view::npos)
+        return std::nullopt;
+    const size_t opened = text.find(open, found + key.size());
     if (opened == std::string_view::npos)
         return std::nullopt;
     const size_t closed = text.find(close, opened + 1);
@@ -125,11 +128,7 @@ bool RawImageNpy::ParseNpyHeader(std::string_view text)
 
 bool RawImageNpy::ParseElementType(std::string_view dictionary)
 {
-    constexpr std::string_view key = "'descr'";
-    const size_t found = dictionary.find(key);
-    if (found == std::string_view::npos)
-        return false;
-    const auto description = Between(dictionary, found + key.size(), '\'', '\'');
+    const auto description = ValueOf(dictionary, "'descr'", '\'', '\'');
     if (!description)
         return false;
     for (const ElementType& type : elementTypes)
@@ -145,19 +144,24 @@ bool RawImageNpy::ParseElementType(std::string_view dictionary)
 
 bool RawImageNpy::ParseShape(std::string_view dictionary)
 {
-    constexpr std::string_view key = "'shape'";
-    const size_t found = dictionary.find(key);
-    if (found == std::string_view::npos)
-        return false;
-    const auto shape = Between(dictionary, found + key.size(), '(', ')');
+    const auto shape = ValueOf(dictionary, "'shape'", '(', ')');
     if (!shape)
         return false;
-
     const std::vector<std::string_view> tokens = Tokens(*shape);
     const auto commas = static_cast<size_t>(std::count(shape->begin(), shape->end(), ','));
     if (tokens.size() != commas + 1 || tokens.size() < 2 || tokens.size() > 3)
         return log.Fail(L"Unsupported data structure");
 
+    TakeSizes(tokens);
+    if (width < 1 || width > 65535 || height < 1 || height > 65535)
+        return log.Fail(L"Invalid resolution");
+    if (frameCount > mostFrames)
+        return log.Fail(L"The number of frames is too large");
+    return true;
+}
+
+void RawImageNpy::TakeSizes(std::span<const std::string_view> tokens)
+{
     std::array<uint32_t, 3> sizes = {};
     std::transform(tokens.begin(), tokens.end(), sizes.begin(), ToNumber);
     const auto [d0, d1, d2] = sizes;
@@ -183,12 +187,6 @@ bool RawImageNpy::ParseShape(std::string_view dictionary)
         height = d1;
         width = d0;
     }
-
-    if (width < 1 || width > 65535 || height < 1 || height > 65535)
-        return log.Fail(L"Invalid resolution");
-    if (frameCount > mostFrames)
-        return log.Fail(L"The number of frames is too large");
-    return true;
 }
 
 } // namespace Tav::Imaging::RawImage

@@ -2,6 +2,7 @@
 
 #include "core/RawImageBase.h"
 
+#include <span>
 #include <string_view>
 
 namespace Tav::Imaging::RawImage {
@@ -19,6 +20,8 @@ private:
     [[nodiscard]] bool ParseNpyHeader(std::string_view text);
     [[nodiscard]] bool ParseElementType(std::string_view dictionary);
     [[nodiscard]] bool ParseShape(std::string_view dictionary);
+    /// Takes size and frame count from the numbers of the shape, of which there are two or three.
+    void TakeSizes(std::span<const std::string_view> tokens);
 };
 
 } // namespace Tav::Imaging::RawImage

@@ -1,11 +1,9 @@
 #include "formats/mrc/RawImageMrc.h"
 
 #include "core/Diagnostics.h"
-#include "core/stream/StreamReader.h"
 #include "core/stream/Text.h"
 #include "formats/mrc/MrcModes.h"
 
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -38,30 +36,6 @@ constexpr size_t applicationTextBytes = 16;
 constexpr uint32_t applicationFeature = 3;
 constexpr uint32_t applicationVersionFeature = 4;
 
-struct SectionSize
-{
-    uint32_t columns;
-    uint32_t rows;
-    uint32_t sections;
-
-    [[nodiscard]] bool IsPlausible() const noexcept
-    {
-        return columns != 0 && rows != 0 && columns < 65536 && rows < 65536;
-    }
-};
-
-std::optional<SectionSize> ReadSize(StreamReader& reader, ByteOrder order)
-{
-    if (!reader.GoTo(sizeOffset))
-        return std::nullopt;
-    const auto columns = reader.ReadNumber<uint32_t>(order);
-    const auto rows = reader.ReadNumber<uint32_t>(order);
-    const auto sections = reader.ReadNumber<uint32_t>(order);
-    if (!columns || !rows || !sections)
-        return std::nullopt;
-    return SectionSize{*columns, *rows, *sections};
-}
-
 /// The word at an absolute offset; nothing when the stream ends before its end.
 std::optional<uint32_t> ReadWordAt(StreamReader& reader, uint64_t offset, ByteOrder order)
 {
@@ -77,14 +51,6 @@ std::optional<std::span<const uint8_t>> ReadBytesAt(StreamReader& reader, uint64
     if (reader.streamSize < offset + count || !reader.GoTo(offset))
         return std::nullopt;
     return reader.ReadBytes(count);
-}
-
-/// SerialEM packs two 4-bit samples into each byte of a mode 0 file and says so in a label.
-bool HasPackedSamples(StreamReader& reader)
-{
-    const auto labels = ReadBytesAt(reader, labelsOffset, labelsBytes);
-    return labels && AsText(*labels).starts_with("SerialEM") &&
-           AsText(*labels).find("4 bits packed") != std::string_view::npos;
 }
 
 /// The program named in an extended header of type "TAV", with its version where that is given.
@@ -114,18 +80,11 @@ std::optional<std::wstring> ReadApplication(StreamReader& reader)
     return application;
 }
 
-/// Where the sections lie: `count` whole ones of `sectionBytes` each from `offset` on.
-struct SectionLayout
+/// How many whole sections lie behind an offset, modulo 2^32: an offset beyond the end of the stream makes
+/// this a huge count, and the read of the section finds that the stream ends.
+uint32_t CountSections(uint64_t offset, uint64_t streamSize, uint32_t sectionBytes) noexcept
 {
-    uint64_t offset;
-    uint32_t count;
-};
-
-/// Only the low half of the count is kept, and a data start beyond the end wraps to a huge count: the read
-/// of the section then finds that the stream ends.
-SectionLayout LayoutFrom(uint64_t offset, uint64_t streamSize, uint32_t sectionBytes) noexcept
-{
-    return {offset, static_cast<uint32_t>((streamSize - offset) / sectionBytes)};
+    return static_cast<uint32_t>((streamSize - offset) / sectionBytes);
 }
 
 } // namespace
@@ -136,90 +95,133 @@ bool RawImageMrc::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
     readMode = mode;
 
     StreamReader reader{stream};
-    auto size = ReadSize(reader, byteOrder);
-    if (!size)
+    if (!ReadSizeInEitherByteOrder(reader))
         return false;
-    if (!size->IsPlausible())
-    {
-        // Big-endian files are attributed to the program that wrote most of them.
-        byteOrder = ByteOrder::BigEndian;
-        flipVertical = true;
-        software = L"Gatan Digital Micrograph";
-        size = ReadSize(reader, byteOrder);
-        if (!size)
-            return false;
-    }
-    width = size->columns;
-    height = size->rows;
-    frameCount = size->sections;
-    if (!size->IsPlausible())
+    const auto modeNumber = reader.ReadNumber<uint32_t>(byteOrder);
+    if (!modeNumber)
         return false;
-
-    const auto sampleMode = reader.ReadNumber<uint32_t>(byteOrder);
-    if (!sampleMode)
-        return false;
-    pixelType = PixelTypeOf(mrcModes, *sampleMode);
+    pixelType = PixelTypeOf(mrcModes, *modeNumber);
     if (pixelType == PixelType::Unknown)
         return log.Fail(L"Unsupported pixel type");
     const auto extendedHeaderBytes = ReadWordAt(reader, extendedHeaderBytesOffset, byteOrder);
-    if (!extendedHeaderBytes)
+    const uint32_t sectionBytes = SectionBytes();
+    if (!extendedHeaderBytes || sectionBytes == 0)
         return false;
-
-    // The product wraps at 32 bits; one that wraps to nothing would divide by zero below.
-    uint32_t sectionBytes = BytesPerPixel(pixelType) * height * width;
-    if (pixelType == PixelType::UInt4)
-        sectionBytes >>= 1;
-    if (sectionBytes == 0)
+    const auto firstSection = FindSections(streamSize, *extendedHeaderBytes, sectionBytes);
+    if (!firstSection)
         return false;
-
-    const bool isLongStack = frameCount > longStackSections;
-    const uint64_t headerBytes = isLongStack ? longStackHeaderBytes : mainHeaderBytes;
-    // An extended header that leaves no room for one section is ignored.
-    const bool hasExtendedHeader = headerBytes + *extendedHeaderBytes + sectionBytes <= streamSize;
-    const uint64_t extendedBytes = hasExtendedHeader ? *extendedHeaderBytes : 0;
-
-    SectionLayout layout = LayoutFrom(extendedBytes + headerBytes, streamSize, sectionBytes);
-    if (layout.count < frameCount)
-    {
-        if (isLongStack)
-            layout = LayoutFrom(extendedBytes + mainHeaderBytes, streamSize, sectionBytes);
-        if (layout.count == 0)
-            return log.Fail(L"No complete frame is present in the file");
-        if (layout.count < frameCount)
-        {
-            log.Write(L"The file contains less frames than specified in the header");
-            frameCount = layout.count;
-        }
-    }
-    else if (frameCount == 0 && layout.count != 0)
-    {
-        log.Write(L"The file contains frames while the header specifies zero");
-        frameCount = layout.count;
-    }
     if (frameIndex >= frameCount)
         return log.Fail(L"Frame index is out of range");
 
+    RecognisePackedSamples(reader);
+    ReadVersion(reader, *modeNumber);
+    if (auto application = ReadApplication(reader))
+        software = std::move(*application);
+    return ConvertToDisplay(stream, streamSize, *firstSection + uint64_t{frameIndex} * sectionBytes);
+}
+
+bool RawImageMrc::ReadSizeInEitherByteOrder(StreamReader& reader)
+{
+    if (!ReadSize(reader))
+        return false;
+    if (HasPlausibleSize())
+        return true;
+    // Big-endian files are attributed to the program that wrote most of them.
+    byteOrder = ByteOrder::BigEndian;
+    flipVertical = true;
+    software = L"Gatan Digital Micrograph";
+    return ReadSize(reader) && HasPlausibleSize();
+}
+
+bool RawImageMrc::ReadSize(StreamReader& reader)
+{
+    if (!reader.GoTo(sizeOffset))
+        return false;
+    const auto columns = reader.ReadNumber<uint32_t>(byteOrder);
+    const auto rows = reader.ReadNumber<uint32_t>(byteOrder);
+    const auto sections = reader.ReadNumber<uint32_t>(byteOrder);
+    if (!columns || !rows || !sections)
+        return false;
+    width = *columns;
+    height = *rows;
+    frameCount = *sections;
+    return true;
+}
+
+bool RawImageMrc::HasPlausibleSize() const noexcept
+{
+    return width != 0 && height != 0 && width < 65536 && height < 65536;
+}
+
+uint32_t RawImageMrc::SectionBytes() const noexcept
+{
+    // The product wraps at 32 bits, perhaps to 0.
+    const uint32_t bytes = BytesPerPixel(pixelType) * height * width;
+    return pixelType == PixelType::UInt4 ? bytes >> 1 : bytes;
+}
+
+std::optional<uint64_t> RawImageMrc::FindSections(uint64_t streamSize, uint32_t extendedHeaderBytes,
+                                                  uint32_t sectionBytes)
+{
+    const bool isLongStack = frameCount > longStackSections;
+    const uint64_t headerBytes = isLongStack ? longStackHeaderBytes : mainHeaderBytes;
+    // An extended header that leaves no room for one section is ignored.
+    const bool hasExtendedHeader = headerBytes + extendedHeaderBytes + sectionBytes <= streamSize;
+    const uint64_t extendedBytes = hasExtendedHeader ? extendedHeaderBytes : 0;
+
+    uint64_t first = extendedBytes + headerBytes;
+    uint32_t count = CountSections(first, streamSize, sectionBytes);
+    if (count < frameCount)
+    {
+        if (isLongStack)
+        {
+            first = extendedBytes + mainHeaderBytes;
+            count = CountSections(first, streamSize, sectionBytes);
+        }
+        if (count == 0)
+        {
+            log.Write(L"No complete frame is present in the file");
+            return std::nullopt;
+        }
+        if (count < frameCount)
+        {
+            log.Write(L"The file contains less frames than specified in the header");
+            frameCount = count;
+        }
+    }
+    else if (frameCount == 0 && count != 0)
+    {
+        log.Write(L"The file contains frames while the header specifies zero");
+        frameCount = count;
+    }
+    return first;
+}
+
+void RawImageMrc::RecognisePackedSamples(StreamReader& reader)
+{
     if (pixelType == PixelType::UInt4)
         log.Write(L"Non-standard mode 101 detected (4-bit pixel format)");
-    if (pixelType == PixelType::Int8 && HasPackedSamples(reader))
-    {
-        log.Write(L"Non-standard 4-bit pixel format detected while mode 0 is specified");
-        width *= 2;
-        pixelType = PixelType::UInt4;
-        flipVertical = true;
-        software = L"SerialEM";
-    }
+    if (pixelType != PixelType::Int8)
+        return;
+    // SerialEM packs two 4-bit samples into each byte of a mode 0 file and says so in a label.
+    const auto labels = ReadBytesAt(reader, labelsOffset, labelsBytes);
+    if (!labels || !AsText(*labels).starts_with("SerialEM") ||
+        AsText(*labels).find("4 bits packed") == std::string_view::npos)
+        return;
+    log.Write(L"Non-standard 4-bit pixel format detected while mode 0 is specified");
+    width *= 2;
+    pixelType = PixelType::UInt4;
+    flipVertical = true;
+    software = L"SerialEM";
+}
 
+void RawImageMrc::ReadVersion(StreamReader& reader, uint32_t modeNumber)
+{
     const auto version = ReadWordAt(reader, versionOffset, byteOrder);
     const bool isMrc2014 = version == 20140u || version == 20141u;
     if (isMrc2014)
         fileType = FileType::Mrc2014;
-    formatDetails = (isMrc2014 ? L"MRC2014 Mode " : L"MRC Mode ") + std::to_wstring(*sampleMode);
-
-    if (auto application = ReadApplication(reader))
-        software = std::move(*application);
-
-    return ConvertToDisplay(stream, streamSize, layout.offset + uint64_t{frameIndex} * sectionBytes);
+    formatDetails = (isMrc2014 ? L"MRC2014 Mode " : L"MRC Mode ") + std::to_wstring(modeNumber);
 }
 
 } // namespace Tav::Imaging::RawImage

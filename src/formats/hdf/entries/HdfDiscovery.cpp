@@ -109,30 +109,29 @@ void HdfDiscovery::AddImage(HdfContents& file, const HdfCandidate& candidate)
         return hdfLog.Write(L"Skipped image with color palette");
     if (!IsShownSide(size->width) || !IsShownSide(size->height))
         return;
-    PixelType pixelType = candidate.pixelType;
-    if (pixelType == PixelType::UInt8 && size->planes == 3)
-    {
-        pixelType = PixelType::RGB24;
-        if (*interlace == HdfInterlace::Undefined)
-            return hdfLog.Write(L"Skipped RGB image with undefined interlace format");
-    }
+    const bool isRgb = candidate.pixelType == PixelType::UInt8 && size->planes == 3;
+    if (isRgb && *interlace == HdfInterlace::Undefined)
+        return hdfLog.Write(L"Skipped RGB image with undefined interlace format");
+    AddFrames(file, {.width = static_cast<uint32_t>(size->width),
+                     .height = static_cast<uint32_t>(size->height),
+                     .pixelType = isRgb ? PixelType::RGB24 : candidate.pixelType,
+                     .path = *path,
+                     .interlace = *interlace});
+}
 
-    const uint64_t frameBytes = BytesPerPixel(pixelType) * size->height * size->width;
-    const uint64_t storedBytes = file.StoredBytes(*path);
+void HdfDiscovery::AddFrames(HdfContents& file, HdfImageEntry first)
+{
+    const uint64_t frameBytes = uint64_t{BytesPerPixel(first.pixelType)} * first.height * first.width;
+    const uint64_t storedBytes = file.StoredBytes(first.path);
     if (storedBytes == 0 || frameBytes == 0)
         return;
     if (storedBytes % frameBytes != 0)
         return hdfLog.Write(L"Skipped image series with invalid data size");
     const uint64_t frames = storedBytes / frameBytes;
-    if (frames >= 2 && *interlace != HdfInterlace::Plane)
+    if (frames >= 2 && first.interlace != HdfInterlace::Plane)
         return hdfLog.Write(L"Skipped not supported image series");
-    found.Add({.width = static_cast<uint32_t>(size->width),
-               .height = static_cast<uint32_t>(size->height),
-               .seriesFrames = static_cast<uint32_t>(std::min<uint64_t>(frames, UINT32_MAX)),
-               .pixelType = pixelType,
-               .path = *path,
-               .interlace = *interlace},
-              frames);
+    first.seriesFrames = static_cast<uint32_t>(std::min<uint64_t>(frames, UINT32_MAX));
+    found.Add(first, frames);
 }
 
 } // namespace Tav::Imaging::RawImage

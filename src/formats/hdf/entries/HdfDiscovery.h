@@ -23,7 +23,10 @@ public:
 
 private:
     [[nodiscard]] bool AddThumbnail(HdfContents& file, const std::string& path);
+    /// Adds an image that can be shown; one that cannot is left out, with a line where the reason is of use.
     void AddImage(HdfContents& file, const HdfCandidate& candidate);
+    /// Adds as many frames of the size and type of the first as the dataset holds.
+    void AddFrames(HdfContents& file, HdfImageEntry first);
 
     uint32_t thumbnailCount = 0;
 };
