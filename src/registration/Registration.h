@@ -44,10 +44,10 @@ struct RegistrationState
 /// The extensions that the present registration leaves out; none where there is no registration.
 [[nodiscard]] ExtensionNames LeftOutExtensions(Scope scope);
 
-/// Registers the Lumora.dll at that path. Our own keys are written anew; of the rest, what somebody else has
-/// set stays as it is. Of the extensions that are left out, what an earlier registration has written goes;
-/// without a choice the earlier one holds. The first failure ends it. Nothing is taken back then: the same
-/// call, once its cause is gone, completes the work.
+/// Registers the Lumora.dll at that path. Lumora's own keys are replaced; a value that another program has
+/// set is kept. The extensions in `leftOut` are not registered, and what an earlier registration wrote for
+/// them is removed; without `leftOut` the choice of the earlier registration is kept. The first failure ends
+/// the call, and what has been written stays: the same call completes the work when the cause is gone.
 [[nodiscard]] RegistrationResult Register(Scope scope, const std::wstring& dllPath,
                                           const std::optional<ExtensionNames>& leftOut = std::nullopt);
 

@@ -36,7 +36,8 @@ enum class Branch
     Kinds,
 };
 
-/// Names between percent signs stand for what Placeholders and ForExtension put in.
+/// Names between percent signs are replaced: %ext% and %mimeType% by those of an extension, the others by
+/// what Placeholders gives.
 struct Row
 {
     For subject;

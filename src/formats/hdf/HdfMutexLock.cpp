@@ -4,6 +4,7 @@ namespace Tav::Imaging::RawImage {
 
 HdfMutexLock::~HdfMutexLock()
 {
+    // Nobody notes whether the mutex was taken: a release of one that was not fails and changes nothing.
     if (handle)
         ReleaseMutex(handle);
 }

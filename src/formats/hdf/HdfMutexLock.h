@@ -8,8 +8,9 @@ namespace Tav::Imaging::RawImage {
 /// name.
 constexpr wchar_t hdfMutexName[] = L"Perivane_Mutex_HDF5_Library";
 
-/// Holds a handle of the mutex, which may be null, and releases the mutex at its end whether it was taken or
-/// not. The handle stays open for the life of the process.
+/// Holds a handle of the mutex, which may be null, and releases the mutex at its end, also one that was not
+/// taken. The handle is never closed: the last one that is closed destroys the mutex, and the next read would
+/// find none of that name.
 class HdfMutexLock
 {
 public:
