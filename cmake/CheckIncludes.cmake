@@ -1,0 +1,15 @@
+# cmake -D FOLDER=... -D MAY_INCLUDE="layer layer" -P CheckIncludes.cmake: fails when a source file in the folder includes a
+# file of another layer. A layer is a folder of src; an include without a folder is the layer's own.
+cmake_minimum_required(VERSION 3.25)
+cmake_path(GET FOLDER FILENAME own)
+string(REPLACE " " ";" layers "${own} ${MAY_INCLUDE}")
+file(GLOB_RECURSE files ${FOLDER}/*.h ${FOLDER}/*.cpp)
+foreach(file IN LISTS files)
+  file(STRINGS ${file} includes REGEX "^#include \"[^\"]*/")
+  foreach(include IN LISTS includes)
+    string(REGEX REPLACE "^#include \"([^/]*)/.*" "\\1" layer ${include})
+    if(NOT layer IN_LIST layers)
+      message(FATAL_ERROR "${file} has ${include}, but ${own} may include only: ${layers}")
+    endif()
+  endforeach()
+endforeach()

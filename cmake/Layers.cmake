@@ -1,0 +1,15 @@
+# lumora_may_include(TARGET FOLDER LAYER...): TARGET is not built as long as a source file in FOLDER includes a file of
+# another layer than these.
+function(lumora_may_include target folder)
+  set(stamp ${CMAKE_CURRENT_BINARY_DIR}/${target}.includes)
+  file(GLOB_RECURSE files CONFIGURE_DEPENDS ${folder}/*.h ${folder}/*.cpp)
+  string(REPLACE ";" " " layers "${ARGN}")
+  add_custom_command(OUTPUT ${stamp}
+    COMMAND ${CMAKE_COMMAND} -D FOLDER=${folder} -D "MAY_INCLUDE=${layers}" -P ${PROJECT_SOURCE_DIR}/cmake/CheckIncludes.cmake
+    COMMAND ${CMAKE_COMMAND} -E touch ${stamp}
+    DEPENDS ${files} ${PROJECT_SOURCE_DIR}/cmake/CheckIncludes.cmake
+    COMMENT "Checking what ${target} includes"
+    VERBATIM)
+  add_custom_target(${target}_includes DEPENDS ${stamp})
+  add_dependencies(${target} ${target}_includes)
+endfunction()
