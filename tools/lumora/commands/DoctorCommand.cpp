@@ -1,0 +1,139 @@
+#include "lumora/commands/DoctorCommand.h"
+
+#include "lumora/console/JsonWriter.h"
+#include "lumora/console/Progress.h"
+#include "lumora/doctor/Diagnosis.h"
+#include "lumora/doctor/ExplorerChecks.h"
+#include "lumora/doctor/OpeningChecks.h"
+#include "lumora/doctor/RegistrationChecks.h"
+#include "lumora/files/FileList.h"
+
+namespace Lumora {
+
+namespace {
+
+constexpr const wchar_t* allIsWell = L"All is well: Windows finds Lumora, and Lumora starts.";
+constexpr const wchar_t* allFilesAreWell =
+    L"All is well: Windows finds Lumora, and Lumora opens what was named. A folder that was open before may "
+    L"need a press of F5.";
+
+const wchar_t* NameOf(CheckState state) noexcept
+{
+    switch (state)
+    {
+    case CheckState::Ok:
+        return L"ok";
+    case CheckState::Note:
+        return L"note";
+    case CheckState::Problem:
+        break;
+    }
+    return L"problem";
+}
+
+std::wstring AdviceOf(const Diagnosis& diagnosis)
+{
+    if (!diagnosis.Advice().empty())
+        return diagnosis.Advice();
+    return diagnosis.Files().empty() ? allIsWell : allFilesAreWell;
+}
+
+std::wstring Line(CheckState state, const std::wstring& what, const std::wstring& detail)
+{
+    constexpr size_t stateColumns = 9;
+    std::wstring text = NameOf(state);
+    text.resize(stateColumns, L' ');
+    return text + what + L": " + detail + L'\n';
+}
+
+/// What is well with a file takes one line, the rest a line for each.
+std::wstring ForPeople(const FileChecks& file)
+{
+    std::wstring good;
+    std::wstring rest;
+    for (const Check& check : file.checks)
+    {
+        if (check.state == CheckState::Ok)
+            good += (good.empty() ? L"" : L"; ") + check.detail;
+        else
+            rest += Line(check.state, file.name + L": " + check.what, check.detail);
+    }
+    return (good.empty() ? L"" : Line(CheckState::Ok, file.name, good)) + rest;
+}
+
+std::wstring ForPeople(const Diagnosis& diagnosis)
+{
+    std::wstring text;
+    for (const Check& check : diagnosis.Checks())
+        text += Line(check.state, check.what, check.detail);
+    for (const FileChecks& file : diagnosis.Files())
+        text += ForPeople(file);
+    return text + L'\n' + AdviceOf(diagnosis) + L'\n';
+}
+
+void Write(JsonWriter& json, const std::vector<Check>& checks)
+{
+    json.BeginArray(L"checks");
+    for (const Check& check : checks)
+    {
+        json.BeginObject();
+        json.Text(L"what", check.what);
+        json.Text(L"state", NameOf(check.state));
+        json.Text(L"detail", check.detail);
+        json.EndObject();
+    }
+    json.EndArray();
+}
+
+std::wstring ForPrograms(const Diagnosis& diagnosis)
+{
+    JsonWriter json;
+    json.BeginObject();
+    json.Truth(L"allIsWell", diagnosis.IsAllWell());
+    json.Text(L"advice", AdviceOf(diagnosis));
+    Write(json, diagnosis.Checks());
+    json.BeginArray(L"files");
+    for (const FileChecks& file : diagnosis.Files())
+    {
+        json.BeginObject();
+        json.Text(L"path", file.name);
+        Write(json, file.checks);
+        json.EndObject();
+    }
+    json.EndArray();
+    json.EndObject();
+    return json.Take() + L'\n';
+}
+
+} // namespace
+
+int RunDoctor(const CommandLine& line, Console& console)
+{
+    Diagnosis diagnosis;
+    const FileList list = FindFiles(line.paths, FolderRule::RegisteredExtension, console);
+    if (list.failures > 0)
+        diagnosis.Problem(Cause::File, L"files", L"not all that were named are there",
+                          L"Not all of the files that were named are there.");
+    const RegistrationFindings findings = CheckRegistrations(line.dllPath, diagnosis);
+    ComPtr<IWICImagingFactory> factory;
+    if (findings.isUsable)
+        factory = CheckClasses(findings.scope, diagnosis);
+    CheckExplorerSettings(diagnosis);
+
+    Progress progress(console, list.files.size());
+    for (const SourceFile& file : list.files)
+    {
+        progress.Next(file.name);
+        diagnosis.BeginFile(file.name);
+        if (findings.isRegistered)
+            CheckExtension(file.name, findings, diagnosis);
+        if (factory)
+            CheckOpening(*factory.Get(), file, diagnosis);
+        else
+            diagnosis.Note(L"picture", L"not looked at, as Lumora does not start");
+    }
+    console.Print(line.wantsJson ? ForPrograms(diagnosis) : ForPeople(diagnosis));
+    return diagnosis.IsAllWell() ? 0 : 1;
+}
+
+} // namespace Lumora

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "lumora/console/CommandLine.h"
+#include "lumora/console/Console.h"
+
+namespace Lumora {
+
+/// Tells why there is no thumbnail. Gives the exit code.
+[[nodiscard]] int RunDoctor(const CommandLine& line, Console& console);
+
+} // namespace Lumora

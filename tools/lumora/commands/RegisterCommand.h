@@ -1,0 +1,14 @@
+#pragma once
+
+#include "lumora/console/CommandLine.h"
+#include "lumora/console/Console.h"
+
+namespace Lumora {
+
+/// Registers Lumora, or checks its registration. Gives the exit code.
+[[nodiscard]] int RunRegister(const CommandLine& line, Console& console);
+
+/// Takes the registration back. Gives the exit code.
+[[nodiscard]] int RunUnregister(const CommandLine& line, Console& console);
+
+} // namespace Lumora

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "lumora/console/CommandLine.h"
+#include "lumora/console/Console.h"
+
+namespace Lumora {
+
+/// Writes pictures of files. Gives the exit code.
+[[nodiscard]] int RunRender(const CommandLine& line, Console& console);
+
+} // namespace Lumora

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "lumora/console/CommandLine.h"
+#include "lumora/console/Console.h"
+
+namespace Lumora {
+
+/// Writes a contact sheet of files. Gives the exit code.
+[[nodiscard]] int RunSheet(const CommandLine& line, Console& console);
+
+} // namespace Lumora

@@ -1,0 +1,158 @@
+#include "lumora/doctor/ExplorerChecks.h"
+
+#include "lumora/files/FileList.h"
+#include "lumora/files/Paths.h"
+#include "registration/Registration.h"
+
+#include <windows.h>
+
+#include <shlwapi.h>
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <string_view>
+
+namespace Lumora {
+
+namespace {
+
+/// A number that turns thumbnails off where it is not zero.
+struct Setting
+{
+    RegistryBranch key;
+    const wchar_t* name;
+    const wchar_t* advice;
+};
+
+constexpr const wchar_t* policyAdvice =
+    L"A policy turns Explorer's thumbnails off: whoever administers this machine can change it.";
+
+// The names of the hives are no constants to the compiler.
+const Setting settings[] = {
+    {{HKEY_CURRENT_USER, L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Advanced"},
+     L"IconsOnly",
+     L"Explorer shows icons only: in its folder options, turn off \"Always show icons, never thumbnails\"."},
+    {{HKEY_CURRENT_USER, L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Policies\\Explorer"},
+     L"DisableThumbnails",
+     policyAdvice},
+    {{HKEY_LOCAL_MACHINE, L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Policies\\Explorer"},
+     L"DisableThumbnails",
+     policyAdvice},
+};
+
+/// Whether a value of the registration, as people are told of it, belongs to the extension.
+bool IsAbout(std::wstring_view valueName, std::wstring_view extension)
+{
+    while (!valueName.empty())
+    {
+        const size_t end = std::min(valueName.find_first_of(L"\\,"), valueName.size());
+        if (AreSameName(valueName.substr(0, end), extension))
+            return true;
+        valueName.remove_prefix(std::min(valueName.find_first_not_of(L"\\, ", end), valueName.size()));
+    }
+    return false;
+}
+
+/// The registration's entry for the extension that tells the shell where thumbnails come from; nothing where
+/// the extension is left out.
+std::optional<RegistryEntry> ThumbnailEntry(const wchar_t* extension, Scope scope)
+{
+    const std::wstring path = ClassesKey(scope, extension).FullPath() + L"\\ShellEx\\";
+    for (const RegistryEntry& entry : RegistryEntries(scope, {}, LeftOutExtensions(scope)))
+    {
+        if (entry.key.FullPath().starts_with(path))
+            return entry;
+    }
+    return std::nullopt;
+}
+
+/// Where the shell, after all that it takes into account, would have the extension's thumbnails from.
+std::wstring ShellsThumbnailProvider(const wchar_t* extension, const RegistryEntry& entry)
+{
+    const std::wstring key = entry.key.FullPath();
+    const std::wstring interfaceId = key.substr(key.rfind(L'\\') + 1);
+    std::array<wchar_t, 64> provider = {};
+    auto length = static_cast<DWORD>(provider.size());
+    const HRESULT result = AssocQueryStringW(ASSOCF_NONE, ASSOCSTR_SHELLEXTENSION, extension,
+                                             interfaceId.c_str(), provider.data(), &length);
+    return SUCCEEDED(result) ? provider.data() : L"";
+}
+
+void CheckThumbnailProvider(const wchar_t* extension, const RegistryEntry& entry, Diagnosis& diagnosis)
+{
+    const std::wstring provider = ShellsThumbnailProvider(extension, entry);
+    if (provider.empty())
+        diagnosis.Note(L"thumbnails", L"the shell knows no program that makes them");
+    else if (AreSameName(provider, entry.value.AsText()))
+        diagnosis.Ok(L"thumbnails", L"WIC gives the thumbnails");
+    else
+        diagnosis.Problem(Cause::Extension, L"thumbnails", L"another program makes them: " + provider,
+                          std::wstring(L"The thumbnails of ") + extension +
+                              L" files are another program's, which has the class " + provider +
+                              L": its settings may let you turn that off.");
+}
+
+} // namespace
+
+void CheckExplorerSettings(Diagnosis& diagnosis)
+{
+    bool isOff = false;
+    for (const Setting& setting : settings)
+    {
+        const RegistryKey key(setting.key, {});
+        std::optional<RegistryValue> value;
+        if (key.Read(setting.name, value) != ERROR_SUCCESS || !value || value->type != REG_DWORD ||
+            *value == RegistryValue::Number(0))
+            continue;
+        isOff = true;
+        diagnosis.Problem(Cause::Explorer, L"Explorer",
+                          L"shows no thumbnails: " + key.FullPath() + L", " + setting.name, setting.advice);
+    }
+    if (!isOff)
+        diagnosis.Ok(L"Explorer", L"shows thumbnails");
+}
+
+void CheckExtension(const std::wstring& fileName, const RegistrationFindings& findings, Diagnosis& diagnosis)
+{
+    const std::wstring shown(FileExtension(fileName));
+    const Extension* const extension = RegisteredExtension(shown);
+    if (!extension)
+    {
+        const std::wstring files = shown.empty() ? L"files without an extension" : shown + L" files";
+        diagnosis.Note(L"extension",
+                       L"Explorer is told nothing about " + files +
+                           L"; those that Lumora reads open in programs that ask WIC",
+                       L"All is well, but Explorer is told nothing about " + files +
+                           L" and takes no thumbnails of them from Lumora: those that Lumora reads open in "
+                           L"programs that ask WIC.");
+        return;
+    }
+    const std::optional<RegistryEntry> entry = ThumbnailEntry(extension->text, findings.scope);
+    if (!entry)
+    {
+        diagnosis.Note(L"extension", shown + L" is left out of the registration on purpose",
+                       L"All is well, but " + shown +
+                           L" is left out of the registration on purpose: \"lumora register --without none\" "
+                           L"takes it in.");
+        return;
+    }
+    bool isOurs = true;
+    for (const std::wstring& name : findings.leftToOthers)
+    {
+        if (!IsAbout(name, extension->text))
+            continue;
+        isOurs = false;
+        diagnosis.Problem(Cause::Extension, L"extension", L"left to another program: " + name,
+                          L"Another program has set " + name + L": if " + extension->text +
+                              L" files should be Lumora's, delete that value and run \"lumora register\" "
+                              L"again.");
+    }
+    if (isOurs)
+        diagnosis.Ok(L"extension",
+                     extension->text + std::wstring(L" is registered") +
+                         (extension->isShared ? L", which files of other kinds have too" : L""));
+    CheckThumbnailProvider(extension->text, *entry, diagnosis);
+}
+
+} // namespace Lumora

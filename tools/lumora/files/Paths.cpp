@@ -1,0 +1,100 @@
+#include "lumora/files/Paths.h"
+
+#include <windows.h>
+
+namespace Lumora {
+
+namespace {
+
+constexpr std::wstring_view separators = L"\\/";
+
+/// Paths shorter than this need no prefix, also not those of folders.
+constexpr size_t plainPathLimit = 248;
+
+int CompareNames(std::wstring_view left, std::wstring_view right) noexcept
+{
+    return CompareStringOrdinal(left.data(), static_cast<int>(left.size()), right.data(),
+                                static_cast<int>(right.size()), TRUE);
+}
+
+} // namespace
+
+std::wstring FullPath(const std::wstring& path)
+{
+    std::wstring full(GetFullPathNameW(path.c_str(), 0, nullptr, nullptr), L'\0');
+    full.resize(GetFullPathNameW(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
+    // What Windows cannot make a path of is left as it is, for the opening to complain about.
+    return full.empty() ? path : full;
+}
+
+std::wstring OpenablePath(const std::wstring& path)
+{
+    std::wstring full = FullPath(path);
+    if (full.size() < plainPathLimit || full.starts_with(L"\\\\?\\"))
+        return full;
+    if (full.starts_with(L"\\\\"))
+        return L"\\\\?\\UNC\\" + full.substr(2);
+    return L"\\\\?\\" + full;
+}
+
+std::wstring JoinPath(std::wstring_view folder, std::wstring_view name)
+{
+    std::wstring path(folder);
+    if (!path.empty() && !name.empty() && separators.find(path.back()) == std::wstring_view::npos &&
+        path.back() != L':')
+    {
+        // As the user writes them.
+        const size_t separator = path.find_first_of(separators);
+        path += separator == std::wstring::npos ? L'\\' : path[separator];
+    }
+    return path.append(name);
+}
+
+std::wstring_view FileName(std::wstring_view path) noexcept
+{
+    const size_t end = path.find_last_of(L"\\/:");
+    return end == std::wstring_view::npos ? path : path.substr(end + 1);
+}
+
+std::wstring_view ParentFolder(std::wstring_view path) noexcept
+{
+    return path.substr(0, path.size() - FileName(path).size());
+}
+
+std::wstring_view FileExtension(std::wstring_view path) noexcept
+{
+    const std::wstring_view name = FileName(path);
+    const size_t point = name.rfind(L'.');
+    return point == std::wstring_view::npos || point == 0 ? std::wstring_view{} : name.substr(point);
+}
+
+std::wstring_view Stem(std::wstring_view path) noexcept
+{
+    const std::wstring_view name = FileName(path);
+    return name.substr(0, name.size() - FileExtension(path).size());
+}
+
+std::wstring ProgramFolder()
+{
+    std::wstring path(MAX_PATH, L'\0');
+    DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+    while (length == path.size())
+    {
+        path.resize(path.size() * 2);
+        length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+    }
+    path.resize(length);
+    return std::wstring(ParentFolder(path));
+}
+
+bool NameLess::operator()(std::wstring_view left, std::wstring_view right) const noexcept
+{
+    return CompareNames(left, right) == CSTR_LESS_THAN;
+}
+
+bool AreSameName(std::wstring_view left, std::wstring_view right) noexcept
+{
+    return CompareNames(left, right) == CSTR_EQUAL;
+}
+
+} // namespace Lumora
