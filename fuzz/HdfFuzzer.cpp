@@ -1,4 +1,4 @@
-#include "support/TestStream.h"
+#include "support/streams/TestStream.h"
 
 #include "formats/hdf/HdfMutexLock.h"
 #include "formats/hdf/RawImageHdf.h"

@@ -1,5 +1,5 @@
 #include "metadata/Metadata.h"
-#include "support/TestStream.h"
+#include "support/streams/TestStream.h"
 
 #include "core/RawImage.h"
 

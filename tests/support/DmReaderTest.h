@@ -1,8 +1,8 @@
 #pragma once
 
-#include "support/DmFile.h"
-#include "support/DmImages.h"
-#include "support/FileRead.h"
+#include "support/files/DmFile.h"
+#include "support/files/DmImages.h"
+#include "support/streams/FileRead.h"
 
 #include "formats/dm/RawImageDm.h"
 

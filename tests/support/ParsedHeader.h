@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/LatticeFile.h"
+#include "support/files/LatticeFile.h"
 
 #include "formats/lattice/UboHeaderParser.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "support/FileBytes.h"
-#include "support/ReferenceDisplay.h"
+#include "support/display/ReferenceDisplay.h"
 
 #include "core/RawImageBase.h"
 

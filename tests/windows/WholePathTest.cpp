@@ -1,12 +1,12 @@
 #include "registration/ClassIds.h"
-#include "support/GrayFiles.h"
-#include "support/GrayStack.h"
-#include "support/MrcFile.h"
-#include "windows/DecoderClient.h"
-#include "windows/PropertyStoreClient.h"
-#include "windows/RegisteredLumora.h"
-#include "windows/TemporaryFolder.h"
-#include "windows/WicClient.h"
+#include "support/files/MrcFile.h"
+#include "support/gray/GrayFiles.h"
+#include "support/gray/GrayStack.h"
+#include "windows/clients/DecoderClient.h"
+#include "windows/clients/PropertyStoreClient.h"
+#include "windows/clients/TemporaryFolder.h"
+#include "windows/clients/WicClient.h"
+#include "windows/registry/RegisteredLumora.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

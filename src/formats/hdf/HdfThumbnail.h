@@ -1,7 +1,7 @@
 #pragma once
 
 #include "formats/hdf/HdfContents.h"
-#include "platform/JpegDecoder.h"
+#include "platform/jpeg/JpegDecoder.h"
 
 #include <optional>
 #include <string>

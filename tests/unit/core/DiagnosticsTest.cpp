@@ -1,5 +1,5 @@
 #include "core/Diagnostics.h"
-#include "support/DiagnosticLines.h"
+#include "support/streams/DiagnosticLines.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "core/RawImage.h"
-#include "support/DiagnosticLines.h"
-#include "support/MrcFile.h"
-#include "support/TestStream.h"
+#include "support/files/MrcFile.h"
+#include "support/streams/DiagnosticLines.h"
+#include "support/streams/TestStream.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
-#include "support/DiagnosticLines.h"
-#include "support/FrameReader.h"
-#include "support/SparseStream.h"
-#include "support/TestStream.h"
+#include "support/display/FrameReader.h"
+#include "support/streams/DiagnosticLines.h"
+#include "support/streams/SparseStream.h"
+#include "support/streams/TestStream.h"
 
 #include <gtest/gtest.h>
 

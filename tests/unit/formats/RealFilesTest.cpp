@@ -1,5 +1,5 @@
 #include "support/FileBytes.h"
-#include "support/FileRead.h"
+#include "support/streams/FileRead.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

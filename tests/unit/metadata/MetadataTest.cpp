@@ -1,8 +1,8 @@
 #include "metadata/Metadata.h"
 
-#include "support/DmImages.h"
-#include "support/FileRead.h"
-#include "support/MrcFile.h"
+#include "support/files/DmImages.h"
+#include "support/files/MrcFile.h"
+#include "support/streams/FileRead.h"
 
 #include <gtest/gtest.h>
 

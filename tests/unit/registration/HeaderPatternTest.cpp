@@ -1,12 +1,12 @@
 #include "formats/bin/RawImageBin.h"
 #include "formats/mrc/RawImageMrc.h"
 #include "registration/Formats.h"
-#include "support/BinFile.h"
-#include "support/GrayFiles.h"
-#include "support/GrayStack.h"
-#include "support/MrcFile.h"
 #include "support/RandomSeed.h"
-#include "support/TestStream.h"
+#include "support/files/BinFile.h"
+#include "support/files/MrcFile.h"
+#include "support/gray/GrayFiles.h"
+#include "support/gray/GrayStack.h"
+#include "support/streams/TestStream.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 
 #include "formats/hdf/HdfContents.h"
 #include "formats/hdf/entries/HdfSelection.h"
-#include "platform/JpegDecoder.h"
+#include "platform/jpeg/JpegDecoder.h"
 
 #include <cstdint>
 #include <string>

@@ -1,4 +1,4 @@
-#include "support/FrameReader.h"
+#include "support/display/FrameReader.h"
 
 #include <gtest/gtest.h>
 

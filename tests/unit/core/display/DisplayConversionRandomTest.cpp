@@ -1,5 +1,5 @@
-#include "support/FrameReader.h"
 #include "support/RandomSeed.h"
+#include "support/display/FrameReader.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "core/display/DisplayScaling.h"
-#include "support/DiagnosticLines.h"
-#include "support/HeldImage.h"
+#include "support/display/HeldImage.h"
+#include "support/streams/DiagnosticLines.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #include "core/display/DynamicRangeCalculator.h"
-#include "support/DiagnosticLines.h"
-#include "support/HeldImage.h"
 #include "support/RandomSeed.h"
-#include "support/ReferenceRange.h"
+#include "support/display/HeldImage.h"
+#include "support/display/ReferenceRange.h"
+#include "support/streams/DiagnosticLines.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 #include "core/samples/RescaleToUInt32.h"
-#include "support/HeldImage.h"
+#include "support/display/HeldImage.h"
 
 #include <gtest/gtest.h>
 

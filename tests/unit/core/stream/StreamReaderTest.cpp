@@ -1,6 +1,6 @@
 #include "core/stream/StreamReader.h"
-#include "support/DiagnosticLines.h"
-#include "support/TestStream.h"
+#include "support/streams/DiagnosticLines.h"
+#include "support/streams/TestStream.h"
 
 #include <gtest/gtest.h>
 

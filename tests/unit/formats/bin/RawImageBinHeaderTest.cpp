@@ -1,6 +1,6 @@
 #include "formats/bin/RawImageBin.h"
-#include "support/BinFile.h"
-#include "support/FileRead.h"
+#include "support/files/BinFile.h"
+#include "support/streams/FileRead.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

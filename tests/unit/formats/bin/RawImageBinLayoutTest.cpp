@@ -1,8 +1,8 @@
 #include "formats/bin/RawImageBin.h"
-#include "support/BinFile.h"
-#include "support/FileRead.h"
-#include "support/ReferenceDisplay.h"
-#include "support/SparseStream.h"
+#include "support/display/ReferenceDisplay.h"
+#include "support/files/BinFile.h"
+#include "support/streams/FileRead.h"
+#include "support/streams/SparseStream.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 #include "formats/bin/RawImageBin.h"
-#include "support/BinFile.h"
-#include "support/DamagedFile.h"
-#include "support/FrameReader.h"
-#include "support/VariedSamples.h"
+#include "support/display/FrameReader.h"
+#include "support/display/VariedSamples.h"
+#include "support/files/BinFile.h"
+#include "support/streams/DamagedFile.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

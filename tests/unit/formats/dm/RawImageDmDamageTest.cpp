@@ -1,5 +1,5 @@
-#include "support/DamagedFile.h"
 #include "support/DmReaderTest.h"
+#include "support/streams/DamagedFile.h"
 
 #include <gmock/gmock.h>
 

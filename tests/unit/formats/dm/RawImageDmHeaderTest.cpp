@@ -1,5 +1,5 @@
 #include "support/DmReaderTest.h"
-#include "support/SparseStream.h"
+#include "support/streams/SparseStream.h"
 
 #include <gmock/gmock.h>
 

@@ -1,6 +1,6 @@
 #include "support/DmReaderTest.h"
-#include "support/ReferenceDisplay.h"
-#include "support/VariedSamples.h"
+#include "support/display/ReferenceDisplay.h"
+#include "support/display/VariedSamples.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "support/DmSearch.h"
+#include "support/files/DmSearch.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "formats/RawImageEmi.h"
-#include "support/EmiFile.h"
-#include "support/FileRead.h"
+#include "support/files/EmiFile.h"
+#include "support/streams/FileRead.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "formats/RawImageEmi.h"
-#include "support/EmiFile.h"
-#include "support/FileRead.h"
-#include "support/SparseStream.h"
+#include "support/files/EmiFile.h"
+#include "support/streams/FileRead.h"
+#include "support/streams/SparseStream.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 #include "formats/RawImageEmi.h"
-#include "support/EmiFile.h"
-#include "support/FileRead.h"
-#include "support/FrameReader.h"
-#include "support/VariedSamples.h"
+#include "support/display/FrameReader.h"
+#include "support/display/VariedSamples.h"
+#include "support/files/EmiFile.h"
+#include "support/streams/FileRead.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-#include "support/DamagedFile.h"
-#include "support/Hdf5File.h"
+#include "support/files/Hdf5File.h"
+#include "support/streams/DamagedFile.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

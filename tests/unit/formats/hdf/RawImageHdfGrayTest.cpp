@@ -1,8 +1,8 @@
-#include "support/FileRead.h"
-#include "support/FrameReader.h"
-#include "support/Hdf5File.h"
-#include "support/ReferenceDisplay.h"
-#include "support/VariedSamples.h"
+#include "support/display/FrameReader.h"
+#include "support/display/ReferenceDisplay.h"
+#include "support/display/VariedSamples.h"
+#include "support/files/Hdf5File.h"
+#include "support/streams/FileRead.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "support/ComApartment.h"
-#include "support/FileRead.h"
-#include "support/Hdf5File.h"
-#include "support/SmallStack.h"
+#include "support/files/Hdf5File.h"
+#include "support/gray/SmallStack.h"
+#include "support/streams/FileRead.h"
 
 #include "formats/hdf/inside/HdfObject.h"
 

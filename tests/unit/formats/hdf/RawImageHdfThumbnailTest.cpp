@@ -1,7 +1,7 @@
 #include "support/ComApartment.h"
-#include "support/FileRead.h"
-#include "support/Hdf5File.h"
 #include "support/JpegFile.h"
+#include "support/files/Hdf5File.h"
+#include "support/streams/FileRead.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

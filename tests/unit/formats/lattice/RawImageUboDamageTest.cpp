@@ -1,6 +1,6 @@
 #include "formats/lattice/RawImageUbo.h"
-#include "support/DamagedFile.h"
-#include "support/LatticeFile.h"
+#include "support/files/LatticeFile.h"
+#include "support/streams/DamagedFile.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "formats/lattice/RawImageUbo.h"
-#include "support/DiagnosticLines.h"
-#include "support/FileRead.h"
-#include "support/LatticeFile.h"
+#include "support/files/LatticeFile.h"
+#include "support/streams/DiagnosticLines.h"
+#include "support/streams/FileRead.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-#include "support/DamagedFile.h"
-#include "support/MrcFile.h"
+#include "support/files/MrcFile.h"
+#include "support/streams/DamagedFile.h"
 
 #include <gtest/gtest.h>
 

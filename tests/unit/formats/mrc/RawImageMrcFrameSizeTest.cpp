@@ -1,7 +1,7 @@
 #include "formats/mrc/RawImageMrc.h"
-#include "support/FileRead.h"
-#include "support/MrcFile.h"
-#include "support/SparseStream.h"
+#include "support/files/MrcFile.h"
+#include "support/streams/FileRead.h"
+#include "support/streams/SparseStream.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "formats/mrc/RawImageMrc.h"
-#include "support/FileRead.h"
-#include "support/MrcFile.h"
+#include "support/files/MrcFile.h"
+#include "support/streams/FileRead.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

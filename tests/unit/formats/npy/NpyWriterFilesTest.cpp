@@ -1,7 +1,7 @@
 #include "support/FileBytes.h"
-#include "support/FileRead.h"
-#include "support/ReferenceDisplay.h"
 #include "support/WriterManifest.h"
+#include "support/display/ReferenceDisplay.h"
+#include "support/streams/FileRead.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "formats/RawImageNpy.h"
-#include "support/FileRead.h"
-#include "support/NpyFile.h"
+#include "support/files/NpyFile.h"
+#include "support/streams/FileRead.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

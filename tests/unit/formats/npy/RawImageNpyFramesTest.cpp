@@ -1,10 +1,10 @@
 #include "formats/RawImageNpy.h"
-#include "support/DiagnosticLines.h"
-#include "support/FileRead.h"
-#include "support/NpyFile.h"
-#include "support/ReferenceDisplay.h"
-#include "support/SparseStream.h"
-#include "support/VariedSamples.h"
+#include "support/display/ReferenceDisplay.h"
+#include "support/display/VariedSamples.h"
+#include "support/files/NpyFile.h"
+#include "support/streams/DiagnosticLines.h"
+#include "support/streams/FileRead.h"
+#include "support/streams/SparseStream.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "formats/RawImageRaw.h"
-#include "support/DamagedFile.h"
-#include "support/RawFile.h"
+#include "support/files/RawFile.h"
+#include "support/streams/DamagedFile.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

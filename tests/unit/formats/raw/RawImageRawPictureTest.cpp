@@ -1,9 +1,9 @@
 #include "formats/RawImageRaw.h"
-#include "support/FileRead.h"
-#include "support/FrameReader.h"
-#include "support/RawFile.h"
-#include "support/SparseStream.h"
-#include "support/VariedSamples.h"
+#include "support/display/FrameReader.h"
+#include "support/display/VariedSamples.h"
+#include "support/files/RawFile.h"
+#include "support/streams/FileRead.h"
+#include "support/streams/SparseStream.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

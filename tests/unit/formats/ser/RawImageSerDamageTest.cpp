@@ -1,6 +1,6 @@
 #include "formats/RawImageSer.h"
-#include "support/DamagedFile.h"
-#include "support/SerFile.h"
+#include "support/files/SerFile.h"
+#include "support/streams/DamagedFile.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "formats/RawImageSer.h"
-#include "support/FileRead.h"
-#include "support/SerFile.h"
-#include "support/SparseStream.h"
+#include "support/files/SerFile.h"
+#include "support/streams/FileRead.h"
+#include "support/streams/SparseStream.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "formats/RawImageSer.h"
-#include "support/DamagedFile.h"
-#include "support/FileRead.h"
-#include "support/SerFile.h"
+#include "support/files/SerFile.h"
+#include "support/streams/DamagedFile.h"
+#include "support/streams/FileRead.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

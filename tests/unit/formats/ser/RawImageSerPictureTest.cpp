@@ -1,8 +1,8 @@
 #include "formats/RawImageSer.h"
-#include "support/FileRead.h"
-#include "support/FrameReader.h"
-#include "support/SerFile.h"
-#include "support/VariedSamples.h"
+#include "support/display/FrameReader.h"
+#include "support/display/VariedSamples.h"
+#include "support/files/SerFile.h"
+#include "support/streams/FileRead.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 #include "formats/hdf/entries/HdfSelection.h"
-#include "support/DiagnosticLines.h"
+#include "support/streams/DiagnosticLines.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

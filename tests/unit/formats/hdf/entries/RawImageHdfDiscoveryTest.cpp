@@ -1,6 +1,6 @@
 #include "formats/hdf/inside/HdfObject.h"
-#include "support/FileRead.h"
-#include "support/Hdf5File.h"
+#include "support/files/Hdf5File.h"
+#include "support/streams/FileRead.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

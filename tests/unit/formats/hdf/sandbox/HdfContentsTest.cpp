@@ -2,10 +2,10 @@
 #include "formats/hdf/RawImageHdf.h"
 #include "formats/hdf/entries/HdfPaths.h"
 #include "formats/hdf/inside/HdfObject.h"
-#include "support/DiagnosticLines.h"
-#include "support/FileRead.h"
-#include "support/Hdf5File.h"
-#include "support/SparseStream.h"
+#include "support/files/Hdf5File.h"
+#include "support/streams/DiagnosticLines.h"
+#include "support/streams/FileRead.h"
+#include "support/streams/SparseStream.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "formats/hdf/HdfContents.h"
-#include "support/DiagnosticLines.h"
-#include "support/Hdf5File.h"
-#include "support/TestStream.h"
+#include "support/files/Hdf5File.h"
+#include "support/streams/DiagnosticLines.h"
+#include "support/streams/TestStream.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,10 +1,10 @@
 #include "formats/hdf/sandbox/HdfSandbox.h"
 
 #include "formats/hdf/HdfContents.h"
-#include "support/Hdf5File.h"
 #include "support/RandomSeed.h"
-#include "support/SmallStack.h"
-#include "support/TestStream.h"
+#include "support/files/Hdf5File.h"
+#include "support/gray/SmallStack.h"
+#include "support/streams/TestStream.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,0 +1,419 @@
+#include "registration/Registration.h"
+#include "windows/registry/ReadOnlyKey.h"
+#include "windows/registry/RegistrySandbox.h"
+#include "windows/registry/RegistrySnapshot.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+
+using Lumora::CheckRegistration;
+using Lumora::ExtensionNames;
+using Lumora::LeftOutExtensions;
+using Lumora::Register;
+using Lumora::RegistrationResult;
+using Lumora::RegistrationState;
+using Lumora::Scope;
+using Lumora::Unregister;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+namespace {
+
+constexpr const wchar_t* dllPath = L"C:\\Program Files\\Lumora\\Lumora.dll";
+constexpr const wchar_t* thumbnails = L"\\ShellEx\\{e357fccd-a995-4576-b01f-234630154e96}";
+const std::wstring classes = L"SOFTWARE\\Classes\\";
+const std::wstring windows = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\";
+const std::wstring decoder = classes + L"CLSID\\{0B6C4D37-1F0E-4E5B-9C57-6A3D2C9E41F8}";
+const std::wstring handler = classes + L"CLSID\\{5D2E8A94-7C3B-4F61-8E0A-B1947F26D3C5}";
+const std::wstring handlers = windows + L"PropertySystem\\PropertyHandlers\\";
+
+constexpr const wchar_t* absent = L"<absent>";
+
+std::wstring Text(HKEY hive, const std::wstring& key, const wchar_t* name = L"")
+{
+    std::array<wchar_t, 2048> text = {};
+    auto bytes = static_cast<DWORD>(sizeof(text));
+    const LSTATUS result = RegGetValueW(hive, key.c_str(), name, RRF_RT_REG_SZ, nullptr, text.data(), &bytes);
+    return result == ERROR_SUCCESS ? text.data() : absent;
+}
+
+std::wstring Text(const std::wstring& key, const wchar_t* name = L"")
+{
+    return Text(HKEY_LOCAL_MACHINE, key, name);
+}
+
+/// The number; -1 when there is none.
+int64_t Number(const std::wstring& key, const wchar_t* name)
+{
+    DWORD number = 0;
+    DWORD bytes = sizeof(number);
+    const LSTATUS result =
+        RegGetValueW(HKEY_LOCAL_MACHINE, key.c_str(), name, RRF_RT_REG_DWORD, nullptr, &number, &bytes);
+    return result == ERROR_SUCCESS ? int64_t{number} : -1;
+}
+
+std::vector<uint8_t> Binary(const std::wstring& key, const wchar_t* name)
+{
+    std::vector<uint8_t> content(1024);
+    auto bytes = static_cast<DWORD>(content.size());
+    const LSTATUS result = RegGetValueW(HKEY_LOCAL_MACHINE, key.c_str(), name, RRF_RT_REG_BINARY, nullptr,
+                                        content.data(), &bytes);
+    content.resize(result == ERROR_SUCCESS ? bytes : 0);
+    return content;
+}
+
+void SetText(const std::wstring& key, const wchar_t* name, const std::wstring& text)
+{
+    ASSERT_EQ(RegSetKeyValueW(HKEY_LOCAL_MACHINE, key.c_str(), name, REG_SZ, text.c_str(),
+                              static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))),
+              ERROR_SUCCESS);
+}
+
+bool Exists(const std::wstring& key)
+{
+    HKEY opened = nullptr;
+    const LSTATUS result = RegOpenKeyExW(HKEY_LOCAL_MACHINE, key.c_str(), 0, KEY_READ, &opened);
+    RegCloseKey(opened);
+    return result == ERROR_SUCCESS;
+}
+
+void MakeKey(HKEY hive, const std::wstring& key, DWORD options = REG_OPTION_NON_VOLATILE)
+{
+    HKEY created = nullptr;
+    ASSERT_EQ(RegCreateKeyExW(hive, key.c_str(), 0, nullptr, options, KEY_READ, nullptr, &created, nullptr),
+              ERROR_SUCCESS);
+    RegCloseKey(created);
+}
+
+/// A registry in which only the keys stand that Windows itself keeps.
+class Registration : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        MakeKey(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Classes");
+        MakeKey(HKEY_LOCAL_MACHINE, windows + L"PropertySystem\\PropertyHandlers");
+        MakeKey(HKEY_LOCAL_MACHINE, windows + L"Explorer\\KindMap");
+        MakeKey(HKEY_CURRENT_USER, L"SOFTWARE\\Classes");
+        before = TakeRegistrySnapshot();
+        ASSERT_TRUE(before.contains(L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes"));
+    }
+
+    RegistrySandbox sandbox;
+    RegistrySnapshot before;
+};
+
+TEST_F(Registration, TellsComWhereTheClassesAre)
+{
+    const RegistrationResult result = Register(Scope::Machine, dllPath);
+    EXPECT_FALSE(result.failure);
+    EXPECT_THAT(result.leftToOthers, IsEmpty());
+
+    for (const std::wstring& key : {decoder, handler})
+    {
+        EXPECT_EQ(Text(key + L"\\InprocServer32"), dllPath);
+        EXPECT_EQ(Text(key + L"\\InprocServer32", L"ThreadingModel"), L"Both");
+    }
+    EXPECT_EQ(Number(handler, L"EnableShareDenyNone"), 1);
+    EXPECT_EQ(Number(handler, L"DisableProcessIsolation"), -1);
+}
+
+TEST_F(Registration, TellsWicAboutTheDecoder)
+{
+    EXPECT_FALSE(Register(Scope::Machine, dllPath).failure);
+
+    const std::wstring instance = classes + L"CLSID\\{7ED96837-96F0-4812-B211-F13C24117ED3}\\Instance\\"
+                                            L"{0B6C4D37-1F0E-4E5B-9C57-6A3D2C9E41F8}";
+    EXPECT_EQ(Text(instance, L"CLSID"), L"{0B6C4D37-1F0E-4E5B-9C57-6A3D2C9E41F8}");
+    EXPECT_EQ(Text(instance, L"FriendlyName"), L"Lumora decoder");
+    EXPECT_EQ(Text(decoder, L"ContainerFormat"), L"{E3A7F2C1-58D4-4B96-A60F-2D8B7C1E9F34}");
+    EXPECT_EQ(Text(decoder, L"FileExtensions"),
+              L".mrc,.mrcs,.preali,.map,.st,.ali,.rec,.dm3,.dm4,.emd,.h5,.hdf5,.ser,.emi,.npy,.lattice");
+    EXPECT_EQ(Text(decoder, L"MimeTypes"),
+              L"image/x-mrc,image/x-digital-micrograph,application/x-hdf5,image/x-ser,image/x-emi,"
+              L"application/x-npy,image/x-tav-raw,image/x-tav-bin,image/x-lattice");
+    EXPECT_EQ(Number(decoder, L"SupportMultiframe"), 1);
+    EXPECT_EQ(Number(decoder, L"ArbitrationPriority"), 10);
+    EXPECT_EQ(Text(decoder + L"\\Formats\\{6FDDC324-4E03-4BFE-B185-3D77768DC908}"), L"");
+    EXPECT_EQ(Text(decoder + L"\\Formats\\{6FDDC324-4E03-4BFE-B185-3D77768DC90D}"), L"");
+}
+
+TEST_F(Registration, WritesTheHeaderPatterns)
+{
+    EXPECT_FALSE(Register(Scope::Machine, dllPath).failure);
+
+    for (int i = 0; i < 23; ++i)
+    {
+        const std::wstring pattern = decoder + L"\\Patterns\\" + std::to_wstring(i);
+        EXPECT_EQ(Number(pattern, L"Position"), 0) << i;
+        EXPECT_EQ(Number(pattern, L"Length"), 64) << i;
+        EXPECT_EQ(Number(pattern, L"EndOfStream"), 0) << i;
+        EXPECT_EQ(Binary(pattern, L"Pattern").size(), 64U) << i;
+        EXPECT_EQ(Binary(pattern, L"Mask").size(), 64U) << i;
+    }
+    EXPECT_FALSE(Exists(decoder + L"\\Patterns\\23"));
+
+    // The second one: a little-endian MRC header of mode 2 or 6.
+    std::vector<uint8_t> wanted(64);
+    std::vector<uint8_t> mask(64);
+    for (const size_t zero : {2U, 3U, 6U, 7U, 11U, 13U, 14U, 15U})
+        mask[zero] = 0xFF;
+    wanted[12] = 0x02;
+    mask[12] = 0xFB;
+    EXPECT_EQ(Binary(decoder + L"\\Patterns\\1", L"Pattern"), wanted);
+    EXPECT_EQ(Binary(decoder + L"\\Patterns\\1", L"Mask"), mask);
+}
+
+TEST_F(Registration, BindsTheExtensionsToThumbnailsAndProperties)
+{
+    EXPECT_FALSE(Register(Scope::Machine, dllPath).failure);
+
+    for (const std::wstring extension : {L".mrc", L".mrcs", L".preali", L".map", L".st", L".ali", L".rec"})
+    {
+        const std::wstring associations = classes + L"SystemFileAssociations\\" + extension;
+        EXPECT_EQ(Text(classes + extension + thumbnails), L"{C7657C4A-9F68-40fa-A4DF-96BC08EB3551}");
+        EXPECT_EQ(Text(associations + thumbnails), L"{C7657C4A-9F68-40fa-A4DF-96BC08EB3551}");
+        EXPECT_EQ(Text(handlers + extension), L"{5D2E8A94-7C3B-4F61-8E0A-B1947F26D3C5}");
+        for (const wchar_t* const list : {L"FullDetails", L"PreviewDetails", L"InfoTip"})
+            EXPECT_TRUE(Text(associations, list).starts_with(L"prop:")) << list;
+    }
+}
+
+TEST_F(Registration, CallsOnlyFilesOfAnExtensionOfItsOwnPictures)
+{
+    EXPECT_FALSE(Register(Scope::Machine, dllPath).failure);
+
+    const auto kind = [](const wchar_t* extension) {
+        return Text(windows + L"Explorer\\KindMap", extension);
+    };
+    EXPECT_EQ(kind(L".mrc"), L"picture");
+    EXPECT_EQ(Text(classes + L".mrc", L"PerceivedType"), L"image");
+    EXPECT_EQ(Text(classes + L".mrc", L"Content Type"), L"image/x-mrc");
+    EXPECT_EQ(kind(L".map"), absent);
+    EXPECT_EQ(Text(classes + L".map", L"PerceivedType"), absent);
+    EXPECT_EQ(Text(classes + L".map", L"Content Type"), absent);
+}
+
+TEST_F(Registration, LeavesNothingBehind)
+{
+    EXPECT_FALSE(Register(Scope::Machine, dllPath).failure);
+    EXPECT_THAT(Differences(before, TakeRegistrySnapshot()), Not(IsEmpty()));
+    const RegistrationResult result = Unregister(Scope::Machine);
+    EXPECT_FALSE(result.failure);
+    EXPECT_THAT(result.leftToOthers, IsEmpty());
+    EXPECT_THAT(Differences(before, TakeRegistrySnapshot()), IsEmpty());
+}
+
+TEST_F(Registration, WritesForTheUserOnlyWhatWindowsTakesFromAUser)
+{
+    EXPECT_FALSE(Register(Scope::User, dllPath).failure);
+
+    EXPECT_EQ(Text(HKEY_CURRENT_USER, decoder + L"\\InprocServer32"), dllPath);
+    EXPECT_EQ(Text(HKEY_CURRENT_USER, classes + L".mrc" + thumbnails),
+              L"{C7657C4A-9F68-40fa-A4DF-96BC08EB3551}");
+    for (const std::wstring& path : Differences(before, TakeRegistrySnapshot()))
+        EXPECT_TRUE(path.starts_with(L"HKEY_CURRENT_USER\\SOFTWARE\\Classes"))
+            << testing::PrintToString(path);
+
+    EXPECT_FALSE(Unregister(Scope::User).failure);
+    EXPECT_THAT(Differences(before, TakeRegistrySnapshot()), IsEmpty());
+}
+
+TEST_F(Registration, LeavesToOthersWhatTheyHaveSetBefore)
+{
+    const std::wstring foreignHandler = L"{11111111-2222-3333-4444-555555555555}";
+    SetText(handlers + L".rec", L"", foreignHandler);
+    SetText(classes + L".rec", L"Content Type", L"video/x-recording");
+    const RegistrySnapshot withForeign = TakeRegistrySnapshot();
+
+    const RegistrationResult registered = Register(Scope::Machine, dllPath);
+    EXPECT_FALSE(registered.failure);
+    EXPECT_THAT(registered.leftToOthers, ElementsAre(L"HKEY_LOCAL_MACHINE\\" + handlers + L".rec"));
+    EXPECT_EQ(Text(handlers + L".rec"), foreignHandler);
+    EXPECT_EQ(Text(classes + L".rec" + thumbnails), L"{C7657C4A-9F68-40fa-A4DF-96BC08EB3551}");
+
+    const RegistrationResult removed = Unregister(Scope::Machine);
+    EXPECT_FALSE(removed.failure);
+    EXPECT_THAT(removed.leftToOthers, ElementsAre(L"HKEY_LOCAL_MACHINE\\" + handlers + L".rec"));
+    EXPECT_THAT(Differences(withForeign, TakeRegistrySnapshot()), IsEmpty());
+}
+
+TEST_F(Registration, LeavesToOthersWhatTheyHaveSetSince)
+{
+    EXPECT_FALSE(Register(Scope::Machine, dllPath).failure);
+    SetText(classes + L".mrc", L"", L"viewer.volume");
+    SetText(classes + L".mrc", L"PerceivedType", L"document");
+    SetText(classes + L".mrc\\shell\\open\\command", L"", L"viewer.exe \"%1\"");
+
+    const RegistrationResult removed = Unregister(Scope::Machine);
+    EXPECT_FALSE(removed.failure);
+    EXPECT_THAT(removed.leftToOthers,
+                ElementsAre(L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes\\.mrc, PerceivedType"));
+    EXPECT_EQ(Text(classes + L".mrc"), L"viewer.volume");
+    EXPECT_EQ(Text(classes + L".mrc", L"PerceivedType"), L"document");
+    EXPECT_EQ(Text(classes + L".mrc\\shell\\open\\command"), L"viewer.exe \"%1\"");
+    EXPECT_EQ(Text(classes + L".mrc", L"Content Type"), absent);
+    EXPECT_FALSE(Exists(classes + L".mrc\\ShellEx"));
+}
+
+TEST_F(Registration, KeepsAnEmptyKeyThatItNeverFilled)
+{
+    MakeKey(HKEY_LOCAL_MACHINE, classes + L".ali");
+    EXPECT_FALSE(Unregister(Scope::Machine).failure);
+    EXPECT_TRUE(Exists(classes + L".ali"));
+}
+
+TEST_F(Registration, ReplacesAnotherRegistrationOfItsOwn)
+{
+    EXPECT_FALSE(Register(Scope::Machine, L"D:\\Old\\Lumora.dll").failure);
+    // Another version may have had more patterns, which would go on to claim streams.
+    SetText(decoder + L"\\Patterns\\99", L"Pattern", L"");
+
+    const RegistrationResult result = Register(Scope::Machine, dllPath);
+    EXPECT_FALSE(result.failure);
+    EXPECT_THAT(result.leftToOthers, IsEmpty());
+    EXPECT_EQ(Text(decoder + L"\\InprocServer32"), dllPath);
+    EXPECT_FALSE(Exists(decoder + L"\\Patterns\\99"));
+}
+
+TEST_F(Registration, TellsTheFirstKeyThatItCouldNotWriteAndCompletesTheWorkLater)
+{
+    // Below a key that lasts until the next start of Windows, none can be made that lasts longer.
+    MakeKey(HKEY_LOCAL_MACHINE, classes + L".mrcs", REG_OPTION_VOLATILE);
+    const RegistrationResult result = Register(Scope::Machine, dllPath);
+    ASSERT_TRUE(result.failure);
+    EXPECT_EQ(result.failure->key, L"HKEY_LOCAL_MACHINE\\" + classes + L".mrcs" + thumbnails);
+    EXPECT_EQ(result.failure->error, ERROR_CHILD_MUST_BE_VOLATILE);
+
+    ASSERT_EQ(RegDeleteTreeW(HKEY_LOCAL_MACHINE, (classes + L".mrcs").c_str()), ERROR_SUCCESS);
+    EXPECT_FALSE(Register(Scope::Machine, dllPath).failure);
+    EXPECT_TRUE(CheckRegistration(Scope::Machine, dllPath).IsComplete());
+}
+
+TEST_F(Registration, TellsThatRightsAreMissing)
+{
+    MakeKey(HKEY_LOCAL_MACHINE, handlers + L".mrc");
+    const ReadOnlyKey locked(handlers + L".mrc");
+    const RegistrationResult result = Register(Scope::Machine, dllPath);
+    ASSERT_TRUE(result.failure);
+    EXPECT_EQ(result.failure->key, L"HKEY_LOCAL_MACHINE\\" + handlers + L".mrc");
+    EXPECT_EQ(result.failure->error, ERROR_ACCESS_DENIED);
+}
+
+TEST_F(Registration, IsRemovedAsFarAsRightsAllow)
+{
+    EXPECT_FALSE(Register(Scope::Machine, dllPath).failure);
+    {
+        const ReadOnlyKey locked(handlers + L".mrc");
+        const RegistrationResult result = Unregister(Scope::Machine);
+        ASSERT_TRUE(result.failure);
+        EXPECT_EQ(result.failure->key, L"HKEY_LOCAL_MACHINE\\" + handlers + L".mrc");
+        EXPECT_EQ(result.failure->error, ERROR_ACCESS_DENIED);
+        EXPECT_FALSE(Exists(handlers + L".rec"));
+        EXPECT_FALSE(Exists(decoder));
+        EXPECT_FALSE(Exists(handler));
+    }
+    EXPECT_FALSE(Unregister(Scope::Machine).failure);
+    EXPECT_THAT(Differences(before, TakeRegistrySnapshot()), IsEmpty());
+}
+
+TEST_F(Registration, IsCheckedAgainstTheTable)
+{
+    RegistrationState state = CheckRegistration(Scope::Machine, dllPath);
+    EXPECT_FALSE(state.IsComplete());
+    EXPECT_THAT(state.missing, Contains(L"HKEY_LOCAL_MACHINE\\" + decoder + L"\\InprocServer32"));
+    EXPECT_THAT(state.missing, Contains(L"HKEY_LOCAL_MACHINE\\" + windows + L"Explorer\\KindMap, .mrc"));
+    EXPECT_THAT(state.outdated, IsEmpty());
+
+    EXPECT_FALSE(Register(Scope::Machine, dllPath).failure);
+    state = CheckRegistration(Scope::Machine, dllPath);
+    EXPECT_TRUE(state.IsComplete());
+    EXPECT_THAT(state.leftToOthers, IsEmpty());
+
+    state = CheckRegistration(Scope::Machine, L"D:\\Elsewhere\\Lumora.dll");
+    EXPECT_FALSE(state.IsComplete());
+    EXPECT_THAT(state.missing, IsEmpty());
+    EXPECT_THAT(state.outdated, ElementsAre(L"HKEY_LOCAL_MACHINE\\" + decoder + L"\\InprocServer32",
+                                            L"HKEY_LOCAL_MACHINE\\" + handler + L"\\InprocServer32"));
+}
+
+TEST_F(Registration, IsCompleteAlthoughAnExtensionHasGoneToAnotherProgram)
+{
+    EXPECT_FALSE(Register(Scope::Machine, dllPath).failure);
+    SetText(handlers + L".mrc", L"", L"{11111111-2222-3333-4444-555555555555}");
+
+    const RegistrationState state = CheckRegistration(Scope::Machine, dllPath);
+    EXPECT_TRUE(state.IsComplete());
+    EXPECT_THAT(state.leftToOthers, ElementsAre(L"HKEY_LOCAL_MACHINE\\" + handlers + L".mrc"));
+}
+
+TEST(RegistrationOfThisMachine, LeavesTheRegistryAsItWas)
+{
+    // Of Windows' own keys, a new Wine prefix lacks this one.
+    MakeKey(HKEY_LOCAL_MACHINE, windows + L"PropertySystem\\PropertyHandlers");
+    // A person may have registered Lumora here.
+    const std::wstring earlierDll = Text(decoder + L"\\InprocServer32");
+    EXPECT_FALSE(Unregister(Scope::Machine).failure);
+    const RegistrySnapshot before = TakeRegistrySnapshot();
+    ASSERT_TRUE(before.contains(L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes\\CLSID"));
+
+    EXPECT_FALSE(Register(Scope::Machine, dllPath).failure);
+    EXPECT_FALSE(Unregister(Scope::Machine).failure);
+    EXPECT_THAT(Differences(before, TakeRegistrySnapshot()), IsEmpty());
+
+    if (earlierDll != absent)
+        static_cast<void>(Register(Scope::Machine, earlierDll));
+}
+
+TEST_F(Registration, LeavesOutTheExtensionsThatItIsToldTo)
+{
+    ASSERT_FALSE(Register(Scope::Machine, dllPath).failure);
+    ASSERT_FALSE(Register(Scope::Machine, dllPath, {{L".h5", L".mrc"}}).failure);
+    for (const wchar_t* const extension : {L".h5", L".mrc"})
+    {
+        EXPECT_FALSE(Exists(classes + extension)) << extension;
+        EXPECT_FALSE(Exists(classes + L"SystemFileAssociations\\" + extension)) << extension;
+        EXPECT_FALSE(Exists(handlers + extension)) << extension;
+    }
+    EXPECT_EQ(Text(windows + L"Explorer\\KindMap", L".mrc"), absent);
+    EXPECT_EQ(Text(handlers + L".dm3"), L"{5D2E8A94-7C3B-4F61-8E0A-B1947F26D3C5}");
+    EXPECT_EQ(Text(L"SOFTWARE\\Lumora", L"LeftOutExtensions"), L".h5,.mrc");
+    EXPECT_THAT(Text(decoder, L"FileExtensions"), StartsWith(L".mrcs,"));
+    EXPECT_THAT(Text(decoder, L"FileExtensions"), Not(HasSubstr(L".h5")));
+    EXPECT_TRUE(CheckRegistration(Scope::Machine, dllPath).IsComplete());
+}
+
+TEST_F(Registration, RemembersWhatIsLeftOut)
+{
+    ASSERT_FALSE(Register(Scope::Machine, dllPath, {{L".mrc"}}).failure);
+    ASSERT_FALSE(Register(Scope::Machine, L"C:\\elsewhere\\Lumora.dll").failure);
+    EXPECT_THAT(LeftOutExtensions(Scope::Machine), ElementsAre(L".mrc"));
+    EXPECT_FALSE(Exists(handlers + L".mrc"));
+
+    ASSERT_FALSE(Register(Scope::Machine, dllPath, ExtensionNames{}).failure);
+    EXPECT_THAT(LeftOutExtensions(Scope::Machine), IsEmpty());
+    EXPECT_TRUE(Exists(handlers + L".mrc"));
+    EXPECT_EQ(Text(L"SOFTWARE\\Lumora", L"LeftOutExtensions"), absent);
+}
+
+TEST_F(Registration, LeavesALeftOutExtensionToItsOwner)
+{
+    SetText(handlers + L".mrc", L"", L"{11111111-2222-3333-4444-555555555555}");
+    ASSERT_FALSE(Register(Scope::Machine, dllPath, {{L".mrc"}}).failure);
+    EXPECT_EQ(Text(handlers + L".mrc"), L"{11111111-2222-3333-4444-555555555555}");
+}
+
+TEST_F(Registration, TakesARegistrationBackThatLeavesExtensionsOut)
+{
+    ASSERT_FALSE(Register(Scope::Machine, dllPath, {{L".h5", L".mrc"}}).failure);
+    ASSERT_FALSE(Unregister(Scope::Machine).failure);
+    EXPECT_EQ(TakeRegistrySnapshot(), before);
+}
+
+} // namespace
