@@ -37,8 +37,7 @@ STDAPI DllGetClassObject(REFCLSID rclsid, REFIID riid, void** ppv)
     if (!ppv)
         return E_INVALIDARG;
     *ppv = nullptr;
-    // Also for IID_IUnknown, which factories usually have: COM asks for IID_IClassFactory, and anything else
-    // has always been answered in this way.
+    // COM asks for IID_IClassFactory. Everything else is refused on purpose, IID_IUnknown too.
     if (riid != IID_IClassFactory)
         return E_INVALIDARG;
     const MyClassFactory::CreateFunction create = CreateFunctionOf(rclsid);
