@@ -1,12 +1,12 @@
+#include "lumora/arguments/CommandLine.h"
+#include "lumora/arguments/HelpText.h"
 #include "lumora/commands/DoctorCommand.h"
 #include "lumora/commands/InfoCommand.h"
 #include "lumora/commands/RegisterCommand.h"
 #include "lumora/commands/RenderCommand.h"
 #include "lumora/commands/SheetCommand.h"
-#include "lumora/console/CommandLine.h"
 #include "lumora/console/Console.h"
 #include "lumora/console/Failure.h"
-#include "lumora/console/HelpText.h"
 
 #include <windows.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "lumora/console/CommandLine.h"
+#include "lumora/arguments/CommandLine.h"
 #include "lumora/console/Console.h"
 
 namespace Lumora {

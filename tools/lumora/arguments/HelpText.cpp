@@ -1,4 +1,4 @@
-#include "lumora/console/HelpText.h"
+#include "lumora/arguments/HelpText.h"
 
 namespace Lumora {
 

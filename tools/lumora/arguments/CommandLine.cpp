@@ -1,4 +1,4 @@
-#include "lumora/console/CommandLine.h"
+#include "lumora/arguments/CommandLine.h"
 
 #include <algorithm>
 #include <limits>
