@@ -93,8 +93,7 @@ int wmain(int count, wchar_t** arguments) // NOLINT(readability-identifier-namin
     }
     catch (const UsageError& error)
     {
-        console.Complain(L"lumora: " + error.text + L"; \"" + std::wstring(HelpInvocation(error.command)) +
-                         L"\" tells how it is used");
+        console.Complain(L"lumora: " + error.text + L"; see \"" + HelpInvocation(error.command) + L"\"");
         exitCode = wrongUsage;
     }
     catch (const Failure& failure)

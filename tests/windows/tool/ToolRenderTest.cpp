@@ -90,16 +90,6 @@ TEST(ToolRender, WritesFilesOfEveryFormat)
     }
 }
 
-TEST(ToolRender, SaysWhichFramesThereAre)
-{
-    const TemporaryFolder folder;
-    folder.Write("stack.mrc", GrayStack(3));
-    const ToolRun run({L"render", L"--frame", L"3", L"stack.mrc"}, folder.Path());
-    EXPECT_EQ(run.exitCode, 1U);
-    EXPECT_EQ(run.error, "lumora: stack.mrc: there is no frame 3; the file has 3 frames\n");
-    EXPECT_THAT(folder.Files(), ElementsAre("stack.mrc"));
-}
-
 TEST(ToolRender, ScalesTheLongerSideDownButNeverUp)
 {
     const TemporaryFolder folder;
@@ -162,36 +152,6 @@ TEST(ToolRender, NeverReplacesASource)
     EXPECT_THAT(run.error, HasSubstr("lumora: X.png: its picture would be X.png, which is the file itself"));
     EXPECT_EQ(folder.Read("x.png"), GrayStack(1));
     EXPECT_THAT(folder.Files(), ElementsAre("x.mrc", "x.png"));
-}
-
-TEST(ToolRender, GivesNoTwoPicturesOneName)
-{
-    const TemporaryFolder folder;
-    folder.Write("a\\x.mrc", GrayStack(1));
-    folder.Write("b\\X.rec", GrayStack(2));
-    const ToolRun run({L"render", L"a\\x.mrc", L"b\\X.rec"}, folder.Path());
-    EXPECT_EQ(run.exitCode, 1U);
-    EXPECT_EQ(run.output, "x.png\n");
-    EXPECT_EQ(run.error, "lumora: b\\X.rec: its picture would be X.png, which is the picture of a\\x.mrc; -o "
-                         "names another folder\n");
-}
-
-TEST(ToolRender, GoesOnAfterAFileThatItCannotRender)
-{
-    const TemporaryFolder folder;
-    folder.Write("cut.mrc", MrcFile().Size(4, 2, 1).Mode(6).Build());
-    folder.Write("text.mrc", Pixels(100, 'x'));
-    folder.Write("good.mrc", GrayStack(1));
-    const ToolRun run({L"render", L"cut.mrc", L"text.mrc", L"good.mrc"}, folder.Path());
-    EXPECT_EQ(run.exitCode, 1U);
-    EXPECT_EQ(run.output, "good.png\n");
-    EXPECT_EQ(run.error,
-              "lumora: cut.mrc: WIC cannot open the file: the decoder refused the file "
-              "(WINCODEC_ERR_WRONGSTATE); the reader noted \"[Lumora] MRC: No complete frame is present in "
-              "the file\"\n"
-              "lumora: text.mrc: WIC cannot open the file: no codec knows the file "
-              "(WINCODEC_ERR_COMPONENTNOTFOUND)\n");
-    EXPECT_THAT(folder.Files(), ElementsAre("cut.mrc", "good.mrc", "good.png", "text.mrc"));
 }
 
 TEST(ToolRender, SaysWhenAFileBelongsToAnotherCodec)

@@ -28,7 +28,7 @@ struct CommandLine
     bool wantsHelp = false;
     bool wantsVersion = false;
 
-    /// Files, folders and name patterns.
+    /// Files, folders and patterns of names.
     std::vector<std::wstring> paths;
     bool isVerbose = false;
 
@@ -37,7 +37,7 @@ struct CommandLine
 
     // render
     std::wstring outputFolder;
-    /// Nothing means every frame.
+    /// Empty for every frame.
     std::optional<uint32_t> frame = 0;
 
     // render and sheet
@@ -55,15 +55,15 @@ struct CommandLine
     std::wstring leftOut;
 };
 
-/// A command line that makes no sense.
+/// A usage error: a command line that cannot be understood.
 struct UsageError
 {
     std::wstring text;
-    /// Whose help has more to say.
+    /// The command whose help explains more.
     Command command = Command::None;
 };
 
-/// Understands the arguments after the program's name. Throws a UsageError.
+/// Parses the arguments after the program's name. Throws a UsageError.
 [[nodiscard]] CommandLine ParseCommandLine(std::span<const wchar_t* const> arguments);
 
 } // namespace Lumora

@@ -1,178 +1,132 @@
 #include "lumora/arguments/HelpText.h"
 
+#include "lumora/arguments/Commands.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+#include <vector>
+
 namespace Lumora {
 
 namespace {
 
-constexpr std::wstring_view programHelp = LR"(Lumora shows electron-microscopy files as pictures.
+// The narrowest terminal that is common.
+constexpr size_t lineLength = 80;
 
-Usage: lumora COMMAND [OPTIONS]
-
-Commands:
-  info        tell what files hold: size, frames, pixel type, software
-  render      write frames as PNG pictures
-  sheet       write one PNG picture that shows many files
-  doctor      tell why there is no thumbnail
-  register    make Lumora known to Windows
-  unregister  take that back
-
-Options:
-  --help      this text; after a command, how that command is used
-  --version   the version of this program
-
-The exit code is 0 on success, 1 when something failed and 2 for a usage error.
-)";
-
-constexpr std::wstring_view infoHelp = LR"(Tells what files hold.
-
-Usage: lumora info [--json] [--verbose] PATH...
-
-A PATH is a file, a pattern like *.mrc, or a folder: then every file below it counts that Lumora reads, or that
-has an extension which Lumora registers. Lumora must be registered.
-
-Options:
-  --json      write an array with one object for each file; a failed one has the member "error", a property
-              that a file does not have is null
-  --verbose   tell on standard error what the reader noted about each file
-  --          what follows is a PATH, also when it begins with a dash
-  --help      this text
-)";
-
-constexpr std::wstring_view renderHelp = LR"(Writes frames as PNG pictures.
-
-Usage: lumora render [-o FOLDER] [--frame N|all] [--size PIXELS] [--verbose] PATH...
-
-A PATH is a file, a pattern like *.mrc, or a folder: then every file below it counts that Lumora reads, or that
-has an extension which Lumora registers. Lumora must be registered.
-
-The picture of NAME.mrc is NAME.png, or NAME-N.png for a frame other than the first and when all are asked for.
-Files from the subfolders of a PATH go to subfolders of the same names. An earlier picture is replaced, a source
-never, and no two pictures of one run get the same name. The names written are listed on standard output.
-
-Options:
-  -o FOLDER       where the pictures go; made when it is not there. Default: the current folder
-  --frame N       the frame with this number, counted from 0; "all" for each of them. Default: 0
-  --size PIXELS   scale down so that the longer side has this many pixels; smaller pictures stay as they are
-  --verbose       tell on standard error what the reader noted about each file
-  --              what follows is a PATH, also when it begins with a dash
-  --help          this text
-)";
-
-constexpr std::wstring_view sheetHelp =
-    LR"(Writes a contact sheet: one PNG picture that shows the first frame of many files.
-
-Usage: lumora sheet [-o FILE] [--size PIXELS] [--columns N] [--verbose] PATH...
-
-A PATH is a file, a pattern like *.mrc, or a folder: then every file below it counts that Lumora reads, or that
-has an extension which Lumora registers. Lumora must be registered.
-
-Below each picture stand the file's name, with the subfolder of the PATH in which it was found, its size in
-pixels, its pixel type and the number of its frames. A file that cannot be shown has a place that says so; why,
-standard error tells. An earlier sheet is replaced, a source never. The sheet's name is written to standard
-output.
-
-Options:
-  -o FILE         the sheet; its folder is made when it is not there. Default: sheet.png in the current folder
-  --size PIXELS   scale pictures down so that the longer side has this many pixels, 32 to 1024; smaller
-                  pictures stay as they are. Default: 200
-  --columns N     at most this many pictures side by side, 1 to 32. Default: as many as a screen of 1920 pixels
-                  shows
-  --verbose       tell on standard error what the reader noted about each file
-  --              what follows is a PATH, also when it begins with a dash
-  --help          this text
-)";
-
-constexpr std::wstring_view doctorHelp = LR"(Tells why there is no thumbnail, and changes nothing.
-
-Usage: lumora doctor [--json] [--dll PATH] [FILE...]
-
-A FILE is a file, a pattern like *.mrc, or a folder: then every file below it counts that has an extension
-which Lumora registers.
-
-It looks at what Windows is told of Lumora and at the DLL that is named there, starts Lumora's classes, looks at
-Explorer's settings, and opens each FILE as Explorer does. Each line is "ok", "note" or "problem"; the sentence
-at the end says what is wrong, the most fundamental thing first, and what to do. The exit code is 0 when all is
-well and 1 otherwise.
-
-- A registration for all users is enough. One for yourself alone is well too, but Windows takes no properties
-  from it. Where both are there and differ, yours hides the other, which is a problem.
-- A value that another program has set is a note, and a problem when it is about the extension of a FILE.
-- Run it without administrator rights, as Explorer does: with them, Windows does not look at your registration.
-
-Options:
-  --json      write one object: "allIsWell", "advice", "checks" and "files", each of these with its own "checks"
-  --dll PATH  the Lumora.dll that should be registered. Default: the one beside this program
-  --          what follows is a FILE, also when it begins with a dash
-  --help      this text
-)";
-
-constexpr std::wstring_view registerHelp =
-    LR"(Makes Lumora known to Windows: to its imaging component as a decoder, to its shell for thumbnails and properties.
-
-Usage: lumora register [--user] [--dll PATH] [--without EXTENSIONS] [--check]
-
-What other programs have set for a file name extension is left to them and listed.
-
-Options:
-  --user      for yourself alone, which needs no administrator rights. Windows takes the properties and the
-              kinds of files from the machine alone, so files get thumbnails but no properties
-  --dll PATH  the Lumora.dll to register. Default: the one beside this program
-  --without EXTENSIONS
-              leave these file name extensions alone, for example ".h5,.map"; none for none of them. Without this
-              option the choice of the present registration holds. Files open by their content as before
-  --check     change nothing, and tell what of the registration is missing or outdated
-  --help      this text
-)";
-
-constexpr std::wstring_view unregisterHelp = LR"(Takes a registration of Lumora back.
-
-Usage: lumora unregister [--user]
-
-What other programs have set for a file name extension stays.
-
-Options:
-  --user      take back what "lumora register --user" has done
-  --help      this text
-)";
-
-struct CommandHelp
+/// Appends a paragraph to a text whose last line ends at `column`. Its further lines are indented.
+void AppendWrapped(std::wstring& text, std::wstring_view paragraph, size_t column, size_t indent)
 {
-    std::wstring_view invocation;
-    std::wstring_view text;
-};
-
-constexpr CommandHelp HelpOf(Command command) noexcept
-{
-    switch (command)
+    while (!paragraph.empty())
     {
-    case Command::Info:
-        return {L"lumora info --help", infoHelp};
-    case Command::Render:
-        return {L"lumora render --help", renderHelp};
-    case Command::Sheet:
-        return {L"lumora sheet --help", sheetHelp};
-    case Command::Doctor:
-        return {L"lumora doctor --help", doctorHelp};
-    case Command::Register:
-        return {L"lumora register --help", registerHelp};
-    case Command::Unregister:
-        return {L"lumora unregister --help", unregisterHelp};
-    case Command::None:
-        break;
+        const std::wstring_view word = paragraph.substr(0, paragraph.find(L' '));
+        paragraph.remove_prefix(std::min(word.size() + 1, paragraph.size()));
+        if (column + word.size() > lineLength)
+        {
+            text.back() = L'\n';
+            text.append(indent, L' ');
+            column = indent;
+        }
+        text.append(word) += L' ';
+        column += word.size() + 1;
     }
-    return {L"lumora --help", programHelp};
+    text.back() = L'\n';
+}
+
+std::wstring Invocation(const Option& option)
+{
+    std::wstring text(option.name);
+    if (!option.valueName.empty())
+        text.append(L" ").append(option.valueName);
+    return text;
+}
+
+std::wstring Usage(const CommandDescription& command)
+{
+    if (command.command == Command::None)
+        return L"COMMAND [OPTIONS]";
+    std::wstring text(command.name);
+    for (const Option& option : command.options)
+        text += L" [" + Invocation(option) + L"]";
+    if (!command.pathName.empty())
+    {
+        const std::wstring paths = std::wstring(command.pathName) + L"...";
+        text += L' ' + (command.needsPath ? paths : L'[' + paths + L']');
+    }
+    return text;
+}
+
+using Rows = std::vector<std::pair<std::wstring, std::wstring_view>>;
+
+/// Appends names and, in a column of their own, what they mean.
+void AppendTable(std::wstring& text, std::wstring_view title, const Rows& rows)
+{
+    size_t indent = 0;
+    for (const auto& [name, meaning] : rows)
+        indent = std::max(indent, 2 + name.size() + 2);
+    text.append(L"\n").append(title).append(L":\n");
+    for (const auto& [name, meaning] : rows)
+    {
+        text += L"  " + name + std::wstring(indent - 2 - name.size(), L' ');
+        AppendWrapped(text, meaning, indent, indent);
+    }
+}
+
+void AppendDetails(std::wstring& text, std::wstring_view details)
+{
+    while (!details.empty())
+    {
+        const std::wstring_view paragraph = details.substr(0, details.find(L'\n'));
+        details.remove_prefix(paragraph.size() + 1);
+        text += L'\n';
+        AppendWrapped(text, paragraph, 0, 0);
+    }
 }
 
 } // namespace
 
-std::wstring_view HelpText(Command command) noexcept
+std::wstring HelpText(Command command)
 {
-    return HelpOf(command).text;
+    const CommandDescription& description = DescriptionOf(command);
+    std::wstring text = std::wstring(description.summary) + L".\n\n";
+
+    constexpr std::wstring_view usage = L"Usage: lumora ";
+    text += usage;
+    AppendWrapped(text, Usage(description), usage.size(), usage.size());
+
+    const std::wstring pathName(description.pathName);
+    if (!pathName.empty())
+        AppendDetails(text, L"A " + pathName +
+                                L" is a file, a pattern such as *.mrc, or a folder. A folder stands for " +
+                                std::wstring(description.filesOfFolder) + L'\n');
+    AppendDetails(text, description.details);
+
+    if (command == Command::None)
+    {
+        Rows commands;
+        for (const CommandDescription& each : AllCommands())
+            commands.emplace_back(each.name, each.summary);
+        AppendTable(text, L"Commands", commands);
+    }
+
+    Rows options;
+    for (const Option& option : description.options)
+        options.emplace_back(Invocation(option), option.meaning);
+    const std::wstring endOfOptions = L"what follows is a " + pathName + L", even if it begins with a dash";
+    if (!pathName.empty())
+        options.emplace_back(L"--", endOfOptions);
+    options.emplace_back(L"--help", command == Command::None ? L"this text; after a command, how it is used"
+                                                             : L"this text");
+    AppendTable(text, L"Options", options);
+    return text;
 }
 
-std::wstring_view HelpInvocation(Command command) noexcept
+std::wstring HelpInvocation(Command command)
 {
-    return HelpOf(command).invocation;
+    std::wstring text = L"lumora ";
+    if (command != Command::None)
+        text.append(DescriptionOf(command).name).append(L" ");
+    return text + L"--help";
 }
 
 } // namespace Lumora

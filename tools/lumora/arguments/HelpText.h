@@ -2,14 +2,14 @@
 
 #include "lumora/arguments/CommandLine.h"
 
-#include <string_view>
+#include <string>
 
 namespace Lumora {
 
-/// How the command is used; without a command, how the program is.
-[[nodiscard]] std::wstring_view HelpText(Command command) noexcept;
+/// How a command is used; for Command::None, how the program is used.
+[[nodiscard]] std::wstring HelpText(Command command);
 
-/// How that text is called up, for somebody who used the command wrongly.
-[[nodiscard]] std::wstring_view HelpInvocation(Command command) noexcept;
+/// The command line that prints this text, for somebody who used the command wrongly.
+[[nodiscard]] std::wstring HelpInvocation(Command command);
 
 } // namespace Lumora

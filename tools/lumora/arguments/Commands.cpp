@@ -1,0 +1,195 @@
+#include "lumora/arguments/Commands.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace Lumora {
+
+namespace {
+
+using Value = std::wstring_view;
+
+constexpr uint32_t noLimit = std::numeric_limits<uint32_t>::max();
+
+/// Writes a decimal number from `lowest` to `highest` into the target. Returns false for any other text.
+bool TakeNumber(std::optional<uint32_t>& target, Value text, uint32_t lowest, uint32_t highest)
+{
+    uint64_t number = 0;
+    for (const wchar_t digit : text)
+    {
+        if (digit < L'0' || digit > L'9' || number > highest)
+            return false;
+        number = number * 10 + static_cast<uint64_t>(digit - L'0');
+    }
+    if (number < lowest || number > highest)
+        return false;
+    target = static_cast<uint32_t>(number);
+    return true;
+}
+
+bool TakeText(std::wstring& target, Value text)
+{
+    target = text;
+    return true;
+}
+
+constexpr Option verbose = {L"--verbose", L"",
+                            L"print on standard error what the reader noted about each file",
+                            [](CommandLine& line, Value) { return line.isVerbose = true; }};
+
+constexpr Option dll = {L"--dll", L"PATH",
+                        L"the Lumora.dll that is to be registered. Default: the one beside this program",
+                        [](CommandLine& line, Value value) { return TakeText(line.dllPath, value); }};
+
+constexpr Option programOptions[] = {
+    {L"--version", L"", L"the version of this program",
+     [](CommandLine& line, Value) { return line.wantsVersion = true; }},
+};
+
+constexpr Option infoOptions[] = {
+    {L"--json", L"",
+     L"write an array with one object for each file. A file that cannot be read has the member \"error\"; a "
+     L"property that a file does not have is null",
+     [](CommandLine& line, Value) { return line.wantsJson = true; }},
+    verbose,
+};
+
+constexpr Option renderOptions[] = {
+    {L"-o", L"FOLDER",
+     L"the folder for the pictures; it is made if it does not exist. Default: the current folder",
+     [](CommandLine& line, Value value) { return TakeText(line.outputFolder, value); }},
+    {L"--frame", L"N|all", L"the frame with this number, counted from 0, or all frames. Default: 0",
+     [](CommandLine& line, Value value) {
+         if (value != L"all")
+             return TakeNumber(line.frame, value, 0, noLimit);
+         line.frame.reset();
+         return true;
+     }},
+    {L"--size", L"PIXELS",
+     L"scale down so that the longer side has this many pixels; smaller pictures stay as they are",
+     [](CommandLine& line, Value value) { return TakeNumber(line.longerSide, value, 1, noLimit); }},
+    verbose,
+};
+
+constexpr Option sheetOptions[] = {
+    {L"-o", L"FILE",
+     L"the sheet; its folder is made if it does not exist. Default: sheet.png in the current folder",
+     [](CommandLine& line, Value value) { return TakeText(line.sheetName, value); }},
+    // A smaller picture shows nothing; a row of larger ones takes too much memory.
+    {L"--size", L"PIXELS",
+     L"scale pictures down so that the longer side has this many pixels, 32 to 1024; smaller pictures stay "
+     L"as "
+     L"they are. Default: 200",
+     [](CommandLine& line, Value value) { return TakeNumber(line.longerSide, value, 32, 1024); }},
+    {L"--columns", L"N",
+     L"at most this many pictures side by side, 1 to 32. Default: as many as a screen of 1920 pixels shows",
+     [](CommandLine& line, Value value) { return TakeNumber(line.columns, value, 1, 32); }},
+    verbose,
+};
+
+constexpr Option doctorOptions[] = {
+    {L"--json", L"",
+     L"write one object: \"allIsWell\", \"advice\", \"checks\" and \"files\"; each file has its own "
+     L"\"checks\"",
+     [](CommandLine& line, Value) { return line.wantsJson = true; }},
+    dll,
+};
+
+constexpr Option user = {
+    L"--user", L"",
+    L"for yourself only, without administrator rights. Windows takes properties and kinds of "
+    L"files from the registration for all users only: files get thumbnails, but no properties",
+    [](CommandLine& line, Value) {
+        line.scope = Scope::User;
+        return true;
+    }};
+
+constexpr Option registerOptions[] = {
+    user,
+    dll,
+    {L"--without", L"EXTENSIONS",
+     L"do not register these file name extensions, for example \".h5,.map\"; \"none\" registers all. "
+     L"Default: the "
+     L"choice of the present registration. A program that asks Windows by content still opens such files",
+     [](CommandLine& line, Value value) { return TakeText(line.leftOut, value); }},
+    {L"--check", L"", L"change nothing; print what is missing from the registration, or outdated",
+     [](CommandLine& line, Value) { return line.onlyCheck = true; }},
+};
+
+constexpr Option unregisterOptions[] = {
+    {L"--user", L"", L"remove what \"lumora register --user\" has registered", user.take},
+};
+
+constexpr std::wstring_view everyReadableFile =
+    L"every file below it that Lumora reads, whatever its name, and every file with an extension that Lumora "
+    L"registers. Lumora must be registered.";
+
+constexpr CommandDescription program = {
+    Command::None,
+    L"",
+    L"Show electron-microscopy files as pictures",
+    L"",
+    false,
+    L"",
+    L"The exit code is 0 on success, 1 when something failed and 2 for a usage error.\n",
+    programOptions,
+};
+
+constexpr CommandDescription commands[] = {
+    {Command::Info, L"info", L"Print what files hold: size, frames, pixel type, software", L"PATH", true,
+     everyReadableFile, L"", infoOptions},
+    {Command::Render, L"render", L"Write frames as PNG pictures", L"PATH", true, everyReadableFile,
+     L"The picture of NAME.mrc is NAME.png. It is NAME-N.png for a frame other than the first, and for every "
+     L"frame when all are written. Files from the subfolders of a PATH go to subfolders of the same names.\n"
+     L"An earlier picture is replaced, a source never, and no two pictures of one run get the same name. The "
+     L"names of the pictures are printed.\n",
+     renderOptions},
+    {Command::Sheet, L"sheet", L"Write one PNG picture that shows the first frame of many files", L"PATH",
+     true, everyReadableFile,
+     L"Below each picture are the file's name, with its subfolder of the PATH, its size in pixels, its pixel "
+     L"type "
+     L"and its number of frames. A file that cannot be shown has an empty place; the reason is printed on "
+     L"standard "
+     L"error.\n"
+     L"An earlier sheet is replaced, a source never. The name of the sheet is printed.\n",
+     sheetOptions},
+    {Command::Doctor, L"doctor", L"Find out why there is no thumbnail, and change nothing", L"FILE", false,
+     L"every file below it with an extension that Lumora registers.",
+     L"Doctor looks at the registration of Lumora and at the DLL that it names, starts Lumora's classes, "
+     L"looks at "
+     L"Explorer's settings, and opens each FILE as Explorer does. Each line is \"ok\", \"note\" or "
+     L"\"problem\". The "
+     L"sentence at the end says what is wrong, the most fundamental problem first, and what to do. The exit "
+     L"code "
+     L"is 0 when all is well and 1 otherwise.\n"
+     L"A registration for all users is enough. One for yourself only also works, but Windows takes no "
+     L"properties "
+     L"from it. If both exist and differ, yours hides the other; that is a problem.\n"
+     L"A value that another program has set is a note. It is a problem if it concerns the extension of a "
+     L"FILE.\n"
+     L"Run doctor without administrator rights, as Explorer runs. With them, Windows ignores a registration "
+     L"for "
+     L"yourself only.\n",
+     doctorOptions},
+    {Command::Register, L"register", L"Register Lumora with Windows, for pictures, thumbnails and properties",
+     L"", false, L"",
+     L"What another program has set for a file name extension is left to that program, and listed.\n",
+     registerOptions},
+    {Command::Unregister, L"unregister", L"Remove the registration of Lumora", L"", false, L"",
+     L"What another program has set for a file name extension stays.\n", unregisterOptions},
+};
+
+} // namespace
+
+std::span<const CommandDescription> AllCommands() noexcept
+{
+    return commands;
+}
+
+const CommandDescription& DescriptionOf(Command command) noexcept
+{
+    const auto* const found = std::ranges::find(commands, command, &CommandDescription::command);
+    return found != std::end(commands) ? *found : program;
+}
+
+} // namespace Lumora

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "lumora/arguments/CommandLine.h"
+
+#include <span>
+#include <string_view>
+
+namespace Lumora {
+
+/// An option of a command: what the parser takes, and what the help says about it.
+struct Option
+{
+    std::wstring_view name;
+    /// What the help calls the value; empty for an option without a value.
+    std::wstring_view valueName;
+    std::wstring_view meaning;
+    /// Writes the option into the command line. Returns false for a value that the option does not take.
+    bool (*take)(CommandLine& line, std::wstring_view value);
+};
+
+/// A command, or the program itself.
+struct CommandDescription
+{
+    Command command;
+    std::wstring_view name;
+    std::wstring_view summary;
+    /// What the help calls a file or folder that follows the command; empty for a command that takes none.
+    std::wstring_view pathName;
+    bool needsPath;
+    /// Which files of a folder are taken.
+    std::wstring_view filesOfFolder;
+    /// Paragraphs, each with a line feed at its end.
+    std::wstring_view details;
+    std::span<const Option> options;
+};
+
+/// All commands, in the order of the program's help.
+[[nodiscard]] std::span<const CommandDescription> AllCommands() noexcept;
+
+/// The description of a command; of the program for Command::None.
+[[nodiscard]] const CommandDescription& DescriptionOf(Command command) noexcept;
+
+} // namespace Lumora
