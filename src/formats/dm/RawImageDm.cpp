@@ -67,7 +67,7 @@ std::vector<uint32_t> ValuesAfter(std::span<const DmTag> tags, size_t index)
 std::vector<ImageRun> FindImages(std::span<const DmTag> tags)
 {
     std::vector<ImageRun> images;
-    ImageRun image = {}; // without a pixel type as long as none has been told
+    ImageRun image = {}; // without a pixel type until a tag gives one
     bool hasData = false;
     bool hasDimensions = false;
     const auto forget = [&] {
