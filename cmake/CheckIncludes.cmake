@@ -1,5 +1,5 @@
-# cmake -D FOLDER=... -D MAY_INCLUDE="layer layer" -P CheckIncludes.cmake: fails when a source file in the folder includes a
-# file of another layer. A layer is a folder of src; an include without a folder is the layer's own.
+# cmake -D FOLDER=... -D MAY_INCLUDE="layer layer" -P CheckIncludes.cmake: fails if a source file in the folder includes a
+# file of any other layer. A layer is a folder of src; an include without a folder names a file of the same layer.
 cmake_minimum_required(VERSION 3.25)
 cmake_path(GET FOLDER FILENAME own)
 string(REPLACE " " ";" layers "${own} ${MAY_INCLUDE}")

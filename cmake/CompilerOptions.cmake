@@ -3,7 +3,7 @@ add_library(lumora_options INTERFACE)
 target_include_directories(lumora_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
 target_compile_options(lumora_options INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wnon-virtual-dtor
-  # GCC 12 sees overlapping copies in every sum of a literal and a string.
+  # GCC 12 warns of overlapping copies in every sum of a literal and a string, although there are none.
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
   $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local> $<$<CXX_COMPILER_ID:Clang>:-Wshadow>
   # The display arithmetic is bit-exact: a fused multiply-add would round once where two roundings are meant.
@@ -16,16 +16,16 @@ if(WIN32)
   # Only DLLs that Windows itself ships may be imported.
   target_link_options(lumora_options INTERFACE -static
     -Wl,--dynamicbase -Wl,--nxcompat -Wl,--high-entropy-va)
-  # The names of functions and lines read a crash report.
+  # A crash report needs the names of functions and the numbers of lines.
   string(APPEND CMAKE_CXX_FLAGS_RELEASE " -g1")
-  # Neither the folder of the build nor its time goes into the result, so that anybody can make the same bytes.
+  # The result contains neither the folder nor the time of the build, so that anybody can make the same bytes.
   target_compile_options(lumora_options INTERFACE
     -ffile-prefix-map=${PROJECT_SOURCE_DIR}=. -ffile-prefix-map=${LUMORA_HDF5}=hdf5)
   target_link_options(lumora_options INTERFACE -Wl,--no-insert-timestamp)
 endif()
 
-# Moves the debug information of a program or DLL to symbols/ in the build folder, where a debugger finds it by the
-# name and the checksum that stay behind.
+# Moves the debug information of a program or DLL to symbols/ in the build folder. Its name and checksum stay in the
+# program, so that a debugger finds it.
 function(lumora_separate_symbols target)
   set(symbols ${PROJECT_BINARY_DIR}/symbols)
   set(file ${symbols}/$<TARGET_FILE_NAME:${target}>.debug)
@@ -38,7 +38,7 @@ function(lumora_separate_symbols target)
 endfunction()
 
 if(LUMORA_SANITIZE)
-  # The names of lines are enough to read a report; whole debug information takes as long to make as the code.
+  # The numbers of lines are enough to read a report; full debug information takes as long to make as the code.
   set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O1 -g1")
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
   add_link_options(-fsanitize=address,undefined)

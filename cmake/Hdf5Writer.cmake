@@ -1,4 +1,4 @@
-# The HDF5 library as it is: tests and the benchmark write files with it. Natively it is the distribution's.
+# The unmodified HDF5 library: tests and the benchmark write files with it. The native build uses the distribution's.
 add_library(lumora_hdf5_writer INTERFACE)
 if(WIN32)
   set(LUMORA_PLAIN_HDF5 "" CACHE PATH "Where cmake/build-hdf5 has put plain-windows")

@@ -1,5 +1,5 @@
-# lumora_may_include(TARGET FOLDER LAYER...): TARGET is not built as long as a source file in FOLDER includes a file of
-# another layer than these.
+# lumora_may_include(TARGET FOLDER LAYER...): the build of TARGET fails if a source file in FOLDER includes a file of
+# any other layer.
 function(lumora_may_include target folder)
   set(stamp ${CMAKE_CURRENT_BINARY_DIR}/${target}.includes)
   file(GLOB_RECURSE files CONFIGURE_DEPENDS ${folder}/*.h ${folder}/*.cpp)

@@ -1,11 +1,11 @@
-"""Which files each source file of a built tree includes, as ninja has noted it."""
+"""Lists the files that each source file of a build includes, as ninja has recorded them."""
 
 import os
 import subprocess
 
 
 def included_files(build):
-    """Gives {source: [every file that its compilation read]}, with absolute paths, for the build folder `build`."""
+    """Returns {source: [every file that its compilation read]}, with absolute paths, for the build folder `build`."""
     listing = subprocess.run(["ninja", "-C", build, "-t", "deps"], check=True, capture_output=True, text=True).stdout
     files = {}
     for block in listing.split("\n\n"):

@@ -10,14 +10,14 @@
 
 using namespace Tav::Imaging::RawImage;
 
-// The reader of HDF5 files by itself, one frame for each input, with little work allowed: what it takes to
-// start the library is most of the time of an input.
+// Runs only the reader of HDF5 files, for one frame of each input. The budget of steps is small: starting the
+// library takes most of the time of an input.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     static const HANDLE mutex = CreateMutexW(nullptr, 0, hdfMutexName);
     TestStream stream{{data, data + size}};
     RawImageHdf reader{mutex};
-    // Of a series another frame than the first one, too.
+    // Reads other frames of a series than the first one, too.
     const auto frameIndex = static_cast<uint32_t>(size % 3);
     if (!reader.Read(&stream, size, readModeFrame, frameIndex))
         return 0;

@@ -13,7 +13,7 @@ using namespace Tav::Imaging::RawImage;
 
 namespace {
 
-/// What must hold for every input ends the program where it does not.
+/// Ends the program if a condition does not hold that must hold for every input.
 void Require(bool condition)
 {
     if (!condition)
@@ -40,7 +40,7 @@ size_t PictureBytes(const RawImageBase& reader)
     return size_t{reader.width} * reader.height * (isColour ? 3 : 1);
 }
 
-/// Opens the file in one way; the number of its frames when that succeeds.
+/// Opens the file in one way. Returns the number of its frames, or nothing if that fails.
 std::optional<uint32_t> Open(const std::vector<uint8_t>& file, uint32_t mode, uint32_t frameIndex)
 {
     TestStream stream{file};
@@ -54,8 +54,8 @@ std::optional<uint32_t> Open(const std::vector<uint8_t>& file, uint32_t mode, ui
 
     const RawImageBase& reader = *image.Reader();
     Require(frameIndex < reader.frameCount);
-    // The header of an HDF5 file includes the thumbnail: its size is that of the decoded picture. The
-    // one that was decoded may be another than the frame that was asked for.
+    // Reading the header of an HDF5 file also decodes its thumbnail. The thumbnail need not be the frame
+    // that was asked for, so its size can differ.
     const bool isPictureExpected = mode == readModeFrame;
     if (reader.fileType == FileType::Hdf && !isPictureExpected)
         Require(reader.displayPixels.size() % 3 == 0);

@@ -162,7 +162,7 @@ def pictures():
         file.create_dataset("image", (SIDE, SIDE), "u1", compression="gzip", track_times=False)
     yield "thumbnail", thumbnail
 
-    # The one dataset that is read whatever room it takes in the file.
+    # Only the thumbnail is read whatever its stored size is.
     for name, options in (("gzip", {"compression": "gzip"}), ("fletcher", {"fletcher32": True}),
                           ("shuffle", {"shuffle": True, "compression": 1}), ("lzf", {"compression": "lzf"}),
                           ("scaled", {"scaleoffset": 0})):
@@ -214,7 +214,7 @@ def hdf_files():
     for version in ("earliest", "latest"):
         for kinds in (layouts, elements, pictures, structures):
             for name, fill in kinds():
-                # The newer version keeps the time of a named type.
+                # The newer version stores the time of a named type.
                 if version == "latest" and name in ("types", "committed"):
                     continue
                 yield f"hdf_{name}_{version}", hdf(fill, version)

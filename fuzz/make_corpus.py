@@ -98,8 +98,8 @@ def dm(version, *entries):
 
 
 def dm_files():
-    # A count of four bytes to the element whose size is that of the few samples in 32 bits: readers look for
-    # arrays of many elements, and a seed should be small.
+    # This many elements of four bytes wrap to 0 bytes in 32 bits, so `few + 12` elements take 48 bytes. Readers look
+    # for arrays of many elements, and a seed should be small.
     few = 0x40000000
     # Data type, type of the array's elements
     types = {"int16": (1, 2), "float32": (2, 6), "uint8": (6, 10), "int32": (7, 3), "int8": (9, 9),

@@ -2,7 +2,7 @@
 
 #include "platform/Platform.h"
 
-/// A lock that the thread which holds it may take again: a stream's owner may call back while it is read.
+/// A lock that its thread may take again, because the owner of a stream may call back during a read.
 class CriticalSection
 {
 public:
@@ -11,7 +11,7 @@ public:
     CriticalSection& operator=(const CriticalSection&) = delete;
     ~CriticalSection() { DeleteCriticalSection(&section); }
 
-    // Named as std::lock_guard wants them.
+    // std::lock_guard requires these names.
     void lock() noexcept { EnterCriticalSection(&section); }   // NOLINT(readability-identifier-naming)
     void unlock() noexcept { LeaveCriticalSection(&section); } // NOLINT(readability-identifier-naming)
 

@@ -55,7 +55,7 @@ STDAPI DllCanUnloadNow()
     return objectCount != 0 || lockCount != 0 ? S_FALSE : S_OK;
 }
 
-/// Writes nothing: registration belongs to the installer. The shell looks at its associations anew.
+/// Writes nothing, because the installer registers. Makes the shell read its associations again.
 STDAPI DllRegisterServer()
 {
     SHChangeNotify(SHCNE_ASSOCCHANGED, SHCNF_IDLIST, nullptr, nullptr);

@@ -6,7 +6,7 @@
 class MyClassFactory final : public ComObjectBase<IClassFactory>
 {
 public:
-    /// Gives a new object with one reference.
+    /// Creates an object with one reference.
     using CreateFunction = HRESULT (*)(IUnknown** object);
 
     explicit MyClassFactory(CreateFunction create) noexcept;

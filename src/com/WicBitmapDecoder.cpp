@@ -39,7 +39,7 @@ HRESULT WicBitmapDecoder::Initialize(IStream* source, WICDecodeOptions)
     const std::lock_guard guard{lock};
     stream = ComPtr<IStream>::Share(source);
     frameIndex = 0;
-    // A second stream is kept although it is refused: frames other than the one in hand come from it.
+    // A second stream is refused, but kept: all frames except the current one are then read from it.
     if (frame)
         return WINCODEC_ERR_WRONGSTATE;
 
@@ -116,7 +116,7 @@ HRESULT WicBitmapDecoder::GetFrame(UINT index, IWICBitmapFrameDecode** frameOut)
         return WINCODEC_ERR_FRAMEMISSING;
     if (index != frameIndex)
     {
-        // The stream's owner may call back while it is read and give the decoder another stream.
+        // The owner of the stream may call back during the read and give the decoder another stream.
         const ComPtr<IStream> source = stream;
         ComPtr<WicFrame> created;
         if (FAILED(CreateFrame(source.Get(), created, index)))

@@ -97,8 +97,8 @@ HRESULT WicFrame::CopyPixels(const WICRect* rect, UINT stride, UINT bufferSize, 
     {
         const size_t source =
             pixelBytes * (static_cast<size_t>(area.X) + (static_cast<size_t>(area.Y) + row) * width);
-        // A stride shorter than a row is the caller's choice and its rows overlap; the buffer's end still
-        // holds.
+        // If the caller chooses a stride shorter than a row, the rows overlap. Nothing is written beyond the
+        // buffer.
         const size_t target = row * stride;
         std::copy_n(pixels.data() + source, std::min(rowBytes, bufferSize - target), buffer + target);
     }

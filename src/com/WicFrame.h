@@ -9,7 +9,7 @@
 #include <memory>
 #include <vector>
 
-/// One decoded frame as WIC sees it. Nothing changes after construction, so any thread may ask.
+/// One decoded frame as WIC sees it. Nothing changes after construction, so any thread may call it.
 class WicFrame final : public ComObjectBase<IWICBitmapFrameDecode>
 {
 public:

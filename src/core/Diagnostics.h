@@ -4,8 +4,8 @@
 
 namespace Tav::Imaging::RawImage {
 
-/// Writes one line to the debugger output: "[Lumora] ", the format's tag and the message.
-/// Allocates nothing, so it can report that memory is exhausted; lines end after 255 characters.
+/// Writes one line to the debugger output: "[Lumora] ", the format's tag and the message. Allocates nothing,
+/// so it can report that memory is exhausted; a line is cut after 255 characters.
 void WriteDiagnostic(std::wstring_view tag, std::wstring_view message) noexcept;
 
 /// The same without a tag, for what does not belong to one format.
@@ -22,7 +22,7 @@ public:
 
     void Write(std::wstring_view message) const noexcept { WriteDiagnostic(tag, message); }
 
-    /// Writes why a file is refused. Always false: what a reader returns then.
+    /// Writes why a file is refused. Returns false, which is what the reader then returns.
     [[nodiscard]] bool Fail(std::wstring_view message) const noexcept
     {
         Write(message);

@@ -19,7 +19,7 @@ bool RawImage::Open(IStream* stream, uint32_t readMode, uint32_t frameIndex)
     reader.reset();
     if (!created || !created->Read(stream, statistics.cbSize.QuadPart, readMode, frameIndex))
         return false;
-    // A reader is only held when it has read its file: nobody sees one that an exception left half filled.
+    // A reader is held only after it has read its file, so an exception leaves no half-filled reader behind.
     reader = std::move(created);
     return true;
 }

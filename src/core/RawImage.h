@@ -16,15 +16,15 @@ public:
     RawImage& operator=(const RawImage&) = delete;
     virtual ~RawImage() = default;
 
-    /// Identifies the stream's format and reads one frame (`readMode` 1) or the header only (0).
-    /// False when the stream cannot be read, is of no known format or is damaged. No reader is held then,
-    /// except that a stream that is null or does not tell its size leaves an earlier one in place.
-    /// Passes on the exceptions of StreamReader's construction and of exhausted memory, holding no reader.
+    /// Identifies the stream's format and reads one frame (`readMode` 1) or the header only (0). Returns
+    /// false if the stream cannot be read, has no known format or is damaged. Then no reader is held, with
+    /// one exception: if the stream is null or does not report its size, an earlier reader stays. Exceptions
+    /// of StreamReader's constructor and of exhausted memory pass through, and no half-filled reader is held.
     [[nodiscard]] bool Open(IStream* stream, uint32_t readMode, uint32_t frameIndex);
 
-    /// A new reader for the format that the stream's first 64 bytes show, owned by the caller; null, after
-    /// a diagnostic line, for a format that is not read, and silently for a stream that cannot be read or
-    /// is shorter than 64 bytes.
+    /// Returns a new reader, owned by the caller, for the format that the stream's first 64 bytes show.
+    /// Returns null, after a diagnostic line, if the format is not read. Returns null without a line if the
+    /// stream cannot be read or is shorter than 64 bytes.
     [[nodiscard]] static RawImageBase* CreateReader(IStream* stream);
 
     /// The reader, or null; owned by this holder.

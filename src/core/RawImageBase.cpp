@@ -42,7 +42,7 @@ bool RawImageBase::ReadFramePixels(std::vector<uint8_t>& samples, IStream* strea
     uint64_t bytesToRead = pixelType == PixelType::UInt4 ? frameBytes / 2 : frameBytes;
     if (!isPacked)
     {
-        // Everything to the end of the stream, in 32 bits; a frame must fit in it.
+        // All bytes up to the end of the stream, in 32-bit arithmetic. They must hold a frame.
         bytesToRead = static_cast<uint32_t>(streamSize - dataOffset);
         if (bytesToRead < frameBytes)
             return false;

@@ -23,8 +23,8 @@ public:
     virtual ~RawImageBase() = default;
 
     /// Reads the header and, unless `mode` is 0, decodes frame `frameIndex` into `displayPixels`.
-    /// `streamSize` is the stream's size in bytes. False for bad data, after a diagnostic line where the
-    /// format has one; the fields then keep what had been found.
+    /// `streamSize` is the stream's size in bytes. Returns false for bad data, usually after a diagnostic
+    /// line. The fields then keep what was found so far.
     virtual bool Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint32_t frameIndex) = 0;
 
     FileType fileType = FileType::None;
@@ -33,7 +33,7 @@ public:
     PixelType pixelType = PixelType::Unknown;
     /// The picture's row y is the frame's row height - 1 - y.
     bool flipVertical = false;
-    /// The program that wrote the file, where the reader can tell.
+    /// The program that wrote the file, if the reader knows it.
     std::wstring software;
     std::wstring formatDetails;
     /// Frame size in pixels.
@@ -49,14 +49,15 @@ public:
     std::vector<uint8_t> displayPixels;
 
 protected:
-    /// Reads the frame whose first sample is at `dataOffset` and builds `displayPixels` from it.
-    /// Does nothing, successfully, when `readMode` is 0. False, after a diagnostic line, for an impossible
-    /// size or a stream that does not hold the frame; false for an unknown pixel type.
+    /// Reads the frame whose first sample is at `dataOffset` and builds `displayPixels` from it. If
+    /// `readMode` is 0, does nothing and returns true. Returns false, after a diagnostic line, if the size is
+    /// impossible or the stream does not hold the frame. Returns false without a line for an unknown pixel
+    /// type.
     [[nodiscard]] bool ConvertToDisplay(IStream* stream, uint64_t streamSize, uint64_t dataOffset);
 
-    /// Fills `samples` with the frame's samples, packed, in the stream's byte order. With strides, bytes
-    /// that are read beyond the frame follow the samples. False when the stream does not hold the frame;
-    /// nothing is allocated then.
+    /// Fills `samples` with the frame's samples, packed, in the stream's byte order. With strides, bytes from
+    /// beyond the frame follow the samples. If the stream does not hold the frame, returns false and
+    /// allocates nothing.
     [[nodiscard]] bool ReadFramePixels(std::vector<uint8_t>& samples, IStream* stream, uint64_t streamSize,
                                        uint64_t dataOffset) const;
 };

@@ -9,12 +9,12 @@
 
 namespace Tav::Imaging::RawImage {
 
-/// How many of a stream's first bytes tell its format.
+/// How many of a stream's first bytes identify its format.
 constexpr size_t identificationBytes = 64;
 
-/// A new reader for the format that a stream's first bytes show; null, after a diagnostic line, for one that
-/// is not read. The formats provide the definition: here alone the core calls what is built on it, so that
-/// who opens a file need not know the formats.
+/// Returns a new reader for the format that a stream's first bytes show, or null, after a diagnostic line, if
+/// the format is not read. The layer of the formats defines this function. It is the only call from the core
+/// up to that layer, so code that opens a file need not know the formats.
 [[nodiscard]] std::unique_ptr<RawImageBase> MakeReader(std::span<const uint8_t, identificationBytes> header);
 
 } // namespace Tav::Imaging::RawImage

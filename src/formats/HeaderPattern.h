@@ -11,9 +11,9 @@
 
 namespace Tav::Imaging::RawImage {
 
-/// Wanted bits of a stream's first bytes, as WIC compares them before it asks a decoder: a byte matches when
-/// it has the wanted bits where the mask is set. A pattern covers all of the bytes that identification needs,
-/// so a shorter stream is never offered.
+/// Required bits of a stream's first bytes. WIC compares them before it asks a decoder: a byte matches if it
+/// has the required bits where the mask is set. A pattern covers all bytes that identification needs, so WIC
+/// never offers a shorter stream.
 struct HeaderPattern
 {
     static constexpr size_t size = identificationBytes;
@@ -21,7 +21,7 @@ struct HeaderPattern
     std::array<uint8_t, size> bytes = {};
     std::array<uint8_t, size> mask = {};
 
-    /// The same pattern that also wants these bits of one byte.
+    /// This pattern, which then also requires these bits of one byte.
     [[nodiscard]] constexpr HeaderPattern WithByte(size_t offset, uint8_t value, uint8_t bits = 0xFF) const
     {
         HeaderPattern pattern = *this;
@@ -30,7 +30,7 @@ struct HeaderPattern
         return pattern;
     }
 
-    /// The same pattern that also wants a text, compared byte by byte.
+    /// This pattern, which then also requires a text, compared byte by byte.
     [[nodiscard]] constexpr HeaderPattern WithText(size_t offset, std::string_view text) const
     {
         HeaderPattern pattern = *this;
@@ -39,7 +39,7 @@ struct HeaderPattern
         return pattern;
     }
 
-    /// The same pattern that also wants these bytes to be zero.
+    /// This pattern, which then also requires these bytes to be zero.
     [[nodiscard]] constexpr HeaderPattern WithZeros(std::initializer_list<size_t> offsets) const
     {
         HeaderPattern pattern = *this;

@@ -25,7 +25,8 @@ constexpr std::array<uint8_t, count> CodesOf(const PixelTypeCode (&table)[count]
 constexpr auto mrcModeBytes = CodesOf(mrcModes);
 constexpr auto binTypeBytes = CodesOf(binTypes);
 
-/// One way in which a header begins: fixed bytes and, where there are choices, one byte that is any of them.
+/// One way in which a header can begin: fixed bytes and, if there are choices, one byte with any of these
+/// values.
 struct Signature
 {
     Identity identity;
@@ -54,7 +55,7 @@ constexpr Signature signatures[] = {
     {Identity::Dm4, start.WithZeros({0, 1, 2}).WithByte(3, 4)},
     {Identity::Hdf, start.WithText(0, "\x89HDF")},
     {Identity::Emi, start.WithText(0, "JK").WithByte(3, 2)}, // the stamp, and the high byte of the version
-    // A metafile's record type and size can look like an MRC header; its signature cannot be mistaken.
+    // A metafile's record type and size can look like an MRC header, but its signature identifies it.
     {Identity::EnhancedMetafile, littleEndianMrc.WithText(41, "EMF"), 12, mrcModeBytes},
     {Identity::Mrc, littleEndianMrc, 12, mrcModeBytes},
     {Identity::Npy, start.WithText(0, "\x93NUMPY")},
@@ -76,7 +77,7 @@ struct ByteChoice
     uint8_t bits;
 };
 
-/// The values as few choices: two that differ in one bit become one that leaves the bit free.
+/// Merges the values into few choices: two that differ in one bit become one in which that bit is free.
 std::vector<ByteChoice> MergedChoices(std::span<const uint8_t> values)
 {
     std::vector<ByteChoice> choices;

@@ -8,7 +8,7 @@
 
 namespace Tav::Imaging::RawImage {
 
-/// What a stream's first bytes say it is.
+/// The format that a stream's first bytes show.
 enum class Identity
 {
     Unknown,
@@ -29,12 +29,12 @@ enum class Identity
     TiffBigEndian,
 };
 
-/// Tells the format from the first bytes alone. Some headers fit two formats; the order of the tests
+/// Identifies the format by the first bytes alone. Some headers fit two formats; the order of the tests
 /// decides between them.
 [[nodiscard]] Identity Identify(std::span<const uint8_t, identificationBytes> header) noexcept;
 
-/// The patterns of the headers that have this identity. A pattern cannot say "not", so those of MRC files
-/// also fit metafiles that look like one.
+/// The patterns of the headers that have this identity. A pattern cannot exclude bytes, so the patterns of
+/// MRC files also match metafiles that look like MRC files.
 [[nodiscard]] std::vector<HeaderPattern> HeaderPatternsOf(Identity identity);
 
 } // namespace Tav::Imaging::RawImage

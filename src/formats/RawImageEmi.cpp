@@ -27,7 +27,7 @@ constexpr uint16_t textType = 96;
 constexpr uint16_t newerWriterType = 52;
 constexpr uint16_t writerVersionIdentifier = 1810;
 constexpr uint32_t longestWriterVersion = 32;
-/// The dimension words that the length of an array object counts beside its samples.
+/// The bytes of the dimension words. The length of an array counts them, too.
 constexpr uint32_t dimensionBytes = 8;
 
 struct ArrayImage
@@ -51,7 +51,7 @@ constexpr ArrayKind arrayKinds[] = {
     {0x2214, 8, PixelType::Complex64},
 };
 
-/// The array's pixel type; Unknown, after a line that says so, for one that is not read.
+/// The array's pixel type; Unknown, after a diagnostic line, for a type that is not read.
 PixelType PixelTypeOfArray(uint16_t type, uint32_t sampleBytes) noexcept
 {
     for (const ArrayKind& kind : arrayKinds)
@@ -97,7 +97,7 @@ constexpr uint32_t FixedContentBytes(uint16_t type) noexcept
     }
 }
 
-/// Goes through the items and keeps what there is to know.
+/// Walks through the items and collects the images and the facts about the writer.
 class ItemWalk
 {
 public:
@@ -170,12 +170,13 @@ private:
 
         if (*length != 0 && *width != 0 && *height != 0)
         {
-            // The dimension words are counted too; the division loses them in all but tiny images.
+            // The length counts the dimension words, too. The division rounds them away, except in tiny
+            // images.
             const uint32_t sampleBytes = *length / (uint32_t{*width} * *height);
             if (sampleBytes >= 1 && sampleBytes <= 8)
                 AddImage(type, sampleBytes, *width, *height);
         }
-        // A length that does not even count the dimension words leads nowhere.
+        // A length that is smaller than the dimension words is invalid.
         return *length >= dimensionBytes && reader.Skip(*length - dimensionBytes);
     }
 

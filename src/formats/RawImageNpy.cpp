@@ -17,7 +17,7 @@ constexpr ReaderLog log{L"NPY: "};
 
 using namespace std::string_view_literals;
 
-/// How much of the file is looked at for the header, magic and version included.
+/// How many bytes of the file may hold the header, including magic and version.
 constexpr size_t headBytes = 256;
 constexpr size_t headerOffset = 10;
 constexpr uint32_t mostFrames = 4096;
@@ -28,7 +28,7 @@ struct ElementType
     PixelType pixelType;
 };
 
-// In the order in which they are looked for: a code may stand anywhere in the element type.
+// In the order in which they are searched: a code may be anywhere in the element type.
 constexpr ElementType elementTypes[] = {
     {"u1", PixelType::UInt8},       {"u2", PixelType::UInt16},   {"u4", PixelType::UInt32},
     {"i1", PixelType::Int8},        {"i2", PixelType::Int16},    {"i4", PixelType::Int32},
@@ -51,8 +51,8 @@ std::optional<std::string_view> ValueOf(std::string_view text, std::string_view 
     return text.substr(opened + 1, closed - opened - 1);
 }
 
-/// What the C library's decimal conversion gives: leading white space, a sign, digits up to the first
-/// other character. Numbers beyond the limits of a signed 32-bit integer stop there.
+/// Converts as the C library's decimal conversion does: leading white space, a sign, digits up to the first
+/// other character. Numbers are limited to the range of a signed 32-bit integer.
 uint32_t ToNumber(std::string_view token) noexcept
 {
     token.remove_prefix(std::min(token.find_first_not_of(" \t\n\v\f\r"sv), token.size()));
@@ -182,7 +182,7 @@ void RawImageNpy::TakeSizes(std::span<const std::string_view> tokens)
     }
     else
     {
-        // Two equal dimensions and another: the frames are counted by the last.
+        // Only the first two dimensions are equal: the last one is the number of frames.
         frameCount = d2;
         height = d1;
         width = d0;

@@ -8,8 +8,8 @@
 namespace Tav::Imaging::RawImage {
 
 /// Reads one 2-D slice of a NumPy array file, format version 1.0
-/// (https://numpy.org/doc/stable/reference/generated/numpy.lib.format.html). Arrays are taken as
-/// little-endian and in C order, whatever their header says.
+/// (https://numpy.org/doc/stable/reference/generated/numpy.lib.format.html). Arrays are read as little-endian
+/// and in C order, whatever their header says.
 class RawImageNpy : public RawImageBase
 {
 public:

@@ -39,8 +39,8 @@ PixelType PixelTypeOf(uint32_t kind, uint32_t sampleBytes) noexcept
     return PixelType::Unknown;
 }
 
-/// The sample size that makes a packed frame fill the file, for writers that count significant bits only;
-/// nothing when no size does.
+/// The sample size with which a packed frame fills the file, for writers that store only the number of
+/// significant bits; nothing if no size does.
 std::optional<uint32_t> SampleBytesFromFileSize(uint64_t streamSize, uint32_t pixelCount) noexcept
 {
     const uint64_t frameBytes = streamSize - headerBytes;

@@ -18,7 +18,7 @@ namespace Tav::Imaging::RawImage {
 
 namespace {
 
-/// The reader is of use without the mutex, too: it says what is wrong.
+/// Makes the reader even if there is no mutex, because the reader then reports the failure.
 std::unique_ptr<RawImageBase> MakeHdfReader()
 {
     const HANDLE mutex = CreateMutexW(nullptr, 0, hdfMutexName);
@@ -56,7 +56,7 @@ std::unique_ptr<RawImageBase> MakeReaderOf(Identity identity)
     }
 }
 
-/// Says why a stream gets no reader: its format is WIC's own business, or nobody's.
+/// Says why a stream gets no reader: WIC reads its format itself, or the format is not known.
 const wchar_t* RefusalOf(Identity identity) noexcept
 {
     switch (identity)

@@ -8,7 +8,7 @@ namespace Tav::Imaging::RawImage {
 
 namespace {
 
-/// Hands out a copy of the text that PropVariantClear frees.
+/// Sets the variant to a copy of the text, which PropVariantClear frees.
 bool SetText(PROPVARIANT& variant, const std::wstring& text)
 {
     const size_t length = text.size() + 1;
@@ -25,7 +25,7 @@ bool SetText(PROPVARIANT& variant, const std::wstring& text)
 
 void Metadata::FillFromImage(const RawImage& image)
 {
-    // An empty name is a value: the file's writer is unknown. Empty details are none.
+    // An empty name of the software is a value: the writer is unknown. Empty details are no value.
     isSet[SoftwareFact] = true;
     const RawImageBase* const reader = image.Reader();
     if (!reader)

@@ -31,7 +31,7 @@ class Metadata
 public:
     virtual ~Metadata() = default;
 
-    /// Copies the facts of the holder's reader; what the image does not tell keeps its old value.
+    /// Copies the facts of the holder's reader. A fact that the image does not have keeps its old value.
     void FillFromImage(const RawImage& image);
 
     /// Renders one property: VT_UI4, or VT_LPWSTR in memory that the caller frees with PropVariantClear.
@@ -39,7 +39,7 @@ public:
     [[nodiscard]] bool Get(MetadataProperty prop, PROPVARIANT& variant) const noexcept;
 
 private:
-    /// Places in `values`, and of the flags that tell which facts are known.
+    /// Indices of `values`, and of the flags that say which facts are known.
     enum Fact : size_t
     {
         WidthFact,

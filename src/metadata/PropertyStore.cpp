@@ -16,7 +16,7 @@ using namespace Tav::Imaging::RawImage;
 
 namespace {
 
-/// Files of this family begin with a colour thumbnail; the image itself comes second.
+/// True for a Digital Micrograph file whose first frame is a colour thumbnail. The image itself comes second.
 bool BeginsWithThumbnail(const RawImageBase& reader)
 {
     return (reader.fileType == FileType::Dm3 || reader.fileType == FileType::Dm4) && reader.frameCount >= 2 &&

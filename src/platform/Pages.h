@@ -3,12 +3,12 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Sets aside addresses without memory behind them; null when there are no more.
+/// Reserves addresses without memory. Returns null if there are no more.
 [[nodiscard]] uint8_t* ReservePages(size_t bytes) noexcept;
 
-/// Puts memory of zeros behind reserved addresses; false when there is no more. Whole pages of the processor
-/// only.
+/// Commits zeroed memory at reserved addresses, in whole pages of the processor. Returns false if there is no
+/// more.
 [[nodiscard]] bool CommitPages(uint8_t* first, size_t bytes) noexcept;
 
-/// Gives back what ReservePages has given, whole.
+/// Releases all that ReservePages has returned.
 void ReleasePages(uint8_t* first, size_t bytes) noexcept;

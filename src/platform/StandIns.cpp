@@ -22,7 +22,7 @@ struct NamedMutexes
 {
     std::mutex guard;
     std::condition_variable released;
-    /// Entries stay where they are, so that a handle can point to one.
+    /// The entries of a map never move, so a handle can point to one.
     std::map<std::wstring, NamedMutex> byName;
 };
 

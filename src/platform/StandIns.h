@@ -79,7 +79,7 @@ constexpr DWORD STREAM_SEEK_SET = 0;
 constexpr DWORD STREAM_SEEK_CUR = 1;
 constexpr DWORD STREAM_SEEK_END = 2;
 
-// COM interfaces have no virtual destructor: an object dies by its last Release.
+// COM interfaces have no virtual destructor: the last Release deletes an object.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
 

@@ -3,6 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 
-/// The address down to which the calling thread's stack may be used: `bytes` below this call, or less where
-/// the thread has less, with enough left below for an exception to be thrown.
+/// The lowest address that the calling thread's stack may use: `bytes` below this call, or less if the thread
+/// has less. Below it, enough stack is left to throw an exception.
 [[nodiscard]] uintptr_t LowestStack(size_t bytes) noexcept;

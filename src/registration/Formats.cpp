@@ -44,8 +44,8 @@ constexpr Extension npyExtensions[] = {
     {L".npy", false}, // NumPy arrays, pictures or not
 };
 
-// RAW and BIN files open by their content. The extensions .raw and .bin belong to cameras and to everybody:
-// nothing is said about them, so that no other program's files change how they look or are searched.
+// RAW and BIN files open by their content. The extensions .raw and .bin are not registered, because many
+// other programs use them: the icons and search results of their files must not change.
 constexpr Format formats[] = {
     {L"image/x-mrc", mrcExtensions, {Identity::Mrc}},
     {L"image/x-digital-micrograph", dmExtensions, {Identity::Dm3, Identity::Dm4}},
@@ -65,10 +65,10 @@ std::span<const Format> Formats() noexcept
     return formats;
 }
 
-// WIC asks whoever matches first, and a decoder that then refuses the stream can end the search: what is
-// claimed here and not read may be lost to its own codec. One kind of stream is claimed in vain, because a
-// pattern cannot say "not": a metafile that looks like an MRC file. Nobody loses by that, for WIC does not
-// read metafiles.
+// WIC asks the first decoder whose pattern matches. If this decoder refuses the stream, WIC may end the
+// search, and the stream's own codec is never asked. So the patterns must match only what we read. There is
+// one exception, because a pattern cannot exclude bytes: a metafile that looks like an MRC file. It does no
+// harm, because WIC does not read metafiles.
 std::vector<HeaderPattern> HeaderPatterns()
 {
     std::vector<HeaderPattern> patterns;

@@ -8,16 +8,16 @@
 
 namespace Lumora {
 
-/// A file name extension under which a format's files are met.
+/// A file name extension that files of a format have.
 struct Extension
 {
     const wchar_t* text;
-    /// Whether files of other kinds commonly bear it too. Then the shell may ask us about such a file, but
-    /// nothing is said about all files of that name.
+    /// Whether other kinds of files commonly have it, too. Then the shell may ask us about such a file, but
+    /// the extension is not registered as one of pictures.
     bool isShared;
 };
 
-/// What Windows is told about one file format.
+/// What is registered with Windows for one file format.
 struct Format
 {
     const wchar_t* mimeType;
@@ -29,7 +29,7 @@ struct Format
 /// The formats that have a reader.
 [[nodiscard]] std::span<const Format> Formats() noexcept;
 
-/// The patterns of all formats, by which WIC offers us a stream.
+/// The patterns of all formats. WIC offers us the streams that match one.
 [[nodiscard]] std::vector<Tav::Imaging::RawImage::HeaderPattern> HeaderPatterns();
 
 } // namespace Lumora

@@ -9,13 +9,13 @@ namespace Lumora {
 
 namespace {
 
-/// The shell looks at thumbnails, properties and kinds anew.
+/// Makes the shell read thumbnails, properties and kinds again.
 void TellTheShell() noexcept
 {
     SHChangeNotify(SHCNE_ASSOCCHANGED, SHCNF_IDLIST, nullptr, nullptr);
 }
 
-/// Keeps the first failure. Gives whether this one was none.
+/// Keeps the first failure. Returns true if the result is no failure.
 bool Note(std::optional<RegistrationFailure>& failure, const RegistryKey& key, LSTATUS result)
 {
     if (result == ERROR_SUCCESS)
@@ -25,7 +25,7 @@ bool Note(std::optional<RegistrationFailure>& failure, const RegistryKey& key, L
     return false;
 }
 
-/// Names the value, for people. Of our own keys the key is enough, and stands in the list once.
+/// Adds the name of the value, for people. Of our own keys, only the key is named, and only once.
 void AddName(std::vector<std::wstring>& names, const RegistryEntry& entry)
 {
     std::wstring name = entry.key.FullPath();
@@ -35,7 +35,7 @@ void AddName(std::vector<std::wstring>& names, const RegistryEntry& entry)
         names.push_back(std::move(name));
 }
 
-/// Deletes what is ours alone, with any pattern of another version that has more of them.
+/// Deletes the keys that are ours alone, also patterns of a version that has more of them.
 void DeleteOwnTrees(Scope scope, std::optional<RegistrationFailure>& failure)
 {
     for (const RegistryKey& tree : OwnTrees(scope))

@@ -15,24 +15,24 @@ struct RegistrationFailure
     LSTATUS error;
 };
 
-/// What became of a registration or a removal.
+/// The result of a registration or a removal.
 struct RegistrationResult
 {
     /// The first failure; nothing when all went well.
     std::optional<RegistrationFailure> failure;
-    /// The values that another program has set, and which were left to it.
+    /// The values that another program has set. They were not changed.
     std::vector<std::wstring> leftToOthers;
 };
 
-/// How the registry compares with the table. Of our own keys the key is named, of the others the value.
+/// How the registry compares with the table. The lists name our own keys, and the values of all other keys.
 struct RegistrationState
 {
     std::optional<RegistrationFailure> failure;
-    /// How many values are there as they should be.
+    /// How many values are correct.
     size_t inPlace = 0;
     /// What is not there.
     std::vector<std::wstring> missing;
-    /// Our own keys that are not as they should be: those of another version, or for another Lumora.dll.
+    /// Our own keys that are not correct: they are from another version, or for another Lumora.dll.
     std::vector<std::wstring> outdated;
     /// Values that another program has set.
     std::vector<std::wstring> leftToOthers;
@@ -47,15 +47,16 @@ struct RegistrationState
 /// Registers the Lumora.dll at that path. Lumora's own keys are replaced; a value that another program has
 /// set is kept. The extensions in `leftOut` are not registered, and what an earlier registration wrote for
 /// them is removed; without `leftOut` the choice of the earlier registration is kept. The first failure ends
-/// the call, and what has been written stays: the same call completes the work when the cause is gone.
+/// the call, and the values written so far stay. When the cause of the failure is gone, the same call
+/// completes the work.
 [[nodiscard]] RegistrationResult Register(Scope scope, const std::wstring& dllPath,
                                           const std::optional<ExtensionNames>& leftOut = std::nullopt);
 
-/// Removes what a registration of any Lumora.dll has written, and nothing that has become somebody else's
-/// since. A failure does not keep the rest from being removed.
+/// Removes what a registration of any Lumora.dll has written, except values that another program has changed
+/// since. After a failure, it still removes the rest.
 [[nodiscard]] RegistrationResult Unregister(Scope scope);
 
-/// Compares without changing anything. What is left out on purpose is not missing.
+/// Compares without changing anything. Extensions that are left out on purpose do not count as missing.
 [[nodiscard]] RegistrationState CheckRegistration(Scope scope, const std::wstring& dllPath);
 
 } // namespace Lumora

@@ -82,7 +82,7 @@ LSTATUS RegistryKey::Read(const std::wstring& name, std::optional<RegistryValue>
     LSTATUS result = RegQueryValueExW(key.get(), name.c_str(), nullptr, &found.type, nullptr, &count);
     while (result == ERROR_SUCCESS && count > found.bytes.size())
     {
-        // Somebody may change the value between the two questions; then the size is asked for again.
+        // Another program may change the value between the two calls. Then the loop asks for the size again.
         found.bytes.resize(count);
         result = RegQueryValueExW(key.get(), name.c_str(), nullptr, &found.type, found.bytes.data(), &count);
         if (result == ERROR_MORE_DATA)

@@ -21,20 +21,20 @@ struct RegistryValue
     [[nodiscard]] static RegistryValue Number(uint32_t number);
     [[nodiscard]] static RegistryValue Binary(std::span<const uint8_t> bytes);
 
-    /// A text without its zero; empty for a value of another type.
+    /// The text without its zero; empty if the value has another type.
     [[nodiscard]] std::wstring AsText() const;
 
     bool operator==(const RegistryValue&) const = default;
 };
 
-/// A part of the registry that Windows itself keeps: it is there before us and stays after us.
+/// A part of the registry that belongs to Windows: Lumora neither creates nor deletes it.
 struct RegistryBranch
 {
     HKEY hive;
     const wchar_t* path;
 };
 
-/// A key of such a branch, which need not exist; an empty path is the branch itself. Every operation gives
+/// A key of such a branch, which need not exist; an empty path is the branch itself. Every operation returns
 /// ERROR_SUCCESS or the error that Windows reported.
 class RegistryKey
 {
@@ -51,7 +51,7 @@ public:
     /// Sets a value; the key and those above it are created as needed.
     [[nodiscard]] LSTATUS Write(const std::wstring& name, const RegistryValue& value) const;
 
-    /// Deletes a value. What is not there counts as deleted, here and below.
+    /// Deletes a value. Here and below, something that does not exist counts as deleted.
     [[nodiscard]] LSTATUS DeleteValue(const std::wstring& name) const;
 
     /// Deletes the key with everything in it.
@@ -62,7 +62,7 @@ public:
 
 private:
     RegistryBranch branch;
-    /// From the hive on.
+    /// The path below the hive.
     std::wstring path;
 };
 

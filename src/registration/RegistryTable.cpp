@@ -47,7 +47,7 @@ struct Row
     std::variant<const wchar_t*, uint32_t> value;
 };
 
-// The properties that files of ours have, for the details page, the details pane and the tool tip.
+// The properties of our files, for the details page, the details pane and the tool tip.
 constexpr const wchar_t* fullDetails =
     L"prop:System.PropGroup.Image;System.Image.Dimensions;System.Image.HorizontalSize;"
     L"System.Image.VerticalSize;System.Image.BitDepth;System.Media.FrameCount;System.PropGroup.Origin;"
@@ -80,7 +80,7 @@ constexpr Row rows[] = {
     {For::Classes, Branch::Classes, L"CLSID\\%decoder%", L"SupportAnimation", 0u},
     {For::Classes, Branch::Classes, L"CLSID\\%decoder%", L"SupportChromakey", 0u},
     {For::Classes, Branch::Classes, L"CLSID\\%decoder%", L"SupportLossless", 1u},
-    // Low, so that other codecs are asked first.
+    // Low, so that WIC asks other codecs first.
     {For::Classes, Branch::Classes, L"CLSID\\%decoder%", L"ArbitrationPriority", 10u},
     {For::Classes, Branch::Classes, L"CLSID\\%decoder%\\Formats\\%8bppGray%", L"", L""},
     {For::Classes, Branch::Classes, L"CLSID\\%decoder%\\Formats\\%24bppRGB%", L"", L""},
@@ -111,13 +111,14 @@ constexpr Row rows[] = {
      previewDetails},
     {For::EveryExtension, Branch::Classes, L"SystemFileAssociations\\%ext%", L"InfoTip", infoTip},
 
-    // What is said about all files of an extension, not only about those that we can read.
+    // Values that apply to all files of an extension, not only to those that we can read.
     {For::OwnExtensions, Branch::Classes, L"%ext%", L"Content Type", L"%mimeType%"},
     {For::OwnExtensions, Branch::Classes, L"%ext%", L"PerceivedType", L"image"},
     {For::OwnExtensions, Branch::Kinds, L"", L"%ext%", L"picture"},
 };
 
-/// Where it is noted what is left out. The setup package reads it before it replaces an older version.
+/// The key that stores which extensions are left out. The setup package reads it before it replaces an older
+/// version.
 constexpr const wchar_t* choicesKey = L"Lumora";
 
 struct OwnTree
@@ -126,7 +127,7 @@ struct OwnTree
     const wchar_t* key;
 };
 
-// Keys that hold nothing but ours.
+// Keys in which everything is ours.
 constexpr OwnTree ownTrees[] = {
     {Branch::Classes, L"CLSID\\%decoders%\\Instance\\%decoder%"},
     {Branch::Classes, L"CLSID\\%decoder%"},
@@ -155,7 +156,7 @@ bool Contains(const ExtensionNames& names, const wchar_t* extension)
     return std::find(names.begin(), names.end(), extension) != names.end();
 }
 
-/// What stands for the names that do not depend on an extension.
+/// The replacements of the names that do not depend on an extension.
 std::vector<Substitution> Placeholders(const std::wstring& dllPath, const ExtensionNames& leftOut)
 {
     std::wstring extensions;
@@ -185,7 +186,7 @@ std::vector<Substitution> Placeholders(const std::wstring& dllPath, const Extens
     };
 }
 
-/// The text with each name replaced once; what was put in is not looked at again.
+/// The text with each name replaced once. Names in a replacement are not replaced.
 std::wstring Substitute(std::wstring_view text, const std::vector<Substitution>& substitutions)
 {
     std::wstring result;

@@ -17,7 +17,7 @@ enum class Scope
     User,
 };
 
-/// File name extensions, each with its dot and in small letters.
+/// File name extensions, each with its dot and in lowercase.
 using ExtensionNames = std::vector<std::wstring>;
 
 /// One value of the registration.
@@ -27,20 +27,20 @@ struct RegistryEntry
     /// Empty for the default value.
     std::wstring name;
     RegistryValue value;
-    /// Whether the key is nobody's but ours. The others belong to a file name extension, where somebody else
-    /// may have set the value before us.
+    /// Whether the key is ours alone. All other keys belong to a file name extension, and another program may
+    /// have set the value before us.
     bool isOwn;
     /// The file name extension that the entry is about; empty for an entry of the classes.
     std::wstring extension;
 };
 
-/// Every value of the registration, in the order of writing, for a Lumora.dll at that path. What Windows
-/// takes from the machine alone is left out for a user: the property handlers and the kinds of files. Nothing
-/// is said about the extensions in `leftOut`, except that they are left out.
+/// Every value of the registration, in the order of writing, for a Lumora.dll at that path. For a user, there
+/// are no property handlers and no kinds of files, because Windows reads these only for the whole machine.
+/// For the extensions in `leftOut`, there is only the entry that stores that they are left out.
 [[nodiscard]] std::vector<RegistryEntry> RegistryEntries(Scope scope, const std::wstring& dllPath,
                                                          const ExtensionNames& leftOut = {});
 
-/// The entry that tells which extensions are left out.
+/// The entry that stores which extensions are left out.
 [[nodiscard]] RegistryEntry LeftOutEntry(Scope scope, const ExtensionNames& leftOut);
 
 /// A key among the classes of the machine or of the user.

@@ -21,7 +21,7 @@ namespace {
 constexpr int somethingFailed = 1;
 constexpr int wrongUsage = 2;
 
-/// COM for this thread. The classes are called directly from any apartment.
+/// COM for this thread. The classes can be called directly from any apartment.
 class ComApartment
 {
 public:
@@ -64,8 +64,8 @@ int RunCommand(const CommandLine& line, Console& console)
     return wrongUsage;
 }
 
-/// Whether the command was given for what it prints. A registration is done or taken back whether or not
-/// anybody reads of it: a setup program has no console for that.
+/// Whether the user runs the command for its output. A registration or its removal succeeds even if its
+/// output cannot be written, because a setup program has no console.
 bool IsOutputWanted(const CommandLine& line)
 {
     const bool changesTheRegistry = line.command == Command::Register || line.command == Command::Unregister;
@@ -82,7 +82,7 @@ int Run(const CommandLine& line, Console& console)
 
 } // namespace
 
-// The start-up code gives the name.
+// The start-up code requires this name.
 int wmain(int count, wchar_t** arguments) // NOLINT(readability-identifier-naming)
 {
     Console console;

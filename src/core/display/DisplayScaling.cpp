@@ -66,7 +66,7 @@ void StretchContrast(std::vector<uint8_t>& picture, size_t pixelCount)
     std::transform(counts.begin(), counts.end(), shares.begin(),
                    [pixelCount](uint32_t count) { return count / static_cast<double>(pixelCount); });
 
-    // As in the wide histograms, the dark end lands one level below its bin and bin 0 is never added.
+    // As in the wide histograms, the dark end is one level below its bin, and bin 0 is never added.
     int low = 0;
     double sum = 0;
     for (int level = 255; level > 0; --level)

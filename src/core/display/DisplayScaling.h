@@ -8,8 +8,8 @@
 
 namespace Tav::Imaging::RawImage {
 
-/// The display byte of a sample: its distance from the low end of the display range in steps of 1/255 of
-/// the range, truncated and limited to 0..255. In an empty range the sample at its ends is black.
+/// The display byte of a sample: its distance from the low end of the display range in steps of 1/255 of the
+/// range, truncated and limited to 0..255. If the range is empty, the sample at its ends is black.
 class DisplayScale
 {
 public:
@@ -21,7 +21,7 @@ public:
     {
         const double level = (sample - low) / step;
         const double limited = level > 255.0 ? 255.0 : level;
-        // NaN, the quotient of nothing and nothing, compares with nothing.
+        // 0 / 0 gives NaN. No comparison with NaN is true, so it becomes 0.
         return static_cast<uint8_t>(static_cast<int32_t>(limited > 0 ? limited : 0));
     }
 
@@ -30,8 +30,8 @@ private:
     double step;
 };
 
-/// Signed samples as their distances from the smallest one. The source must outlive it, and its range be
-/// that of its samples.
+/// Signed samples as their distances from the smallest one. The source must outlive this image, and the
+/// source's range must be that of its samples.
 class DistanceImage final : public Image<unsigned int>
 {
 public:
@@ -50,8 +50,8 @@ void ScaleToDisplayBytes(const Image<unsigned int>& source, std::vector<uint8_t>
 /// Sets the image's display range to the calculated one and maps it to 0..255, as above.
 void ScaleByDynamicRange(Image<unsigned int>& image, std::vector<uint8_t>& bytes, bool flip);
 
-/// Stretches the contrast of a gray picture of `pixelCount` pixels in place; a picture of any other number
-/// of bytes, or of none, stays as it is.
+/// Stretches the contrast of a gray picture of `pixelCount` pixels in place; a picture with another number of
+/// bytes, or without any, does not change.
 void StretchContrast(std::vector<uint8_t>& picture, size_t pixelCount);
 
 } // namespace Tav::Imaging::RawImage

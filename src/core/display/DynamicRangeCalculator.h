@@ -23,8 +23,8 @@ public:
     /// Runs the pass that the image's range asks for.
     void ComputeRange(const Image<unsigned int>& image);
 
-    /// One histogram bin for each sample value from low to high; samples outside are not counted.
-    /// Gives the image's own range when the result is empty or wider than 65535.
+    /// One histogram bin for each sample value from low to high; samples outside are not counted. If the
+    /// result is empty or wider than 65535, the image's own range is used.
     void ComputeExactRange(const Image<unsigned int>& image);
 
     /// The same from a histogram that begins at `low`, of an image with `sampleCount` samples and the given

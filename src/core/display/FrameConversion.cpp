@@ -21,7 +21,7 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-/// Copies rows of `rowBytes` into the picture, the frame's last row first when flipped.
+/// Copies rows of `rowBytes` into the picture, the frame's last row first if `flip` is set.
 void CopyRows(const Bytes& frame, Bytes& picture, size_t rowBytes, size_t rows, bool flip)
 {
     for (size_t row = 0; row < rows; ++row)
@@ -66,8 +66,8 @@ public:
         StretchContrast(picture, pixelCount);
     }
 
-    /// Also for RGB24: flipped, its rows are taken for single bytes, and two thirds of the picture stay
-    /// black.
+    /// Also converts RGB24. If such a frame is flipped, its rows are copied as if a pixel had one byte, so
+    /// two thirds of the picture stay black.
     void ConvertUInt8()
     {
         const size_t pictureBytes = pixelCount * BytesPerPixel(image.pixelType);
@@ -78,7 +78,7 @@ public:
         }
         else
         {
-            // The frame is the picture, but for what a strided read has left behind it.
+            // The frame is the picture, without the bytes that a strided read has left after it.
             if (frame.size() > pictureBytes)
                 frame = Bytes(frame.begin(), frame.begin() + static_cast<std::ptrdiff_t>(pictureBytes));
             picture = std::move(frame);
@@ -165,7 +165,7 @@ private:
         IncludeSamples(samples);
     }
 
-    /// Between signed and unsigned bytes, either way.
+    /// Converts signed bytes to unsigned ones, or unsigned bytes to signed ones.
     void ShiftBytes()
     {
         for (uint8_t& byte : picture)
@@ -203,7 +203,7 @@ double Magnitude(const uint8_t* bytes) noexcept
     return std::sqrt(real * real + imaginary * imaginary);
 }
 
-/// Every half-precision code's value; most frames repeat few of them.
+/// The value of every half-precision code. The table saves time because frames repeat their codes.
 std::vector<float> HalfTable(ByteOrder order)
 {
     std::vector<float> values(65536);
@@ -239,7 +239,7 @@ void ConvertFrame(RawImageBase& image, std::vector<uint8_t>& frame)
                                                : [](uint16_t code) { return code; });
         break;
     case PixelType::Int16:
-        // With the sign bit turned, signed samples keep their order as unsigned ones.
+        // If the sign bit is inverted, signed samples have the same order as unsigned ones.
         converter.ConvertInteger16(
             isBigEndian
                 ? [](uint16_t code) { return static_cast<uint16_t>(__builtin_bswap16(code) ^ 0x8000); }

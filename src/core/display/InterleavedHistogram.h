@@ -8,15 +8,15 @@
 namespace Tav::Imaging::RawImage {
 
 /// Adds to `counts` how often each code occurs among codeAt(0) to codeAt(codeCount - 1). Neighbouring codes
-/// are often equal, and a processor that counts the same code twice waits for the first count to be stored.
-/// So neighbours are counted in different tables, which are summed up at the end.
+/// are often equal, and a processor that counts the same code twice waits until the first count is stored. So
+/// neighbours are counted in different tables, which are added at the end.
 template <size_t tables, typename CodeAt>
 void CountInterleaved(std::span<uint32_t> counts, size_t codeCount, const CodeAt& codeAt)
 {
     size_t index = 0;
     if (codeCount < counts.size())
     {
-        // So few codes are counted before the tables would be ready.
+        // Counting so few codes takes less time than making the tables.
         for (; index < codeCount; ++index)
             ++counts[codeAt(index)];
         return;

@@ -10,7 +10,7 @@ constexpr double full16Bit = 65535.0;
 constexpr double full32Bit = 4294967295.0;
 constexpr double twoTo32 = 4294967296.0;
 
-/// Whole part of the value modulo 2^32, as mathematics has it; 0 for infinities and NaN.
+/// Whole part of the value modulo 2^32, which is never negative; 0 for infinities and NaN.
 uint32_t WholePartModulo32Bit(double value) noexcept
 {
     if (!std::isfinite(value))

@@ -21,7 +21,7 @@ public:
     /// The quantised value of the image's maximum: the end of the display range, which begins at 0.
     [[nodiscard]] uint32_t Highest() const noexcept { return highest; }
 
-    /// The sample's quantised value as a number without a fraction that counts; NaN gives 0.
+    /// The sample's quantised value, of which the caller drops the fraction; NaN gives 0.
     [[nodiscard]] double operator()(double sample) const noexcept
     {
         const double scaled = (sample - minimum) * scale;

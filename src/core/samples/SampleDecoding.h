@@ -6,8 +6,8 @@
 
 namespace Tav::Imaging::RawImage {
 
-// Decoders of one stored sample. The loops over a whole frame live on them being a single load, so they
-// copy the bytes as they stand and swap them where the stream's order asks for it.
+// Decoders of one stored sample. The loops over a whole frame are fast only if a decoder is a single load. So
+// decoders copy the bytes unchanged, and swap them if the stream has the other order.
 static_assert(std::endian::native == std::endian::little);
 
 template <typename Word>

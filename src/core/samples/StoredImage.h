@@ -10,8 +10,8 @@
 
 namespace Tav::Imaging::RawImage {
 
-/// An image over the bytes of a frame, which must outlive it: `decode` gives the sample that is stored in
-/// the `sampleBytes` bytes from an address on.
+/// An image over the bytes of a frame, which must outlive it: `decode` returns the sample that is stored in
+/// the `sampleBytes` bytes at an address.
 template <typename T, size_t sampleBytes, typename Decode>
 class StoredImage final : public Image<T>
 {

@@ -8,7 +8,8 @@ namespace Tav::Imaging::RawImage {
 
 namespace {
 
-/// Seeks and reads exactly `count` bytes. A stream that claims another count, too many included, failed.
+/// Seeks and reads exactly `count` bytes. If the stream reports another count, even a larger one, the read
+/// has failed.
 bool ReadExactly(IStream* stream, uint64_t offset, void* buffer, uint32_t count)
 {
     LARGE_INTEGER position;

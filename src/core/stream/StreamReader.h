@@ -27,15 +27,17 @@ public:
     StreamReader& operator=(const StreamReader&) = delete;
     virtual ~StreamReader() = default;
 
-    /// Loads the window that begins at an absolute offset and puts the cursor there. The end of the
-    /// stream gives an empty window; an offset beyond it gives false and changes nothing. After any other
-    /// failure the window's bytes mean nothing.
+    /// Loads the window that begins at an absolute offset and puts the cursor there. An offset at the end of
+    /// the stream gives an empty window. For an offset beyond the end, it returns false and changes nothing.
+    /// After any other failure, the window's bytes are undefined.
     [[nodiscard]] bool LoadWindow(uint64_t offset);
 
-    /// Puts the cursor at an absolute offset, loading a window only when the offset is outside this one.
+    /// Puts the cursor at an absolute offset, and loads a window only if the offset is outside the present
+    /// one.
     [[nodiscard]] bool GoTo(uint64_t offset);
 
-    /// Moves the cursor forward without reading; false, and no move, when the stream ends before.
+    /// Moves the cursor forward without reading. If the stream ends before, returns false and does not move
+    /// it.
     [[nodiscard]] bool Skip(uint64_t count) noexcept;
 
     /// Absolute stream offset of the cursor.
@@ -62,13 +64,14 @@ public:
     uint64_t cursor = 0;
 };
 
-/// Size of the stream in bytes; false, and the size untouched, when the stream is null or does not tell.
+/// Gets the size of the stream in bytes. If the stream is null or does not report it, returns false and
+/// leaves `size` unchanged.
 [[nodiscard]] bool GetStreamSize(IStream* stream, uint64_t* size);
 
 /// Reads exactly `count` bytes at an absolute offset; false when the stream does not hold or deliver them.
 [[nodiscard]] bool ReadStreamAt(IStream* stream, uint64_t offset, void* buffer, uint32_t count);
 
-/// The text with every byte lowered as the C library does in the current locale.
+/// The text in lowercase: each byte as the C library converts it in the current locale.
 [[nodiscard]] std::string ToLower(const std::string& text);
 
 } // namespace Tav::Imaging::RawImage

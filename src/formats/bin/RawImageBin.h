@@ -5,7 +5,7 @@
 namespace Tav::Imaging::RawImage {
 
 /// Reads the single frame of a BIN file: a type code, width and height, in newer files the header's own
-/// length, and the samples. Only the file size tells the two headers apart.
+/// length, and the samples. Only the file size distinguishes the two headers.
 class RawImageBin : public RawImageBase
 {
 public:

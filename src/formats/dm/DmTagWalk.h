@@ -8,7 +8,8 @@
 
 namespace Tav::Imaging::RawImage {
 
-/// A fact of the tag tree that can lead to an image. Of a label only what it says about images is kept.
+/// A fact of the tag tree that can lead to an image. A label is kept only as far as it says something about
+/// images.
 struct DmTag
 {
     enum class Kind : uint32_t

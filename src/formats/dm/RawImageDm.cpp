@@ -15,7 +15,7 @@ namespace Tav::Imaging::RawImage {
 
 namespace {
 
-/// What does not depend on the version.
+/// For messages that do not depend on the version.
 constexpr ReaderLog log{L"DM: "};
 
 /// Some images of one size and type, one after another from `dataOffset` on.
@@ -67,7 +67,7 @@ std::vector<uint32_t> ValuesAfter(std::span<const DmTag> tags, size_t index)
 std::vector<ImageRun> FindImages(std::span<const DmTag> tags)
 {
     std::vector<ImageRun> images;
-    ImageRun image = {}; // without a pixel type as long as none has been told
+    ImageRun image = {}; // without a pixel type until a tag gives one
     bool hasData = false;
     bool hasDimensions = false;
     const auto forget = [&] {
@@ -114,8 +114,7 @@ std::vector<ImageRun> FindImages(std::span<const DmTag> tags)
     return images;
 }
 
-/// Chooses an image by its index after the thumbnail, a colour image in front of the others, has been
-/// dropped.
+/// Chooses an image by its index. The thumbnail, which is a colour image before the others, does not count.
 std::optional<ChosenImage> ChooseImage(std::span<const ImageRun> images, uint32_t frameIndex)
 {
     uint64_t imageCount = 0;

@@ -13,12 +13,12 @@ namespace Tav::Imaging::RawImage {
 
 namespace {
 
-// What the library may use. Beside the file itself it needs little memory, but a chunk that has been through
-// filters is unpacked whole, and can be as large as the file.
+// The memory that the library may use. In addition to the file it needs little, but it unpacks a filtered
+// chunk as a whole, and the chunk can be as large as the file.
 constexpr uint64_t memoryForAnyFile = 0x5000000;
 constexpr uint64_t memoryPerByte = 2;
 
-// A dataset takes some ten thousand steps to be looked at, and a byte one to three to be unpacked. A hundred
+// Examining a dataset takes some ten thousand steps, and unpacking a byte takes one to three. A hundred
 // million steps take about a second.
 #ifdef FUZZING_BUILD_MODE_UNSAFE_FOR_PRODUCTION
 constexpr int64_t stepsForAnyFile = 1'000'000;
@@ -29,14 +29,14 @@ constexpr int64_t stepsPerByte = 32;
 constexpr int64_t mostStepsForFile = 1'500'000'000;
 constexpr int64_t stepsPerByteUnpacked = 4;
 
-/// What finding the datasets may take, and again reading one of them.
+/// The budget of steps for finding the datasets, and again for reading one of them.
 int64_t StepsFor(uint64_t fileBytes)
 {
     const uint64_t bytes = std::min<uint64_t>(fileBytes, mostStepsForFile / stepsPerByte);
     return std::min(stepsForAnyFile + stepsPerByte * static_cast<int64_t>(bytes), mostStepsForFile);
 }
 
-/// How often the walk begins again behind a dataset that has ended the sandbox.
+/// How often the walk restarts after a dataset has ended the sandbox.
 constexpr uint32_t mostRestarts = 16;
 
 } // namespace
@@ -138,7 +138,7 @@ bool HdfContents::GoToNextDataset()
         return false;
     ++datasetsMet;
     pathLength = Ask(0U, [this] { return sandbox->NextDataset(); });
-    // However much the walk has taken, something is left for what it has found.
+    // The walk may have used all its steps. What it has found gets a new budget.
     if (pathLength == 0)
         AddSteps(StepsFor(size));
     return pathLength > 0;
@@ -171,7 +171,7 @@ std::optional<HdfCandidate> HdfContents::Examine()
     });
 }
 
-/// Writes it where the next call looks for it.
+/// Writes the path to the place where the next call reads it.
 void HdfContents::PassPath(const std::string& path)
 {
     if (path.size() > longestHdfPath)
@@ -231,7 +231,7 @@ bool HdfContents::ReadSeriesFrame(const HdfImageEntry& entry, std::span<uint8_t>
     });
 }
 
-/// All samples of what reading has begun for: no more and no less.
+/// Reads all samples of the dataset or frame for which reading has begun: no more and no less.
 bool HdfContents::ReadBands(std::span<uint8_t> samples)
 {
     sandbox->AddSteps(stepsPerByteUnpacked * static_cast<int64_t>(samples.size()));

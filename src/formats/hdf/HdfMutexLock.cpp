@@ -4,7 +4,8 @@ namespace Tav::Imaging::RawImage {
 
 HdfMutexLock::~HdfMutexLock()
 {
-    // Nobody notes whether the mutex was taken: a release of one that was not fails and changes nothing.
+    // The lock does not record whether it has the mutex: releasing a mutex that is not held fails and changes
+    // nothing.
     if (handle)
         ReleaseMutex(handle);
 }

@@ -8,9 +8,9 @@ namespace Tav::Imaging::RawImage {
 /// name.
 constexpr wchar_t hdfMutexName[] = L"Perivane_Mutex_HDF5_Library";
 
-/// Holds a handle of the mutex, which may be null, and releases the mutex at its end, also one that was not
-/// taken. The handle is never closed: the last one that is closed destroys the mutex, and the next read would
-/// find none of that name.
+/// Holds a handle of the mutex, which may be null. Its destructor releases the mutex, even if it was not
+/// acquired. The handle is never closed: closing the last handle destroys the mutex, and the next read would
+/// find no mutex of that name.
 class HdfMutexLock
 {
 public:
@@ -19,7 +19,7 @@ public:
     HdfMutexLock& operator=(const HdfMutexLock&) = delete;
     ~HdfMutexLock();
 
-    /// Waits for the mutex, one second at most. False when it was not to be had.
+    /// Waits for the mutex, one second at most. Returns false if it was not available.
     [[nodiscard]] bool Acquire() const noexcept;
 
 private:

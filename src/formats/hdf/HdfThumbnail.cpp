@@ -10,8 +10,7 @@ namespace Tav::Imaging::RawImage {
 
 namespace {
 
-/// True for the beginning of a file that a reader of ours takes: a thumbnail that is one would lead back
-/// here.
+/// True if one of our own readers would read the file. WIC would give such a thumbnail back to Lumora.
 bool IsOwnFormat(const std::vector<uint8_t>& file)
 {
     if (file.size() < identificationBytes)

@@ -18,7 +18,8 @@ bool Json::GetString(const std::string& key, std::string& value) const
     for (size_t begin = 0, end = 0; begin < text.size(); begin = end + 1)
     {
         end = std::min(text.find('\n', begin), text.size());
-        // One line at a time, and only with few colons: a list of all pieces can be many times the text.
+        // Splits one line at a time, and only if it has few colons: a list of all pieces can be many times as
+        // large as the text.
         if (std::count(text.begin() + static_cast<std::ptrdiff_t>(begin),
                        text.begin() + static_cast<std::ptrdiff_t>(end), ':') > 2)
             continue;

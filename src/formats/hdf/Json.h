@@ -4,8 +4,8 @@
 
 namespace Tav::Imaging::RawImage {
 
-/// Finds single text values in the JSON texts that programs store one member to a line. It is no parser: a
-/// line counts when it holds exactly one colon, the key in quotes before it and a quoted value after it.
+/// Finds single text values in JSON texts with one member per line. It is not a parser: it uses a line only
+/// if it has exactly one colon, the key in quotes before it and a quoted value after it.
 class Json
 {
 public:

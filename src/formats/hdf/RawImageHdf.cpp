@@ -86,7 +86,7 @@ bool RawImageHdf::ReadFile(HdfContents& file, uint32_t frameIndex)
         hdfLog.Write(L"Using embedded jpeg thumbnail");
         if (entry.path == discovery.thumbnailPath)
             return true;
-        // Spelled otherwise, there can be several.
+        // There can be several thumbnails, whose paths differ in letter case.
         std::optional<JpegPicture> picture = DecodeHdfThumbnail(file, entry.path);
         if (!picture || picture->width != width || picture->height != height)
             return hdfLog.Fail(L"Could not read jpeg image");

@@ -14,8 +14,8 @@ namespace Tav::Imaging::RawImage {
 class RawImageHdf final : public RawImageBase
 {
 public:
-    /// Takes a handle of the library's mutex, which may be null. It is never closed, so that the mutex
-    /// continues to exist.
+    /// Takes a handle of the library's mutex, which may be null. The handle is never closed, so that the
+    /// mutex continues to exist.
     explicit RawImageHdf(HANDLE mutexHandle) noexcept : mutex(mutexHandle) {}
     RawImageHdf(const RawImageHdf&) = delete;
     RawImageHdf& operator=(const RawImageHdf&) = delete;

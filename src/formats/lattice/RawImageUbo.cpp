@@ -18,7 +18,7 @@ constexpr ReaderLog log{L"UBO: "};
 
 constexpr size_t longestHeader = 0x3FFFF;
 
-/// The file's beginning as text, at its full length whatever the file has; zero bytes count as spaces.
+/// The file's first bytes as text. A shorter file is filled up with spaces, and zero bytes count as spaces.
 std::optional<std::string> ReadHeaderText(StreamReader& reader, uint64_t streamSize)
 {
     const auto bytes = reader.ReadBytes(static_cast<size_t>(std::min<uint64_t>(streamSize, longestHeader)));
@@ -75,7 +75,7 @@ bool RawImageUbo::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
         ++frameCount;
     if (frameIndex >= frameCount)
         return log.Fail(L"Frame index is out of range");
-    // Only slices that are too large to be read make products beyond 64 bits.
+    // The products exceed 64 bits only for slices that are too large to be read.
     const uint64_t sliceBytes = uint64_t{width} * height * BytesPerPixel(pixelType);
     return ConvertToDisplay(stream, streamSize,
                             header.dataOffset + SliceOfFrame(frameIndex, slices) * sliceBytes);

@@ -18,7 +18,7 @@ struct TypeWord
     PixelType pixelType;
 };
 
-// The longer word first where one holds another.
+// If a word contains another, the longer one comes first.
 constexpr TypeWord typeWords[] = {
     {"byte", PixelType::UInt8}, {"ushort", PixelType::UInt16}, {"short", PixelType::Int16},
     {"int", PixelType::Int32},  {"float", PixelType::Float32}, {"double", PixelType::Double64},
@@ -96,8 +96,8 @@ bool UboHeaderParser::Parse(std::string_view text)
 
 void UboHeaderParser::Scan(std::string_view text)
 {
-    // The current line without the white space around it. Kept up to date with every character: a line
-    // can be as long as the header and hold as many braces.
+    // The current line without the white space around it. Every character updates it, because a line can be
+    // as long as the header and hold as many braces.
     std::string_view line;
     for (size_t i = 0; i < text.size(); ++i)
     {

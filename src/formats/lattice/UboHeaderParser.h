@@ -33,7 +33,7 @@ private:
     void Scan(std::string_view text);
     void OpenSection(std::string_view line);
     void CloseSection();
-    /// Takes one line, trimmed and not empty; true when it is the line that the data follow.
+    /// Takes one line, trimmed and not empty. Returns true if the data follow this line.
     [[nodiscard]] bool TakeLine(std::string_view line);
     [[nodiscard]] bool TakeParameter(std::string_view line);
     [[nodiscard]] bool FindSampleType();
@@ -43,7 +43,7 @@ private:
     std::vector<std::string> headerLines;
     uint32_t openSections = 0;
     bool isInParameters = false;
-    /// Only the first outermost block is structured; later braces are text.
+    /// True until the first outermost block ends; later braces are text.
     bool hasSectionMarks = true;
     bool isDataAnnounced = false;
 };

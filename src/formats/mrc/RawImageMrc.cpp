@@ -24,7 +24,7 @@ constexpr uint64_t labelsOffset = 224;
 constexpr size_t labelsBytes = 800;
 
 constexpr uint64_t mainHeaderBytes = 1024;
-// Some writers of long stacks pad the main header; the file size tells whether this one did.
+// Some writers of long stacks pad the main header; the file size shows whether this one did.
 constexpr uint32_t longStackSections = 1024;
 constexpr uint64_t longStackHeaderBytes = 8192;
 
@@ -80,8 +80,8 @@ std::optional<std::wstring> ReadApplication(StreamReader& reader)
     return application;
 }
 
-/// How many whole sections lie behind an offset, modulo 2^32: an offset beyond the end of the stream makes
-/// this a huge count, and the read of the section finds that the stream ends.
+/// The number of whole sections after an offset, modulo 2^32. If the offset is beyond the end of the stream,
+/// the count is huge, and reading the section then fails.
 uint32_t CountSections(uint64_t offset, uint64_t streamSize, uint32_t sectionBytes) noexcept
 {
     return static_cast<uint32_t>((streamSize - offset) / sectionBytes);

@@ -16,16 +16,18 @@ public:
     bool Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint32_t frameIndex) override;
 
 private:
-    /// Big-endian where the little-endian size makes no sense; false when neither does.
+    /// Uses big-endian order if the little-endian size is not plausible. Returns false if neither size is
+    /// plausible.
     [[nodiscard]] bool ReadSizeInEitherByteOrder(StreamReader& reader);
     [[nodiscard]] bool ReadSize(StreamReader& reader);
     [[nodiscard]] bool HasPlausibleSize() const noexcept;
     [[nodiscard]] uint32_t SectionBytes() const noexcept;
-    /// The offset of the first section; nothing when there is no whole one. The number of frames becomes that
-    /// of the sections that are there.
+    /// The offset of the first section; nothing if there is no whole section. If the file holds fewer
+    /// sections than the header says, or the header says 0, the number of frames becomes that of the whole
+    /// sections.
     [[nodiscard]] std::optional<uint64_t> FindSections(uint64_t streamSize, uint32_t extendedHeaderBytes,
                                                        uint32_t sectionBytes);
-    /// Samples of 4 bits, in mode 101 or, against the standard, in mode 0.
+    /// Recognises 4-bit samples: in mode 101 or, against the standard, in mode 0.
     void RecognisePackedSamples(StreamReader& reader);
     void ReadVersion(StreamReader& reader, uint32_t modeNumber);
 };

@@ -15,6 +15,6 @@ struct JpegPicture
     std::vector<uint8_t> pixels;
 };
 
-/// Decodes a JPEG file, with the codecs of Windows or, elsewhere, with libjpeg-turbo. Nothing for a file that
-/// cannot be decoded, and for a picture with a side longer than `longestSide` pixels.
+/// Decodes a JPEG file, with the codecs of Windows or, elsewhere, with libjpeg-turbo. Returns nothing if the
+/// file cannot be decoded, or a side of the picture is longer than `longestSide` pixels.
 [[nodiscard]] std::optional<JpegPicture> DecodeJpeg(std::span<const uint8_t> file, uint32_t longestSide);

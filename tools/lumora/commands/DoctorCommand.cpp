@@ -46,7 +46,7 @@ std::wstring Line(CheckState state, const std::wstring& what, const std::wstring
     return text + what + L": " + detail + L'\n';
 }
 
-/// What is well with a file takes one line, the rest a line for each.
+/// All checks that are ok share one line. Every other check has its own line.
 std::wstring ForPeople(const FileChecks& file)
 {
     std::wstring good;

@@ -5,7 +5,7 @@
 
 namespace Lumora {
 
-/// Tells why there is no thumbnail. Gives the exit code.
+/// Explains why a thumbnail is missing. Returns the exit code.
 [[nodiscard]] int RunDoctor(const CommandLine& line, Console& console);
 
 } // namespace Lumora

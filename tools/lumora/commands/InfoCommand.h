@@ -5,7 +5,7 @@
 
 namespace Lumora {
 
-/// Prints the properties of files. Gives the exit code.
+/// Prints the properties of files. Returns the exit code.
 [[nodiscard]] int RunInfo(const CommandLine& line, Console& console);
 
 } // namespace Lumora

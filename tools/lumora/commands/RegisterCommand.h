@@ -5,10 +5,10 @@
 
 namespace Lumora {
 
-/// Registers Lumora, or checks its registration. Gives the exit code.
+/// Registers Lumora, or checks its registration. Returns the exit code.
 [[nodiscard]] int RunRegister(const CommandLine& line, Console& console);
 
-/// Takes the registration back. Gives the exit code.
+/// Removes the registration. Returns the exit code.
 [[nodiscard]] int RunUnregister(const CommandLine& line, Console& console);
 
 } // namespace Lumora

@@ -5,7 +5,7 @@
 
 namespace Lumora {
 
-/// Writes pictures of files. Gives the exit code.
+/// Writes pictures of files. Returns the exit code.
 [[nodiscard]] int RunRender(const CommandLine& line, Console& console);
 
 } // namespace Lumora

@@ -16,7 +16,7 @@ namespace {
 
 constexpr uint32_t usualPictureSide = 200;
 
-/// Makes sure before the work that the sheet can get its name, and that no source loses its own.
+/// Checks before the work that the sheet can have this name, and that it replaces no source.
 void PreparePlace(const std::wstring& name, const std::wstring& path, const FileList& list)
 {
     const DWORD attributes = GetFileAttributesW(path.c_str());

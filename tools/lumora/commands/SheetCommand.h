@@ -5,7 +5,7 @@
 
 namespace Lumora {
 
-/// Writes a contact sheet of files. Gives the exit code.
+/// Writes a contact sheet of files. Returns the exit code.
 [[nodiscard]] int RunSheet(const CommandLine& line, Console& console);
 
 } // namespace Lumora

@@ -56,7 +56,7 @@ void Console::ShowPassing(std::wstring_view line)
     RemovePassing();
     CONSOLE_SCREEN_BUFFER_INFO screen = {};
     const bool isKnown = GetConsoleScreenBufferInfo(error.handle, &screen) != FALSE;
-    // A line that is as wide as the terminal would go on in the next one and stay there.
+    // A line that is as wide as the terminal would continue in the next line and stay there.
     const size_t width = isKnown && screen.dwSize.X > 1 ? static_cast<size_t>(screen.dwSize.X - 1) : 79;
     passingLength = std::min(line.size(), width);
     Write(error, L"\r" + std::wstring(line.substr(0, passingLength)));

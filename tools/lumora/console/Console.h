@@ -13,7 +13,7 @@ class Console
 public:
     Console();
 
-    /// Writes to the standard output. The line end is the caller's.
+    /// Writes to the standard output. The caller adds the line end.
     void Print(std::wstring_view text);
 
     /// Writes one line to standard error.

@@ -129,7 +129,7 @@ catch (const Failure& failure)
 }
 catch (const std::exception& exception)
 {
-    // The decoder lets exhausted memory pass through to its host.
+    // The decoder passes the exception of exhausted memory on to its host.
     const std::string_view text = exception.what();
     return L"an exception ended the work: " + std::wstring(text.begin(), text.end());
 }

@@ -14,7 +14,7 @@ struct Failure
     std::wstring text;
 };
 
-/// Said when Windows does not know Lumora.
+/// The message if Lumora is not registered.
 inline constexpr const wchar_t* notRegistered =
     L"Lumora is not registered with Windows; \"lumora register\" does that";
 
@@ -24,10 +24,10 @@ inline constexpr const wchar_t* notRegistered =
 /// The error code of a system call in the same form.
 [[nodiscard]] std::wstring DescribeError(DWORD error);
 
-/// Throws a failure when the result is one. `what` says what was tried: "cannot open the file".
+/// Throws a failure if the result is one. `what` says what failed: "cannot open the file".
 void Require(HRESULT result, const wchar_t* what);
 
-/// Does the work. Gives what went wrong: the text of a failure, or what is known of another exception.
+/// Does the work. Returns what went wrong: the text of a failure, or what is known of another exception.
 [[nodiscard]] std::optional<std::wstring> FailureOf(const std::function<void()>& work);
 
 } // namespace Lumora

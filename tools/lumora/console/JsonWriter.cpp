@@ -36,7 +36,7 @@ void JsonWriter::BeginArray(std::wstring_view name)
 void JsonWriter::EndArray()
 {
     --depth;
-    // One that holds nothing ends where it began.
+    // An empty array ends in the line in which it began.
     if (!isFirst)
         text += L'\n' + std::wstring(2 * depth, L' ');
     text += L']';

@@ -7,8 +7,8 @@
 
 namespace Lumora {
 
-/// Writes JSON (RFC 8259): each object of an array begins a line. What is begun is ended by the caller, in
-/// the reverse order.
+/// Writes JSON (RFC 8259): each object of an array begins a line. The caller ends what it has begun, in the
+/// reverse order.
 class JsonWriter
 {
 public:

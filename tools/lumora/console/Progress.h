@@ -7,7 +7,7 @@
 
 namespace Lumora {
 
-/// Tells a person at the terminal how far a longer piece of work has come.
+/// Shows a person at the terminal how far a longer piece of work has got.
 class Progress
 {
 public:

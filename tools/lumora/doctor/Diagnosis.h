@@ -28,8 +28,8 @@ struct FileChecks
     std::vector<Check> checks;
 };
 
-/// Why something is wrong, from the most fundamental cause on: while it stands, mending a later one is in
-/// vain or cannot even be told.
+/// Why something is wrong, the most fundamental cause first. While a cause exists, fixing a later one does
+/// not help, or the later one cannot be found.
 enum class Cause
 {
     UnreadableRegistry,
@@ -49,13 +49,13 @@ enum class Cause
 class Diagnosis
 {
 public:
-    /// What is noted from now on concerns this file.
+    /// All checks from now on concern this file.
     void BeginFile(const std::wstring& name);
 
     void Ok(const wchar_t* what, const std::wstring& detail);
-    /// Something that is as it may be. The advice, if there is one, is for when nothing is wrong.
+    /// Something that is allowed. The advice, if there is one, is used if nothing is wrong.
     void Note(const wchar_t* what, const std::wstring& detail, const std::wstring& advice = {});
-    /// Something that is wrong, and in a sentence or two what to do about it.
+    /// Something that is wrong, with advice in a sentence or two.
     void Problem(Cause cause, const wchar_t* what, const std::wstring& detail, const std::wstring& advice);
 
     [[nodiscard]] bool IsAllWell() const noexcept { return !worst; }

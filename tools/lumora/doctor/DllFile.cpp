@@ -20,7 +20,7 @@ struct HandleCloser
 
 using File = std::unique_ptr<void, HandleCloser>;
 
-/// Reads a structure. False when the file ends before it does.
+/// Reads a structure. Returns false if the file ends before the structure does.
 template <typename Structure>
 bool ReadAt(const File& file, LONGLONG offset, Structure& structure)
 {
@@ -31,7 +31,7 @@ bool ReadAt(const File& file, LONGLONG offset, Structure& structure)
            ReadFile(file.get(), &structure, sizeof(structure), &count, nullptr) && count == sizeof(structure);
 }
 
-/// What the headers, which no loader has looked at yet, tell against the file.
+/// What is wrong with the headers, which no loader has checked yet; null if nothing is.
 const wchar_t* DefectOfHeaders(const File& file)
 {
     constexpr const wchar_t* noDll = L"is no DLL";
@@ -56,8 +56,8 @@ const wchar_t* DefectOfHeaders(const File& file)
     return nullptr;
 }
 
-/// Whether the bytes add up to what the linker has put in the header. Without that sum there is nothing to
-/// compare.
+/// Whether the file has the checksum that the linker has stored in the header. Without a stored checksum, the
+/// file counts as undamaged.
 bool IsUndamaged(const std::wstring& path)
 {
     DWORD linked = 0;
@@ -66,10 +66,10 @@ bool IsUndamaged(const std::wstring& path)
            (linked == 0 || linked == present);
 }
 
-/// Loads the DLL and lets go of it. Gives the error.
+/// Loads the DLL and releases it. Returns the error.
 DWORD TryToLoad(const std::wstring& path)
 {
-    // No message box of the loader's: it would wait for somebody to press a button.
+    // The loader must not show a message box, which would wait until somebody presses a button.
     DWORD oldMode = 0;
     SetThreadErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX, &oldMode);
     const HMODULE module = LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);

@@ -28,7 +28,7 @@ struct Setting
 constexpr const wchar_t* policyAdvice =
     L"A policy turns Explorer's thumbnails off: whoever administers this machine can change it.";
 
-// The names of the hives are no constants to the compiler.
+// The table is not constexpr, because the names of the hives are not constants for the compiler.
 const Setting settings[] = {
     {{HKEY_CURRENT_USER, L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Advanced"},
      L"IconsOnly",
@@ -41,7 +41,7 @@ const Setting settings[] = {
      policyAdvice},
 };
 
-/// Whether a value of the registration, as people are told of it, belongs to the extension.
+/// Whether a value of the registration, by its name for people, belongs to the extension.
 bool IsAbout(std::wstring_view valueName, std::wstring_view extension)
 {
     while (!valueName.empty())
@@ -54,8 +54,8 @@ bool IsAbout(std::wstring_view valueName, std::wstring_view extension)
     return false;
 }
 
-/// The registration's entry for the extension that tells the shell where thumbnails come from; nothing where
-/// the extension is left out.
+/// The registration's entry that names the extension's thumbnail provider; nothing if the extension is left
+/// out.
 std::optional<RegistryEntry> ThumbnailEntry(const wchar_t* extension, Scope scope)
 {
     const std::wstring path = ClassesKey(scope, extension).FullPath() + L"\\ShellEx\\";
@@ -67,7 +67,7 @@ std::optional<RegistryEntry> ThumbnailEntry(const wchar_t* extension, Scope scop
     return std::nullopt;
 }
 
-/// Where the shell, after all that it takes into account, would have the extension's thumbnails from.
+/// The thumbnail provider that the shell would use for the extension, by all of its own rules.
 std::wstring ShellsThumbnailProvider(const wchar_t* extension, const RegistryEntry& entry)
 {
     const std::wstring key = entry.key.FullPath();

@@ -7,10 +7,10 @@
 
 namespace Lumora {
 
-/// Whether Explorer shows thumbnails at all.
+/// Checks whether Explorer shows thumbnails at all.
 void CheckExplorerSettings(Diagnosis& diagnosis);
 
-/// What Explorer is told about files of that name's extension, by a Lumora that is registered.
+/// Checks what is registered for the extension of that file name. Lumora must be registered.
 void CheckExtension(const std::wstring& fileName, const RegistrationFindings& findings, Diagnosis& diagnosis);
 
 } // namespace Lumora

@@ -36,7 +36,8 @@ void CheckClass(const wchar_t* what, REFCLSID classId, REFIID interfaceId, Scope
                           : std::wstring(L"Windows cannot start Lumora's ") + what + L": " + why + L'.');
 }
 
-/// The first frame, as small as Explorer's larger thumbnails. Gives the file's frames and the frame's size.
+/// Decodes the first frame in the size of Explorer's larger thumbnails. Returns the number of frames and the
+/// frame's own size, in words.
 std::wstring DecodePicture(IWICImagingFactory& factory, const std::wstring& path)
 {
     constexpr uint32_t thumbnailSide = 256;
@@ -54,7 +55,7 @@ std::wstring DecodePicture(IWICImagingFactory& factory, const std::wstring& path
            std::to_wstring(width) + L" x " + std::to_wstring(height) + L" pixels";
 }
 
-/// Does one thing with the file, which may fail. Gives the lines that the reader wrote.
+/// Does one thing with the file, which may fail. Returns the lines that the reader wrote.
 template <typename Work>
 std::vector<std::wstring> Try(const wchar_t* what, const SourceFile& file, const Work& work,
                               DecoderLines& decoderLines, Diagnosis& diagnosis)

@@ -9,7 +9,7 @@
 
 namespace Lumora {
 
-/// Starts the classes, which are registered in that scope. Gives WIC's factory, or nothing when WIC does not
+/// Starts the classes, which are registered in that scope. Returns WIC's factory, or nothing if WIC does not
 /// know the decoder.
 [[nodiscard]] ComPtr<IWICImagingFactory> CheckClasses(Scope scope, Diagnosis& diagnosis);
 

@@ -134,8 +134,8 @@ private:
             diagnosis.Note(L"Lumora.dll", path + L" is registered; " + wanted + L' ' + *wantedDefect);
     }
 
-    /// The values in the scope that counts, held against the table for the DLL that it names: which DLL that
-    /// should be is another question.
+    /// Compares the values in the scope that counts with the table for the DLL that is registered there.
+    /// CheckDll checks whether this is the right DLL.
     void CheckTable(const std::wstring& path)
     {
         const wchar_t* const subject = Subject(findings.scope);
@@ -154,7 +154,8 @@ private:
             diagnosis.Ok(subject, std::to_wstring(state.inPlace) + L" entries");
     }
 
-    /// What the user has in the same places as the machine and differently: Windows looks there first.
+    /// Checks the user's values that differ from the machine's, because Windows reads the user's values
+    /// first.
     void CheckHiding(const std::wstring& machinesPath, const std::vector<std::wstring>& ofUser)
     {
         const wchar_t* const subject = Subject(Scope::User);
@@ -190,7 +191,7 @@ private:
                                      state.leftToOthers.end());
     }
 
-    /// Tells how to register, with what is to be said behind the command.
+    /// Says how to register; `how` follows the command.
     [[nodiscard]] std::wstring RunRegister(const wchar_t* how) const
     {
         const bool isForUser = findings.scope == Scope::User;

@@ -8,16 +8,16 @@
 
 namespace Lumora {
 
-/// What the checks of the registration mean for those that follow.
+/// What the checks of the registration mean for the checks after them.
 struct RegistrationFindings
 {
-    /// Whether COM is told of a DLL for one of the classes at least.
+    /// Whether a DLL is registered for at least one of the classes.
     bool isRegistered = false;
     /// Whether every such DLL can be loaded.
     bool isUsable = false;
     /// Whose registration it is: the machine's where there is one.
     Scope scope = Scope::Machine;
-    /// Values of the machine's and of the user's that another program has set.
+    /// Values of the machine and of the user that another program has set.
     std::vector<std::wstring> leftToOthers;
 };
 

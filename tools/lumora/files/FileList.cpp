@@ -22,13 +22,13 @@ struct FolderEntry
 {
     std::wstring name;
     bool isFolder;
-    /// A link to somewhere else, which may lead back to where it stands.
+    /// A link to another place, which may lead back to the folder of the link.
     bool isLink;
-    /// A file that must be fetched from afar before it can be read.
+    /// A file that must be downloaded before it can be read.
     bool isOffline;
 };
 
-/// What a folder holds of this pattern, by name.
+/// The entries of a folder that match the pattern, sorted by name.
 std::vector<FolderEntry> ListFolder(const std::wstring& folder, const std::wstring& pattern)
 {
     std::vector<FolderEntry> entries;
@@ -120,8 +120,8 @@ private:
             throw Failure{L"there is no file for Lumora in this folder"};
     }
 
-    /// Adds the files of one folder and notes its subfolders. One that cannot be listed does not keep its
-    /// neighbours from being looked at.
+    /// Adds the files of one folder and notes its subfolders. If a folder cannot be listed, the search
+    /// continues with the others.
     void FindIn(const std::wstring& folder, const std::wstring& subfolder, std::vector<std::wstring>& pending)
     try
     {
@@ -135,7 +135,7 @@ private:
             if (entry.isFolder && !entry.isLink)
                 pending.push_back(JoinPath(subfolder, entry.name));
         }
-        // The last one is taken first.
+        // The search takes the last one first.
         std::reverse(pending.begin() + static_cast<std::ptrdiff_t>(firstPending), pending.end());
     }
     catch (const Failure& failure)

@@ -21,14 +21,14 @@ struct SourceFile
     std::wstring subfolder;
 };
 
-/// The files to work on, and how many of the given names led to none.
+/// The files to work on, and how many of the given paths have failed.
 struct FileList
 {
     std::vector<SourceFile> files;
     size_t failures = 0;
 };
 
-/// The extension, which begins with its point, as Lumora registers it; null for another one.
+/// The extension, with its dot, as Lumora registers it; null if Lumora does not register it.
 [[nodiscard]] const Extension* RegisteredExtension(std::wstring_view text) noexcept;
 
 /// Which files below a folder count.
@@ -36,12 +36,12 @@ enum class FolderRule
 {
     /// Those with an extension that Lumora registers.
     RegisteredExtension,
-    /// Those, and also files of any other name that Lumora reads. Lumora must be registered.
+    /// Those, and all other files that Lumora can read. Lumora must be registered.
     ReadableToo,
 };
 
 /// Finds what the paths name: files, patterns with * and ? in their last part, and folders with all that is
-/// below them. A path that names nothing is complained about.
+/// below them. Complains about a path that names nothing.
 [[nodiscard]] FileList FindFiles(const std::vector<std::wstring>& paths, FolderRule rule, Console& console);
 
 } // namespace Lumora

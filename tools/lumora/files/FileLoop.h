@@ -10,9 +10,9 @@
 
 namespace Lumora {
 
-/// Does the work on every file of the list, and goes on after one that fails. A failure is told on standard
-/// error, with the reader's last note if it wrote any. `whenDone` hears of each file, and why it failed if it
-/// did; what that throws ends the loop. Gives the exit code.
+/// Does the work on every file of the list, and goes on after one that fails. Writes a failure to standard
+/// error, with the reader's last line if there is one. Calls `whenDone` for each file, with the failure if
+/// there is one; an exception from it ends the loop. Returns the exit code.
 int ForEachFile(
     const FileList& list, const CommandLine& line, Console& console,
     const std::function<void(const SourceFile&)>& work,

@@ -11,14 +11,14 @@
 
 namespace Lumora {
 
-/// Hands out the names of the pictures, each only once, and none that is a source's.
+/// Chooses the names of the pictures: each only once, and never that of a source.
 class OutputNames
 {
 public:
     OutputNames(std::wstring folder, const std::vector<SourceFile>& sources);
 
-    /// The name for a frame of the file, with a number in it when there is one. Makes the folder that it is
-    /// in. Throws a Failure when the name is taken.
+    /// The name for a frame of the file, with the frame's number if one is given. Makes the folder of the
+    /// picture. Throws a Failure if the name is taken.
     [[nodiscard]] std::wstring Claim(const SourceFile& file, std::optional<uint32_t> frame);
 
 private:

@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::wstring_view separators = L"\\/";
 
-/// Paths shorter than this need no prefix, also not those of folders.
+/// Paths shorter than this need no prefix, not even those of folders.
 constexpr size_t plainPathLimit = 248;
 
 int CompareNames(std::wstring_view left, std::wstring_view right) noexcept
@@ -23,7 +23,8 @@ std::wstring FullPath(const std::wstring& path)
 {
     std::wstring full(GetFullPathNameW(path.c_str(), 0, nullptr, nullptr), L'\0');
     full.resize(GetFullPathNameW(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
-    // What Windows cannot make a path of is left as it is, for the opening to complain about.
+    // If Windows cannot make a full path, the path does not change, and opening it then fails with the
+    // reason.
     return full.empty() ? path : full;
 }
 
@@ -43,7 +44,7 @@ std::wstring JoinPath(std::wstring_view folder, std::wstring_view name)
     if (!path.empty() && !name.empty() && separators.find(path.back()) == std::wstring_view::npos &&
         path.back() != L':')
     {
-        // As the user writes them.
+        // Use the separator that the user writes.
         const size_t separator = path.find_first_of(separators);
         path += separator == std::wstring::npos ? L'\\' : path[separator];
     }

@@ -23,7 +23,7 @@ namespace Lumora {
 /// The last part without its extension.
 [[nodiscard]] std::wstring_view Stem(std::wstring_view path) noexcept;
 
-/// The extension with its point, or nothing. A point at the beginning of a name starts no extension.
+/// The extension with its dot, or nothing. A dot at the beginning of a name starts no extension.
 [[nodiscard]] std::wstring_view FileExtension(std::wstring_view path) noexcept;
 
 /// The folder in which this program lies.

@@ -14,7 +14,7 @@ namespace Lumora {
 class PictureFile
 {
 public:
-    /// Opens the file; also fails when WIC gives it to a codec other than Lumora's.
+    /// Opens the file. Also fails if WIC opens it with another codec.
     PictureFile(IWICImagingFactory& factory, const std::wstring& path);
 
     [[nodiscard]] uint32_t FrameCount() const;

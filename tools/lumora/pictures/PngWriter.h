@@ -14,7 +14,7 @@
 namespace Lumora {
 
 /// A PNG file that is written from the top row to the last. It gets its name, and replaces a file of that
-/// name, once it is complete. Whatever fails throws a Failure.
+/// name, only when it is complete. Whatever fails throws a Failure.
 class PngWriter
 {
 public:
@@ -31,13 +31,13 @@ public:
     void Finish();
 
 private:
-    // The file is let go before it is renamed or deleted.
+    // This member is destroyed last, so that the file is closed before it is renamed or deleted.
     const UnfinishedFile file;
     ComPtr<IWICStream> stream;
     ComPtr<IWICBitmapEncoder> encoder;
     ComPtr<IWICBitmapFrameEncode> frame;
     const WICPixelFormatGUID sourceFormat;
-    /// What the encoder takes in its place.
+    /// The format that the encoder takes instead.
     WICPixelFormatGUID encodedFormat;
 };
 

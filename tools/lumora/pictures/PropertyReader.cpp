@@ -54,7 +54,7 @@ public:
 
 std::vector<PropertyReading> ReadProperties(const std::wstring& path)
 {
-    // Whoever is writing the file goes on writing.
+    // A program that is writing the file can continue.
     ComPtr<IStream> stream;
     Require(SHCreateStreamOnFileEx(path.c_str(), STGM_READ | STGM_SHARE_DENY_NONE, 0, FALSE, nullptr,
                                    stream.Put()),

@@ -4,7 +4,7 @@
 
 namespace Lumora {
 
-/// A file under a name of its own while it is being written; deleted unless it is kept.
+/// A file that has a temporary name while it is being written. It is deleted unless it is kept.
 class UnfinishedFile
 {
 public:
@@ -13,7 +13,7 @@ public:
     UnfinishedFile& operator=(const UnfinishedFile&) = delete;
     ~UnfinishedFile();
 
-    /// Gives the file its name; one that has it already is replaced. Throws a Failure.
+    /// Gives the file its final name and replaces a file of that name. Throws a Failure.
     void Keep() const;
 
     const std::wstring path;

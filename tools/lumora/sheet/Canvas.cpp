@@ -18,25 +18,25 @@ constexpr uint32_t StrideOf(uint32_t width) noexcept
     return (width * bytesPerPixel + 3) / 4 * 4;
 }
 
-/// The font of Windows. Where it is missing GDI takes another one.
+/// The font of Windows. If it is missing, GDI uses another one.
 LOGFONTW CaptionFont() noexcept
 {
     LOGFONTW font = {};
     font.lfHeight = -12; // the letters' own height, without the space above and below
     font.lfWeight = FW_NORMAL;
     font.lfCharSet = DEFAULT_CHARSET;
-    // The coloured edges of ClearType suit only the screen for which they were made.
+    // No ClearType: its coloured edges look right only on the screen for which they were made.
     font.lfQuality = ANTIALIASED_QUALITY;
     std::wcscpy(font.lfFaceName, L"Segoe UI");
     return font;
 }
 
-/// What is left when all but so many characters give way to an ellipsis in the middle.
+/// The text with `kept` of its characters, and an ellipsis in the middle instead of the others.
 std::wstring WithoutMiddle(std::wstring_view text, size_t kept)
 {
     std::wstring_view head = text.substr(0, kept - kept / 2);
     std::wstring_view tail = text.substr(text.size() - kept / 2);
-    // Characters outside the basic plane are pairs, of which no half remains alone.
+    // A character outside the basic plane is a pair. If only half of the pair is left, it is removed, too.
     if (!head.empty() && IS_HIGH_SURROGATE(head.back()))
         head.remove_suffix(1);
     if (!tail.empty() && IS_LOW_SURROGATE(tail.front()))
@@ -90,14 +90,14 @@ void Canvas::Paint(IWICBitmapSource& picture, const Area& area)
     Require(picture.GetSize(&pictureWidth, &pictureHeight), L"cannot ask for the picture's size");
     if (pictureWidth > area.width || pictureHeight > area.height)
         throw Failure{L"the picture is too large for its place"};
-    // Wine makes three bytes of a gray one only by way of four.
+    // Wine cannot convert gray pixels to three bytes directly, but from four bytes it can.
     ComPtr<IWICBitmapSource> wide;
     ComPtr<IWICBitmapSource> converted;
     Require(WICConvertBitmapSource(GUID_WICPixelFormat32bppBGR, &picture, wide.Put()),
             L"cannot convert the picture");
     Require(WICConvertBitmapSource(Format(), wide.Get(), converted.Put()), L"cannot convert the picture");
 
-    // What GDI has drawn may still wait to be done.
+    // GDI may not have finished drawing yet.
     GdiFlush();
     const uint32_t left = area.left + (area.width - pictureWidth) / 2;
     const uint32_t top = area.top + (area.height - pictureHeight) / 2;
@@ -134,7 +134,7 @@ uint32_t Canvas::WidthOf(std::wstring_view text) const
 
 std::wstring Canvas::Fitted(std::wstring_view text, uint32_t room) const
 {
-    // GDI takes no more than 8192 characters at a time, and no cell has room for these.
+    // GDI takes at most 8192 characters at a time, and no cell has room for that many.
     constexpr size_t longestText = 1000;
     if (text.size() <= longestText && WidthOf(text) <= room)
         return std::wstring(text);

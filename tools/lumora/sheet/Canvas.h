@@ -22,8 +22,8 @@ struct Area
     uint32_t height = 0;
 };
 
-/// A place in memory for pictures and text: rows from the top, three bytes to a pixel. Areas are inside it.
-/// Whatever fails throws a Failure.
+/// A bitmap in memory for pictures and text: rows from the top, three bytes to a pixel. All areas must be
+/// inside it. Whatever fails throws a Failure.
 class Canvas
 {
 public:
@@ -34,8 +34,8 @@ public:
     /// Copies the picture into the middle of an area in which it has room.
     void Paint(IWICBitmapSource& picture, const Area& area);
 
-    /// Writes one line into the middle of the area. One that is too long loses its middle, because names of
-    /// one series differ at the end.
+    /// Writes one line into the middle of the area. A line that is too long loses its middle, because the
+    /// names of a series differ at the end.
     void Write(std::wstring_view text, const Area& area, COLORREF colour);
 
     /// How the pixels are stored.
@@ -62,7 +62,7 @@ private:
     const uint32_t height;
     const uint32_t stride;
     uint8_t* pixels = nullptr;
-    // What is selected into the context lives longer than it.
+    // These are selected into the context, so they must outlive it.
     std::unique_ptr<std::remove_pointer_t<HBITMAP>, ObjectDeleter> bitmap;
     std::unique_ptr<std::remove_pointer_t<HFONT>, ObjectDeleter> font;
     const std::unique_ptr<std::remove_pointer_t<HDC>, ContextDeleter> context;

@@ -8,13 +8,13 @@ namespace Lumora {
 
 namespace {
 
-/// Text needs some room below the smallest pictures too.
+/// Even the smallest pictures need some room for the text below them.
 constexpr uint32_t smallestCellWidth = 144;
 constexpr uint32_t gapAboveText = 8;
 constexpr uint32_t lineHeight = 16;
 constexpr uint32_t screenWidth = 1920;
 
-/// Programs that show pictures seldom take longer sides.
+/// Few programs can show pictures with longer sides.
 constexpr uint64_t longestSide = 65'535;
 
 uint32_t ColumnsOnScreen(uint32_t cellWidth)

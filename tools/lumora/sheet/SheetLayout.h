@@ -14,7 +14,7 @@ namespace Lumora {
 class SheetLayout
 {
 public:
-    /// Around the cells.
+    /// The gap around the cells.
     static constexpr uint32_t gap = 16;
     static constexpr uint32_t linesPerCell = 3;
 
@@ -26,15 +26,15 @@ public:
         std::array<Area, linesPerCell> lines;
     };
 
-    /// For so many cells with pictures of that side. Without a number of columns the sheet is about as wide
-    /// as a screen; with fewer cells it is as narrow as they are. Throws a Failure when it would be larger
-    /// than programs can show.
+    /// Makes a layout for this number of cells, whose pictures have this side. Without a number of columns,
+    /// the sheet is about as wide as a screen, or narrower if there are fewer cells. Throws a Failure if it
+    /// would be larger than programs can show.
     SheetLayout(size_t cells, uint32_t pictureSide, std::optional<uint32_t> columns);
 
     [[nodiscard]] uint32_t Columns() const noexcept { return columns; }
     [[nodiscard]] uint32_t Width() const noexcept { return width; }
     [[nodiscard]] uint32_t Height() const noexcept { return height; }
-    /// The height of the strip of one row with the gap below it; above the first one is another gap.
+    /// The height of the strip of one row, with the gap below it. There is another gap above the first strip.
     [[nodiscard]] uint32_t StripHeight() const noexcept;
     /// The cell in that column of a strip.
     [[nodiscard]] Cell CellAt(uint32_t column) const noexcept;

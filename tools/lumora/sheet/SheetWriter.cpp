@@ -11,7 +11,7 @@ namespace Lumora {
 
 namespace {
 
-/// Dark, so that it does not outshine the pictures, but not black as the edge of many a picture is.
+/// Dark, so that it does not outshine the pictures. Not black, because many pictures have black edges.
 constexpr COLORREF backgroundColour = RGB(48, 48, 48);
 constexpr COLORREF emptyPlaceColour = RGB(64, 64, 64);
 constexpr COLORREF nameColour = RGB(236, 236, 236);

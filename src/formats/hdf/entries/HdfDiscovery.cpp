@@ -33,7 +33,7 @@ std::optional<ImageSize> SizeOf(const HdfCandidate& image, std::string_view inte
     return ImageSize{image.sides[1], image.sides[0], 1};
 }
 
-/// The interlace that the attribute's text means; nothing, after a line, when it cannot be shown.
+/// The interlace that the attribute's text means; nothing, after a diagnostic line, if it cannot be shown.
 std::optional<HdfInterlace> InterlaceOf(std::string_view text, std::string_view path)
 {
     if (text.empty())
@@ -73,7 +73,7 @@ HdfDiscovery::HdfDiscovery(HdfContents& file)
 
 bool HdfDiscovery::AddThumbnail(HdfContents& file, const std::string& path)
 {
-    // Letter case makes thousands of such names, and each takes its time.
+    // There are thousands of such names, which differ in letter case, and each takes time.
     constexpr uint32_t mostThumbnails = 16;
     if (++thumbnailCount > mostThumbnails)
         return false;
@@ -99,7 +99,7 @@ void HdfDiscovery::AddImage(HdfContents& file, const HdfCandidate& candidate)
     if (!size || candidate.palettes < 0)
         return;
     const std::optional<std::string> path = file.Path();
-    // A thumbnail has been met as such.
+    // AddThumbnail handles thumbnails.
     if (!path || IsThumbnailPath(*path))
         return;
     const auto interlace = InterlaceOf(interlaceText, *path);

@@ -23,7 +23,7 @@ public:
 
 private:
     [[nodiscard]] bool AddThumbnail(HdfContents& file, const std::string& path);
-    /// Adds an image that can be shown; one that cannot is left out, with a line where the reason is of use.
+    /// Adds an image if it can be shown. Otherwise skips it, with a diagnostic line if the reason is useful.
     void AddImage(HdfContents& file, const HdfCandidate& candidate);
     /// Adds as many frames of the size and type of the first as the dataset holds.
     void AddFrames(HdfContents& file, HdfImageEntry first);

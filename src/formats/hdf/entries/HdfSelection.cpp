@@ -14,7 +14,7 @@ namespace {
 
 constexpr uint64_t mostEntries = 250;
 
-/// Stays at the largest number instead of beginning again.
+/// The sum, limited to the largest number instead of wrapping.
 uint64_t Sum(uint64_t a, uint64_t b)
 {
     return b > std::numeric_limits<uint64_t>::max() - a ? std::numeric_limits<uint64_t>::max() : a + b;
@@ -46,7 +46,7 @@ std::vector<HdfSelection::Run> HdfSelection::Candidates::All() const
     return runs;
 }
 
-/// The thumbnail, of which there are several when they differ in letter case.
+/// The last thumbnail: there can be several, whose paths differ in letter case.
 std::optional<size_t> HdfSelection::LastThumbnail(const std::vector<Run>& runs)
 {
     for (size_t i = runs.size(); i-- > 0;)
@@ -85,7 +85,7 @@ std::vector<HdfImageEntry> HdfSelection::Entries(bool isReductionTold) const
 {
     std::vector<Run> runs = others.All();
     uint64_t count = others.found;
-    // Of a file that has an image group, what lies outside is not shown, but for the thumbnail.
+    // If a file has an image group, images outside it are not shown, except the thumbnail.
     if (imageGroup.found > 0)
     {
         const std::optional<size_t> thumbnail = LastThumbnail(runs);

@@ -8,16 +8,16 @@
 
 namespace Tav::Imaging::RawImage {
 
-/// Chooses and orders the frames of a file as they are found: the one that stands for the file first, 250 at
-/// most. What can no longer be among them is counted and not kept, for a small file can promise more frames,
-/// or name one more often, than there is memory for.
+/// Chooses and orders the frames of a file as they are found: at most 250, and first the one that represents
+/// the file. Frames that can no longer be chosen are only counted, because a small file can promise more
+/// frames, or name one frame more often, than memory can hold.
 class HdfSelection
 {
 public:
     /// Adds the frames of a dataset, which differ from `first` only in their number.
     void Add(const HdfImageEntry& first, uint64_t frameCount);
 
-    /// The frames to show. Tells how many there were when those are more and `isReductionTold`.
+    /// The frames to show. If more were found and `isReductionTold` is set, a diagnostic line says how many.
     [[nodiscard]] std::vector<HdfImageEntry> Entries(bool isReductionTold) const;
 
 private:
@@ -32,7 +32,7 @@ private:
     struct Candidates
     {
         std::vector<Run> kept;
-        /// Behind those that can be shown, the first that is larger than all before.
+        /// After those that can be shown, the first of the largest, if it is larger than all kept ones.
         std::optional<Run> largestBehind;
         uint64_t found = 0;
         uint32_t largestArea = 0;

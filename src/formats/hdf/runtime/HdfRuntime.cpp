@@ -1,5 +1,5 @@
-// What the C code of the HDF5 module calls: its memory, its table of functions, and its end. A trap is a C++
-// exception, which passes through that code to the caller of the sandbox.
+// The functions that the C code of the HDF5 module calls for its memory, its table of functions and its
+// traps. A trap is a C++ exception, which passes through that code to the caller of the sandbox.
 
 #include "formats/hdf/sandbox/HdfSandbox.h"
 #include "platform/Pages.h"
@@ -19,7 +19,7 @@ constexpr size_t pageBytes = 0x10000;
 
 } // namespace
 
-// The names are those that wasm2c gives.
+// wasm2c chooses these names.
 // NOLINTBEGIN(readability-identifier-naming)
 extern "C" {
 
@@ -43,8 +43,8 @@ void wasm_rt_trap_stack()
     throw HdfTrap{};
 }
 
-/// A number made of a signature. cmake/hdf5/split_module.py has checked that no two in the module have the
-/// same.
+/// A hash of a function's signature. cmake/hdf5/split_module.py has checked that no two signatures in the
+/// module have the same hash.
 uint32_t wasm_rt_register_func_type(uint32_t params, uint32_t results, ...)
 {
     uint32_t sum = 2166136261U;
@@ -58,8 +58,8 @@ uint32_t wasm_rt_register_func_type(uint32_t params, uint32_t results, ...)
     return sum;
 }
 
-/// The addresses are reserved once, so that the memory never moves. Memory is put there as it grows. How much
-/// there may be stands in the structure before.
+/// Reserves the addresses once, so that the memory never moves, and commits memory as it grows. The caller
+/// has set the limit, `max_pages`.
 void wasm_rt_allocate_memory(wasm_rt_memory_t* memory, uint32_t initialPages, uint32_t maxPages)
 {
     const uint32_t pages = std::min(maxPages, memory->max_pages);
@@ -74,8 +74,8 @@ void wasm_rt_allocate_memory(wasm_rt_memory_t* memory, uint32_t initialPages, ui
     memory->size = initialPages * pageBytes;
 }
 
-/// To reach the limit is the module's affair: it gets no more and goes on. That the host has no memory is the
-/// host's.
+/// If the module reaches its limit, it gets no more memory and continues. If the host has no memory, the host
+/// gets an exception.
 uint32_t wasm_rt_grow_memory(wasm_rt_memory_t* memory, uint32_t pages)
 {
     const uint32_t before = memory->pages;

@@ -2,7 +2,7 @@
 
 #include "platform/ThreadStack.h"
 
-// What wasm2c has made of the library.
+// The library, as translated by wasm2c.
 #include <hdf5_module.h>
 
 #include <algorithm>
@@ -16,10 +16,11 @@ namespace {
 constexpr uint64_t pageBytes = 0x10000;
 constexpr uint64_t mostPages = 0xFFFF;
 
-/// The least of the 1 MiB that a thread has by default. Ordinary files need a quarter of it.
+/// The stack that a call may use: a small part of the 1 MiB that a thread has by default. Ordinary files need
+/// a quarter of it.
 constexpr size_t stackBytes = 0x30000;
 
-/// A step of work copies so many bytes.
+/// Copying this many bytes costs one step.
 constexpr uint64_t bytesPerStep = 64;
 
 } // namespace
@@ -40,7 +41,7 @@ struct HdfSandbox::Instance
     Z_hdf5_instance_t module{};
 };
 
-/// The stack is that of whatever thread calls.
+/// Any thread may call, so each call sets the stack limit for its thread.
 template <typename Function, typename... Arguments>
 auto HdfSandbox::Call(Function function, Arguments... arguments)
 {
@@ -51,7 +52,7 @@ auto HdfSandbox::Call(Function function, Arguments... arguments)
 HdfSandbox::HdfSandbox(uint64_t memoryBytes, int64_t steps)
 {
     const uint64_t pages = memoryBytes / pageBytes + 1;
-    // More than 32 bits address.
+    // 32 bits cannot address more.
     if (pages > mostPages)
         throw std::bad_alloc();
     instance = std::make_unique<Instance>(static_cast<uint32_t>(pages), steps);

@@ -9,19 +9,18 @@
 
 namespace Tav::Imaging::RawImage {
 
-/// What a sandbox ends with when something in it goes wrong: it touched memory that it has not, called what
-/// is no function, or used up its steps or its stack. It is not called again.
+/// Ends a sandbox in which something went wrong: it accessed memory that it does not have, called something
+/// that is not a function, or used up its steps or its stack. The sandbox is not called again.
 class HdfTrap : public std::exception
 {};
 
-/// One instance of the HDF5 library and of the code in hdf/inside, compiled to code that can touch nothing
-/// but a linear memory of its own. Calls go in; what they give back is untrusted. Nothing in here knows of
-/// the host's memory, of files, of time or of other threads. It may be called from any thread, by one at a
-/// time.
+/// One instance of the HDF5 library and of the code in hdf/inside, compiled to code that can access only its
+/// own linear memory. What a call returns is not trusted. The code inside cannot access the host's memory,
+/// files, the time or other threads. Any thread may call it, one at a time.
 class HdfSandbox
 {
 public:
-    /// A place in the linear memory.
+    /// An address in the linear memory.
     using Address = uint32_t;
 
     /// The linear memory never has more than `memoryBytes`, and all calls together take at most `steps` steps
@@ -36,7 +35,8 @@ public:
 
     /// The linear memory, until the next call.
     [[nodiscard]] std::span<uint8_t> Memory() noexcept;
-    /// A part of it. Throws HdfTrap when it does not lie within, and takes steps for copying it.
+    /// A part of the linear memory. Throws HdfTrap if it does not lie within. Counts the steps for copying
+    /// it.
     [[nodiscard]] std::span<uint8_t> Bytes(Address first, uint64_t count);
     /// The text that ends with the next zero byte. Throws HdfTrap when there is none in `longest` bytes.
     [[nodiscard]] std::string Text(Address first, uint64_t longest);
