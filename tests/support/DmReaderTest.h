@@ -26,7 +26,7 @@ protected:
     static DmFile File(const DmTags& root) { return DmFile{layout}.Root(root); }
 
     /// A file that holds these images and nothing else.
-    static std::vector<uint8_t> FileOf(std::initializer_list<DmImage> images)
+    static Bytes FileOf(std::initializer_list<DmImage> images)
     {
         DmTags list{layout};
         for (const DmImage& image : images)

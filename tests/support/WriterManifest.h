@@ -49,7 +49,7 @@ inline std::vector<WrittenFile> ReadManifest(const std::string& folder)
 
 /// A frame that begins where the samples do, with what its display depends on.
 inline StoredFrame WrittenFrame(const WrittenFile& file, const Tav::Imaging::RawImage::RawImageBase& reader,
-                                std::vector<uint8_t> samples)
+                                Bytes samples)
 {
     return {.pixelType = reader.pixelType,
             .width = file.width,
@@ -64,7 +64,7 @@ inline StoredFrame WrittenFrame(const WrittenFile& file, const Tav::Imaging::Raw
 inline StoredFrame WrittenFrame(const std::string& folder, const WrittenFile& file,
                                 const Tav::Imaging::RawImage::RawImageBase& reader, uint32_t frameIndex)
 {
-    const std::vector<uint8_t> samples = FileBytes(folder + file.name + ".raw");
+    const Bytes samples = FileBytes(folder + file.name + ".raw");
     EXPECT_EQ(samples.size() % file.frameCount, 0U);
     const size_t frameBytes = samples.size() / file.frameCount;
     const auto first = samples.begin() + static_cast<ptrdiff_t>(frameIndex * frameBytes);

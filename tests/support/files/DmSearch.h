@@ -92,7 +92,7 @@ void ExpectFound(const DmLayout& layout, const SearchRow& row)
     SCOPED_TRACE(row.what);
     TagList list{layout};
     row.write(list);
-    const std::vector<uint8_t> file = DmFile{layout}.Root(list.tags).Build();
+    const Bytes file = DmFile{layout}.Root(list.tags).Build();
     const auto frameCount = static_cast<uint32_t>(row.frames.size());
     for (uint32_t i = 0; i < frameCount; ++i)
     {

@@ -9,14 +9,13 @@ using testing::Each;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-std::vector<uint8_t> FirstBytes(const std::vector<uint8_t>& file, size_t length)
+Bytes FirstBytes(const Bytes& file, size_t length)
 {
     return {file.begin(), file.begin() + static_cast<ptrdiff_t>(length)};
 }
 
-void ExpectSaneReads(const RawImageBase* header, const std::vector<std::string>& headerLines,
-                     const RawImageBase* frame, const std::vector<std::string>& frameLines,
-                     uint32_t frameIndex, size_t place)
+void ExpectSaneReads(const RawImageBase* header, const Lines& headerLines, const RawImageBase* frame,
+                     const Lines& frameLines, uint32_t frameIndex, size_t place)
 {
     EXPECT_THAT(headerLines, Each(StartsWith("[Lumora] "))) << place;
     EXPECT_THAT(frameLines, Each(StartsWith("[Lumora] "))) << place;
@@ -47,7 +46,7 @@ void ExpectSaneReads(const RawImageBase* header, const std::vector<std::string>&
     EXPECT_EQ(frame->formatDetails, header->formatDetails) << place;
 }
 
-void ExpectSaneOutcome(const std::vector<uint8_t>& file, uint32_t frameIndex, size_t place)
+void ExpectSaneOutcome(const Bytes& file, uint32_t frameIndex, size_t place)
 {
     const FileOpen header{file, 0, frameIndex};
     const FileOpen frame{file, 1, frameIndex};

@@ -19,9 +19,6 @@ namespace {
 
 using namespace std::string_view_literals;
 
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
-
 const std::string unknown = "[Lumora] Could not identify the file format";
 
 static_assert(std::has_virtual_destructor_v<RawImage>);

@@ -25,9 +25,9 @@ protected:
             GTEST_SKIP() << "LUMORA_REAL_FILES names no folder: \"" LUMORA_REAL_FILES "\"";
     }
 
-    static std::vector<uint8_t> Load(const std::string& name)
+    static Bytes Load(const std::string& name)
     {
-        std::vector<uint8_t> bytes = FileBytes(LUMORA_REAL_FILES "/" + name);
+        Bytes bytes = FileBytes(LUMORA_REAL_FILES "/" + name);
         EXPECT_THAT(bytes, testing::Not(IsEmpty())) << name;
         return bytes;
     }
@@ -46,7 +46,7 @@ struct FileFacts
     std::wstring formatDetails;
 };
 
-void ExpectFacts(const std::vector<uint8_t>& file, const FileFacts& expected)
+void ExpectFacts(const Bytes& file, const FileFacts& expected)
 {
     const FileOpen header{file, 0};
     ASSERT_TRUE(header.succeeded);
@@ -72,12 +72,12 @@ struct FramePicture
     uint32_t sum;
 };
 
-void ExpectPicture(const std::vector<uint8_t>& file, const FramePicture& expected)
+void ExpectPicture(const Bytes& file, const FramePicture& expected)
 {
     const FileOpen open{file, 1, expected.frameIndex};
     ASSERT_TRUE(open.succeeded) << expected.frameIndex;
     EXPECT_THAT(open.lines, IsEmpty()) << expected.frameIndex;
-    const std::vector<uint8_t>& pixels = open.image.Reader()->displayPixels;
+    const Bytes& pixels = open.image.Reader()->displayPixels;
     ASSERT_GE(pixels.size(), 16U);
     EXPECT_TRUE(std::equal(expected.first.begin(), expected.first.end(), pixels.begin()))
         << expected.frameIndex;
@@ -88,7 +88,7 @@ void ExpectPicture(const std::vector<uint8_t>& file, const FramePicture& expecte
 
 TEST_F(RealFiles, DensityMap)
 {
-    const std::vector<uint8_t> file = Load("mrc/EMD-3197.map");
+    const Bytes file = Load("mrc/EMD-3197.map");
     ExpectFacts(file, {FileType::Mrc, 20, 20, 20, PixelType::Float32, false, L"", L"MRC Mode 2"});
     ExpectPicture(file,
                   {0, {36, 41, 44, 50, 57, 66, 63, 56}, {152, 145, 147, 143, 136, 124, 123, 120}, 50124});
@@ -100,7 +100,7 @@ TEST_F(RealFiles, DensityMap)
 
 TEST_F(RealFiles, DetectorMovie)
 {
-    const std::vector<uint8_t> file = Load("mrc/movie_348_frames.mrc");
+    const Bytes file = Load("mrc/movie_348_frames.mrc");
     ExpectFacts(file, {FileType::Mrc2014, 16, 16, 348, PixelType::UInt16, false, L"", L"MRC2014 Mode 6"});
     ExpectPicture(file, {0, {12, 2, 3, 5, 5, 7, 8, 59}, {239, 242, 239, 237, 231, 227, 225, 223}, 35007});
     ExpectPicture(file, {174, {15, 3, 4, 5, 5, 7, 8, 59}, {239, 243, 241, 237, 232, 228, 226, 223}, 35174});
@@ -109,7 +109,7 @@ TEST_F(RealFiles, DetectorMovie)
 
 TEST_F(RealFiles, SeriesOfDiffractionPatterns)
 {
-    const std::vector<uint8_t> file = Load("ser/diffraction_5_frames.ser");
+    const Bytes file = Load("ser/diffraction_5_frames.ser");
     ExpectFacts(file, {FileType::Ser, 128, 128, 5, PixelType::Int32, true, L"Pellox", L""});
     ExpectPicture(
         file, {0, {126, 125, 166, 104, 126, 104, 84, 126}, {104, 126, 126, 84, 169, 148, 127, 174}, 1946050});
@@ -125,7 +125,7 @@ TEST_F(RealFiles, SeriesOfDiffractionPatterns)
 
 TEST_F(RealFiles, SeriesOfOneImage)
 {
-    const std::vector<uint8_t> file = Load("ser/image_64.ser");
+    const Bytes file = Load("ser/image_64.ser");
     ExpectFacts(file, {FileType::Ser, 64, 64, 1, PixelType::Float32, true, L"Pellox", L""});
     ExpectPicture(
         file,
@@ -134,7 +134,7 @@ TEST_F(RealFiles, SeriesOfOneImage)
 
 TEST_F(RealFiles, SeriesOfSpectra)
 {
-    const std::vector<uint8_t> file = Load("ser/spectrum.ser");
+    const Bytes file = Load("ser/spectrum.ser");
     for (const uint32_t mode : {0U, 1U})
     {
         const FileOpen open{file, mode};
@@ -145,7 +145,7 @@ TEST_F(RealFiles, SeriesOfSpectra)
 
 TEST_F(RealFiles, ArrayWithAnImage)
 {
-    const std::vector<uint8_t> file = Load("npy/survey_512.npy");
+    const Bytes file = Load("npy/survey_512.npy");
     ExpectFacts(file, {FileType::Npy, 512, 512, 1, PixelType::UInt16, false, L"", L""});
     ExpectPicture(file,
                   {0, {178, 178, 178, 178, 178, 178, 178, 178}, {83, 83, 83, 83, 83, 83, 83, 83}, 33154441});
@@ -153,7 +153,7 @@ TEST_F(RealFiles, ArrayWithAnImage)
 
 TEST_F(RealFiles, ArrayWithATable)
 {
-    const std::vector<uint8_t> file = Load("npy/table.npy");
+    const Bytes file = Load("npy/table.npy");
     // Columns one after another, with numbers that are none, which is read as rows all the same.
     ExpectFacts(file, {FileType::Npy, 6, 154, 1, PixelType::Double64, false, L"", L""});
     ExpectPicture(file, {0, {0, 0, 0, 0, 0, 0, 0, 0}, {0, 0, 0, 0, 0, 0, 0, 0}, 32161});
@@ -182,8 +182,8 @@ TEST_F(RealFiles, TagFilesWithAThumbnailAndASmallImage)
     for (const ThumbnailFile& expected : files)
     {
         SCOPED_TRACE(expected.name);
-        const std::vector<uint8_t> file = Load(expected.name);
-        std::vector<uint8_t> picture;
+        const Bytes file = Load(expected.name);
+        Bytes picture;
         for (size_t i = 0; i < size_t{4} * expected.width * expected.height; ++i)
             if (i % 4 != 3)
                 picture.push_back(file.at(expected.dataOffset + i));
@@ -202,7 +202,7 @@ TEST_F(RealFiles, TagFilesWithAThumbnailAndASmallImage)
             EXPECT_EQ(reader.frameCount, 1U);
             EXPECT_EQ(reader.software, L"Gatan Digital Micrograph");
             EXPECT_EQ(reader.formatDetails, L"");
-            EXPECT_EQ(reader.displayPixels, mode == 0 ? std::vector<uint8_t>{} : picture);
+            EXPECT_EQ(reader.displayPixels, mode == 0 ? Bytes{} : picture);
         }
 
         const FileOpen second{file, 0, 1};
@@ -220,7 +220,7 @@ TEST_F(RealFiles, TagFilesWithSmallImagesOnly)
     for (const char* name : {"dm/small_2d.dm3", "dm/spectrum_1d.dm3"})
     {
         SCOPED_TRACE(name);
-        const std::vector<uint8_t> file = Load(name);
+        const Bytes file = Load(name);
         for (const uint32_t mode : {0U, 1U})
         {
             const FileOpen open{file, mode};
@@ -234,7 +234,7 @@ TEST_F(RealFiles, TagFilesWithSmallImagesOnly)
 // two detectors, then a sum over diffraction patterns.
 TEST_F(RealFiles, ScanWithThreeChannels)
 {
-    const std::vector<uint8_t> file = Load("hdf/microprobe.h5");
+    const Bytes file = Load("hdf/microprobe.h5");
     ExpectFacts(file, {FileType::Hdf, 64, 64, 3, PixelType::Int16, false, L"", L""});
     ExpectPicture(file,
                   {0, {0, 255, 255, 255, 255, 255, 255, 255}, {0, 0, 0, 255, 255, 255, 255, 255}, 941205});
@@ -257,7 +257,7 @@ TEST_F(RealFiles, Hdf5FilesWithoutNamedImages)
     for (const char* name : {"hdf/acquisition.emd", "hdf/rgba16.hdf5"})
     {
         SCOPED_TRACE(name);
-        const std::vector<uint8_t> file = Load(name);
+        const Bytes file = Load(name);
         for (const uint32_t mode : {0U, 1U})
         {
             const FileOpen open{file, mode};

@@ -13,8 +13,6 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
 using BinRead = FileRead<RawImageBin>;
 
 namespace {

@@ -9,9 +9,6 @@
 using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
-
 namespace {
 
 /// Where the text stands for the `number`th time, from 0 on, and ends.

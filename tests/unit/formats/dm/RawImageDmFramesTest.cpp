@@ -7,9 +7,6 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
-
 namespace {
 
 const std::string thumbnailIgnored = "[Lumora] DM: The embedded thumbnail will be ignored";

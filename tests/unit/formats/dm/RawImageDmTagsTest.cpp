@@ -8,8 +8,6 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Bytes = std::vector<uint8_t>;
-
 namespace {
 
 // An image before and an image behind the tags of a test: only a walk that has kept in step finds both.

@@ -13,8 +13,6 @@
 using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 
-using Lines = std::vector<std::string>;
-
 namespace {
 
 const std::string folder = LUMORA_HDF_FILES "/";
@@ -85,7 +83,7 @@ void ExpectFacts(const HdfFrame& frame, const RawImageBase& reader)
 }
 
 /// The picture, made of the samples in NAME.raw; of a thumbnail no more than its size.
-void ExpectPicture(HdfFrame frame, const std::vector<uint8_t>& bytes)
+void ExpectPicture(HdfFrame frame, const Bytes& bytes)
 {
     const FileOpen open{bytes, 1, frame.index};
     if (!frame.message.empty())
@@ -103,7 +101,7 @@ void ExpectPicture(HdfFrame frame, const std::vector<uint8_t>& bytes)
     ASSERT_TRUE(open.succeeded);
     const RawImageBase& reader = *open.image.Reader();
     ExpectFacts(frame, reader);
-    const std::vector<uint8_t> samples = FileBytes(folder + frame.file.name + ".raw");
+    const Bytes samples = FileBytes(folder + frame.file.name + ".raw");
     const DisplayedFrame expected =
         ReferenceDisplay(WrittenFrame(frame.file, reader, {samples.begin() + frame.offset, samples.end()}));
     EXPECT_TRUE(expected.shown);
@@ -123,7 +121,7 @@ TEST(HdfWriterFiles, OpenWithTheFactsAndPicturesThatTheirWriterKnows)
             continue;
         const HdfFrame frame{file};
         SCOPED_TRACE(file.name + ", frame " + std::to_string(frame.index));
-        const std::vector<uint8_t> bytes = FileBytes(folder + file.name);
+        const Bytes bytes = FileBytes(folder + file.name);
         const FileOpen header{bytes, 0, frame.index};
         EXPECT_EQ(header.lines, frame.lines);
         ASSERT_TRUE(header.succeeded);

@@ -7,8 +7,6 @@
 using namespace Tav::Imaging::RawImage;
 using testing::IsEmpty;
 
-using Bytes = std::vector<uint8_t>;
-
 namespace {
 
 constexpr size_t width = 40;

@@ -13,8 +13,6 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Bytes = std::vector<uint8_t>;
-
 namespace {
 
 constexpr uint32_t width = 40;

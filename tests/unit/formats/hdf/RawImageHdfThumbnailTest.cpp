@@ -11,9 +11,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
-
 namespace {
 
 const char* const used = "[Lumora] HDF: Using embedded jpeg thumbnail";

@@ -9,9 +9,6 @@
 
 using namespace Tav::Imaging::RawImage;
 
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
-
 namespace {
 
 /// Three slices of 4 x 3 bytes: lines that end at 12, 33, 58, 81 and 84, and 36 bytes of data.

@@ -13,7 +13,6 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Bytes = std::vector<uint8_t>;
 using LatticeRead = FileRead<RawImageUbo>;
 
 namespace {

@@ -60,7 +60,7 @@ TEST(MrcWriterFiles, OpenWithTheFactsAndPicturesThatTheirWriterKnows)
             continue;
         SCOPED_TRACE(file.name);
         const MrcFacts facts{file};
-        const std::vector<uint8_t> bytes = FileBytes(folder + file.name);
+        const Bytes bytes = FileBytes(folder + file.name);
         const FileOpen header{bytes, 0};
         ASSERT_TRUE(header.succeeded);
         EXPECT_THAT(header.lines, IsEmpty());

@@ -9,14 +9,13 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Lines = std::vector<std::string>;
 using MrcRead = FileRead<RawImageMrc>;
 
 namespace {
 
 TEST(MrcReader, FillsInTheFactsOfALittleEndianFile)
 {
-    const MrcRead read{MrcFile().Size(3, 2, 2).Mode(6).Samples(std::vector<uint8_t>(24)).Build(), 0};
+    const MrcRead read{MrcFile().Size(3, 2, 2).Mode(6).Samples(Bytes(24)).Build(), 0};
 
     EXPECT_TRUE(read.succeeded);
     EXPECT_EQ(read.reader.fileType, FileType::Mrc);
@@ -37,12 +36,8 @@ TEST(MrcReader, FillsInTheFactsOfALittleEndianFile)
 
 TEST(MrcReader, AttributesAByteSwappedFileToGatanDigitalMicrographAndFlipsIt)
 {
-    const auto file = MrcFile()
-                          .Order(ByteOrder::BigEndian)
-                          .Size(3, 2, 2)
-                          .Mode(6)
-                          .Version(20140)
-                          .Samples(std::vector<uint8_t>(24));
+    const auto file =
+        MrcFile().Order(ByteOrder::BigEndian).Size(3, 2, 2).Mode(6).Version(20140).Samples(Bytes(24));
     const MrcRead read{file.Build(), 0};
 
     EXPECT_TRUE(read.succeeded);
@@ -62,7 +57,7 @@ TEST(MrcReader, KeepsTheReadModeAsGivenAndReadsPixelsUnlessItIsZero)
 {
     for (const uint32_t mode : {0U, 1U, 2U, 0xFFFFFFFFU})
     {
-        const MrcRead read{MrcFile().Size(2, 2, 1).Mode(16).Samples(std::vector<uint8_t>(12)).Build(), mode};
+        const MrcRead read{MrcFile().Size(2, 2, 1).Mode(16).Samples(Bytes(12)).Build(), mode};
         EXPECT_TRUE(read.succeeded) << mode;
         EXPECT_EQ(read.reader.readMode, mode);
         EXPECT_EQ(read.reader.displayPixels.size(), mode == 0 ? 0U : 12U) << mode;
@@ -97,11 +92,8 @@ TEST(MrcReader, FindsTheByteOrderFromThePlausibilityOfTheSize)
     };
     for (const SizeRow& row : rows)
     {
-        const auto file = MrcFile()
-                              .Order(row.writtenIn)
-                              .Size(row.columns, row.rows, 0)
-                              .Samples(std::vector<uint8_t>(65536))
-                              .Build();
+        const auto file =
+            MrcFile().Order(row.writtenIn).Size(row.columns, row.rows, 0).Samples(Bytes(65536)).Build();
         const MrcRead read{file, 0};
 
         EXPECT_TRUE(read.succeeded) << row.columns << " x " << row.rows;
@@ -134,8 +126,7 @@ TEST(MrcReader, RefusesASizeThatIsImplausibleInBothOrdersSilently)
         for (const ByteOrder order : {ByteOrder::LittleEndian, ByteOrder::BigEndian})
             for (const uint32_t mode : {0U, 1U})
             {
-                const auto file =
-                    MrcFile().Order(order).Size(columns, rows, 1).Samples(std::vector<uint8_t>(70000));
+                const auto file = MrcFile().Order(order).Size(columns, rows, 1).Samples(Bytes(70000));
                 const MrcRead read{file.Build(), mode};
 
                 EXPECT_FALSE(read.succeeded) << columns << " x " << rows;
@@ -168,8 +159,8 @@ TEST(MrcReader, MapsEachModeToItsPixelTypeAndFrameSize)
         for (const ByteOrder order : {ByteOrder::LittleEndian, ByteOrder::BigEndian})
         {
             // Seven frames and all but one byte of the eighth; the header does not know how many.
-            const auto file = MrcFile().Order(order).Size(4, 2, 0).Mode(row.mode).Samples(
-                std::vector<uint8_t>(8 * row.frameBytes - 1));
+            const auto file =
+                MrcFile().Order(order).Size(4, 2, 0).Mode(row.mode).Samples(Bytes(8 * row.frameBytes - 1));
             const MrcRead read{file.Build(), 0};
 
             EXPECT_TRUE(read.succeeded) << row.mode;
@@ -189,8 +180,7 @@ TEST(MrcReader, RefusesEveryOtherMode)
     for (const uint32_t number : modes)
         for (const uint32_t mode : {0U, 1U})
         {
-            const MrcRead read{
-                MrcFile().Size(4, 2, 1).Mode(number).Samples(std::vector<uint8_t>(256)).Build(), mode};
+            const MrcRead read{MrcFile().Size(4, 2, 1).Mode(number).Samples(Bytes(256)).Build(), mode};
 
             EXPECT_FALSE(read.succeeded) << number;
             EXPECT_EQ(read.reader.pixelType, PixelType::Unknown) << number;
@@ -203,7 +193,7 @@ TEST(MrcReader, ComplexModesOfAFileAreNotIdentifiedAtAll)
 {
     for (const uint32_t number : {3U, 4U})
     {
-        const FileOpen open{MrcFile().Size(4, 2, 1).Mode(number).Samples(std::vector<uint8_t>(64)).Build()};
+        const FileOpen open{MrcFile().Size(4, 2, 1).Mode(number).Samples(Bytes(64)).Build()};
         EXPECT_FALSE(open.succeeded) << number;
         EXPECT_THAT(open.lines, ElementsAre("[Lumora] Could not identify the file format")) << number;
     }
@@ -244,11 +234,10 @@ TEST(MrcReader, TellsTheRevisionOf2014FromItsTwoVersionNumbers)
 
 TEST(MrcReader, IgnoresEveryOtherWordOfTheHeader)
 {
-    const auto file =
-        MrcFile().Size(3, 1, 1).Mode(6).Version(20141).ExtendedHeader("ABCD", std::vector<uint8_t>(8, 0x33));
+    const auto file = MrcFile().Size(3, 1, 1).Mode(6).Version(20141).ExtendedHeader("ABCD", Bytes(8, 0x33));
     const MrcRead plain{MrcFile{file}.Numbers<uint16_t>({100, 228, 355}).Build()};
 
-    std::vector<uint8_t> noisy = plain.stream.bytes;
+    Bytes noisy = plain.stream.bytes;
     constexpr size_t otherWords[][2] = {{16, 92}, {96, 108}, {112, 1024}};
     for (const auto& [first, end] : otherWords)
         for (size_t i = first; i < end; ++i)

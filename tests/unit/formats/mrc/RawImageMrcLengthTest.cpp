@@ -11,7 +11,6 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Lines = std::vector<std::string>;
 using MrcRead = FileRead<RawImageMrc>;
 
 namespace {
@@ -22,7 +21,7 @@ const std::string packed4Bit =
     "[Lumora] MRC: Non-standard 4-bit pixel format detected while mode 0 is specified";
 
 /// One sample, and every optional fact that a header can tell. The whole file has 1153 bytes.
-std::vector<uint8_t> FileWithEverything()
+Bytes FileWithEverything()
 {
     return MrcFile()
         .Size(1, 1, 1)
@@ -82,12 +81,12 @@ void ExpectFacts(const LengthRow& row, const RawImageBase& reader, size_t length
 
 TEST(MrcReader, ReadsAsFarAsTheStreamReaches)
 {
-    const std::vector<uint8_t> whole = FileWithEverything();
+    const Bytes whole = FileWithEverything();
     ASSERT_EQ(whole.size(), 1153U);
     for (const LengthRow& row : lengths)
         for (size_t length = row.first; length <= row.last; ++length)
         {
-            const std::vector<uint8_t> file(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(length));
+            const Bytes file(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(length));
 
             const MrcRead header{file, 0};
             EXPECT_EQ(header.succeeded, row.headerSucceeds) << length;
@@ -117,11 +116,11 @@ TEST(MrcReader, ReadsAsFarAsTheStreamReaches)
 
 TEST(MrcReader, OpensAsFarAsTheStreamReaches)
 {
-    const std::vector<uint8_t> whole = FileWithEverything();
+    const Bytes whole = FileWithEverything();
     for (const LengthRow& row : lengths)
         for (size_t length = row.first; length <= row.last; ++length)
         {
-            const std::vector<uint8_t> file(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(length));
+            const Bytes file(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(length));
 
             const FileOpen header{file, 0};
             EXPECT_EQ(header.succeeded, row.headerSucceeds) << length;
@@ -135,10 +134,10 @@ TEST(MrcReader, OpensAsFarAsTheStreamReaches)
 
 TEST(MrcReader, RefusesAnUnknownModeAsSoonAsItsWordIsThere)
 {
-    const std::vector<uint8_t> whole = MrcFile().Size(1, 1, 1).Mode(4).Build();
+    const Bytes whole = MrcFile().Size(1, 1, 1).Mode(4).Build();
     for (size_t length = 0; length <= 1024; ++length)
     {
-        const std::vector<uint8_t> file(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(length));
+        const Bytes file(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(length));
         const MrcRead read{file};
 
         EXPECT_FALSE(read.succeeded) << length;
@@ -153,10 +152,10 @@ TEST(MrcReader, IgnoresTheMaskOfAnAcquisitionProgramThatIsCut)
     for (const uint32_t mask : {0U, 7U})
         for (size_t length = 1025; length <= 1091; ++length)
         {
-            std::vector<uint8_t> file = MrcFile()
-                                            .Size(1, 1, 1)
-                                            .ExtendedHeader("TAV", AcquisitionHeader(mask, "TAV Ardix", ""))
-                                            .Build();
+            Bytes file = MrcFile()
+                             .Size(1, 1, 1)
+                             .ExtendedHeader("TAV", AcquisitionHeader(mask, "TAV Ardix", ""))
+                             .Build();
             file.resize(length);
             const MrcRead read{file, 0};
 
@@ -201,8 +200,7 @@ TEST(MrcReader, CountsFramesWithAnUnsignedDifferenceThatWrapsBeforeTheDataStart)
     };
     for (const WrapRow& row : rows)
     {
-        std::vector<uint8_t> file =
-            MrcFile().Size(row.columns, row.rows, row.sections).Mode(row.mode).Build();
+        Bytes file = MrcFile().Size(row.columns, row.rows, row.sections).Mode(row.mode).Build();
         file.resize(row.streamBytes);
 
         const MrcRead header{file, 0};
@@ -245,7 +243,7 @@ TEST(MrcReader, SaysWhenTheFrameCannotBeRead)
     for (const StreamFaults& faults :
          {StreamFaults{.failStatAt = 2}, StreamFaults{.failSeekAt = 2}, StreamFaults{.failReadAt = 2}})
     {
-        const auto file = MrcFile().Size(2, 1, 1).Mode(6).Samples(std::vector<uint8_t>(4)).Build();
+        const auto file = MrcFile().Size(2, 1, 1).Mode(6).Samples(Bytes(4)).Build();
         const MrcRead read{file, 1, 0, faults};
 
         EXPECT_FALSE(read.succeeded);

@@ -9,8 +9,6 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Lines = std::vector<std::string>;
-using Bytes = std::vector<uint8_t>;
 using MrcRead = FileRead<RawImageMrc>;
 
 namespace {

@@ -9,7 +9,6 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Lines = std::vector<std::string>;
 using MrcRead = FileRead<RawImageMrc>;
 
 namespace {
@@ -70,7 +69,7 @@ TEST(MrcReader, RecognisesPacked4BitSamplesByTheLabels)
                             .Size(6, 1, 1)
                             .Mode(row.mode)
                             .Labels(row.labels)
-                            .Samples(std::vector<uint8_t>(24, 'd'));
+                            .Samples(Bytes(24, 'd'));
             const MrcRead read{file.Build(), 0};
 
             const bool swapped = order == ByteOrder::BigEndian;

@@ -13,8 +13,6 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Lines = std::vector<std::string>;
-
 namespace {
 
 const std::string folder = LUMORA_NPY_FILES "/";
@@ -40,7 +38,7 @@ TEST(NpyWriterFiles, OpenWithTheFactsAndPicturesThatTheirWriterKnows)
         if (!file.opens)
             continue;
         SCOPED_TRACE(file.name);
-        const std::vector<uint8_t> bytes = FileBytes(folder + file.name);
+        const Bytes bytes = FileBytes(folder + file.name);
         const FileOpen header{bytes, 0};
         ASSERT_TRUE(header.succeeded);
         EXPECT_THAT(header.lines, IsEmpty());

@@ -10,8 +10,6 @@ using namespace std::string_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
 using NpyRead = FileRead<RawImageNpy>;
 
 namespace {

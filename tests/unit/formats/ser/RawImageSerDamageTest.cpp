@@ -11,7 +11,6 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Bytes = std::vector<uint8_t>;
 using SerRead = FileRead<RawImageSer>;
 
 namespace {

@@ -9,8 +9,6 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Lines = std::vector<std::string>;
-
 namespace {
 
 const Lines noImages = {"[Lumora] HDF: No images found"};
@@ -137,7 +135,7 @@ TEST(HdfReader, ListsImagesByTheirTypeAndLayout)
 struct TypeRow
 {
     const char* what;
-    std::vector<uint8_t> file;
+    Bytes file;
     PixelType pixelType;
 };
 
@@ -383,7 +381,7 @@ TEST(HdfReader, FindsAtMost250Frames)
     Hdf5File file;
     for (int i = 0; i < 300; ++i)
         file.AnyDataSet("/images/" + std::to_string(i), H5T_STD_U8LE, {32, 32});
-    const std::vector<uint8_t> bytes = file.Build();
+    const Bytes bytes = file.Build();
     const FileOpen first{bytes, readModeHeader};
     ASSERT_TRUE(first.succeeded);
     EXPECT_EQ(first.image.Reader()->frameCount, 250U);
