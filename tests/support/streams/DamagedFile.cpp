@@ -1,5 +1,7 @@
 #include "support/streams/DamagedFile.h"
 
+#include "support/FileFacts.h"
+
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -33,17 +35,7 @@ void ExpectSaneReads(const RawImageBase* header, const Lines& headerLines, const
     ASSERT_TRUE(header) << place;
     const bool colours = frame->pixelType == PixelType::RGB24 || frame->pixelType == PixelType::RGBA32;
     EXPECT_EQ(frame->displayPixels.size(), size_t{frame->width} * frame->height * (colours ? 3 : 1)) << place;
-    EXPECT_EQ(frame->fileType, header->fileType) << place;
-    EXPECT_EQ(frame->width, header->width) << place;
-    EXPECT_EQ(frame->height, header->height) << place;
-    EXPECT_EQ(frame->frameCount, header->frameCount) << place;
-    EXPECT_EQ(frame->pixelType, header->pixelType) << place;
-    EXPECT_EQ(frame->byteOrder, header->byteOrder) << place;
-    EXPECT_EQ(frame->flipVertical, header->flipVertical) << place;
-    EXPECT_EQ(frame->xStride, header->xStride) << place;
-    EXPECT_EQ(frame->yStride, header->yStride) << place;
-    EXPECT_EQ(frame->software, header->software) << place;
-    EXPECT_EQ(frame->formatDetails, header->formatDetails) << place;
+    EXPECT_THAT(*frame, HasFacts(FactsOf(*header))) << place;
 }
 
 void ExpectSaneOutcome(const Bytes& file, uint32_t frameIndex, size_t place)

@@ -1,4 +1,5 @@
 #include "support/FileBytes.h"
+#include "support/FileFacts.h"
 #include "support/streams/FileRead.h"
 
 #include <gmock/gmock.h>
@@ -33,34 +34,13 @@ protected:
     }
 };
 
-/// What another program tells of a file.
-struct FileFacts
-{
-    FileType fileType;
-    uint32_t width;
-    uint32_t height;
-    uint32_t frameCount;
-    PixelType pixelType;
-    bool flipVertical;
-    std::wstring software;
-    std::wstring formatDetails;
-};
-
-void ExpectFacts(const Bytes& file, const FileFacts& expected)
+/// Expects what another program tells of a file.
+void ExpectFacts(const Bytes& file, const FileFacts& facts)
 {
     const FileOpen header{file, 0};
     ASSERT_TRUE(header.succeeded);
     EXPECT_THAT(header.lines, IsEmpty());
-    const RawImageBase& reader = *header.image.Reader();
-    EXPECT_EQ(reader.fileType, expected.fileType);
-    EXPECT_EQ(reader.width, expected.width);
-    EXPECT_EQ(reader.height, expected.height);
-    EXPECT_EQ(reader.frameCount, expected.frameCount);
-    EXPECT_EQ(reader.pixelType, expected.pixelType);
-    EXPECT_EQ(reader.byteOrder, ByteOrder::LittleEndian);
-    EXPECT_EQ(reader.flipVertical, expected.flipVertical);
-    EXPECT_EQ(reader.software, expected.software);
-    EXPECT_EQ(reader.formatDetails, expected.formatDetails);
+    EXPECT_THAT(*header.image.Reader(), HasFacts(facts));
 }
 
 /// What numpy computes of a frame's picture.
@@ -89,7 +69,7 @@ void ExpectPicture(const Bytes& file, const FramePicture& expected)
 TEST_F(RealFiles, DensityMap)
 {
     const Bytes file = Load("mrc/EMD-3197.map");
-    ExpectFacts(file, {FileType::Mrc, 20, 20, 20, PixelType::Float32, false, L"", L"MRC Mode 2"});
+    ExpectFacts(file, {FileType::Mrc, PixelType::Float32, 20, 20, 20, false, L"", L"MRC Mode 2"});
     ExpectPicture(file,
                   {0, {36, 41, 44, 50, 57, 66, 63, 56}, {152, 145, 147, 143, 136, 124, 123, 120}, 50124});
     ExpectPicture(file,
@@ -101,7 +81,7 @@ TEST_F(RealFiles, DensityMap)
 TEST_F(RealFiles, DetectorMovie)
 {
     const Bytes file = Load("mrc/movie_348_frames.mrc");
-    ExpectFacts(file, {FileType::Mrc2014, 16, 16, 348, PixelType::UInt16, false, L"", L"MRC2014 Mode 6"});
+    ExpectFacts(file, {FileType::Mrc2014, PixelType::UInt16, 16, 16, 348, false, L"", L"MRC2014 Mode 6"});
     ExpectPicture(file, {0, {12, 2, 3, 5, 5, 7, 8, 59}, {239, 242, 239, 237, 231, 227, 225, 223}, 35007});
     ExpectPicture(file, {174, {15, 3, 4, 5, 5, 7, 8, 59}, {239, 243, 241, 237, 232, 228, 226, 223}, 35174});
     ExpectPicture(file, {347, {17, 1, 3, 5, 5, 7, 8, 59}, {239, 244, 240, 237, 231, 228, 226, 222}, 35087});
@@ -110,7 +90,7 @@ TEST_F(RealFiles, DetectorMovie)
 TEST_F(RealFiles, SeriesOfDiffractionPatterns)
 {
     const Bytes file = Load("ser/diffraction_5_frames.ser");
-    ExpectFacts(file, {FileType::Ser, 128, 128, 5, PixelType::Int32, true, L"Pellox", L""});
+    ExpectFacts(file, {FileType::Ser, PixelType::Int32, 128, 128, 5, true, L"Pellox"});
     ExpectPicture(
         file, {0, {126, 125, 166, 104, 126, 104, 84, 126}, {104, 126, 126, 84, 169, 148, 127, 174}, 1946050});
     ExpectPicture(
@@ -126,7 +106,7 @@ TEST_F(RealFiles, SeriesOfDiffractionPatterns)
 TEST_F(RealFiles, SeriesOfOneImage)
 {
     const Bytes file = Load("ser/image_64.ser");
-    ExpectFacts(file, {FileType::Ser, 64, 64, 1, PixelType::Float32, true, L"Pellox", L""});
+    ExpectFacts(file, {FileType::Ser, PixelType::Float32, 64, 64, 1, true, L"Pellox"});
     ExpectPicture(
         file,
         {0, {253, 246, 248, 247, 246, 247, 249, 246}, {242, 243, 243, 243, 247, 249, 246, 245}, 814197});
@@ -146,7 +126,7 @@ TEST_F(RealFiles, SeriesOfSpectra)
 TEST_F(RealFiles, ArrayWithAnImage)
 {
     const Bytes file = Load("npy/survey_512.npy");
-    ExpectFacts(file, {FileType::Npy, 512, 512, 1, PixelType::UInt16, false, L"", L""});
+    ExpectFacts(file, {FileType::Npy, PixelType::UInt16, 512, 512, 1});
     ExpectPicture(file,
                   {0, {178, 178, 178, 178, 178, 178, 178, 178}, {83, 83, 83, 83, 83, 83, 83, 83}, 33154441});
 }
@@ -155,7 +135,7 @@ TEST_F(RealFiles, ArrayWithATable)
 {
     const Bytes file = Load("npy/table.npy");
     // Columns one after another, with numbers that are none, which is read as rows all the same.
-    ExpectFacts(file, {FileType::Npy, 6, 154, 1, PixelType::Double64, false, L"", L""});
+    ExpectFacts(file, {FileType::Npy, PixelType::Double64, 6, 154, 1});
     ExpectPicture(file, {0, {0, 0, 0, 0, 0, 0, 0, 0}, {0, 0, 0, 0, 0, 0, 0, 0}, 32161});
 }
 
@@ -195,13 +175,12 @@ TEST_F(RealFiles, TagFilesWithAThumbnailAndASmallImage)
             ASSERT_TRUE(open.succeeded);
             EXPECT_THAT(open.lines, IsEmpty());
             const RawImageBase& reader = *open.image.Reader();
-            EXPECT_EQ(reader.fileType, expected.fileType);
-            EXPECT_EQ(reader.pixelType, PixelType::RGBA32);
-            EXPECT_EQ(reader.width, expected.width);
-            EXPECT_EQ(reader.height, expected.height);
-            EXPECT_EQ(reader.frameCount, 1U);
-            EXPECT_EQ(reader.software, L"Gatan Digital Micrograph");
-            EXPECT_EQ(reader.formatDetails, L"");
+            EXPECT_THAT(reader, HasFacts({.fileType = expected.fileType,
+                                          .pixelType = PixelType::RGBA32,
+                                          .width = expected.width,
+                                          .height = expected.height,
+                                          .frameCount = 1,
+                                          .software = L"Gatan Digital Micrograph"}));
             EXPECT_EQ(reader.displayPixels, mode == 0 ? Bytes{} : picture);
         }
 
@@ -235,7 +214,7 @@ TEST_F(RealFiles, TagFilesWithSmallImagesOnly)
 TEST_F(RealFiles, ScanWithThreeChannels)
 {
     const Bytes file = Load("hdf/microprobe.h5");
-    ExpectFacts(file, {FileType::Hdf, 64, 64, 3, PixelType::Int16, false, L"", L""});
+    ExpectFacts(file, {FileType::Hdf, PixelType::Int16, 64, 64, 3});
     ExpectPicture(file,
                   {0, {0, 255, 255, 255, 255, 255, 255, 255}, {0, 0, 0, 255, 255, 255, 255, 255}, 941205});
     ExpectPicture(
