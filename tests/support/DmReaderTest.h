@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/FileFacts.h"
 #include "support/files/DmFile.h"
 #include "support/files/DmImages.h"
 #include "support/streams/FileRead.h"
@@ -13,6 +14,16 @@
 #include <string>
 #include <type_traits>
 #include <vector>
+
+/// The facts that the reader of either version finds; without an image, those that it knows of every file.
+template <typename Reader>
+FileFacts DmFacts(Tav::Imaging::RawImage::PixelType pixelType = {}, uint32_t width = 0, uint32_t height = 0,
+                  uint32_t frameCount = 0)
+{
+    using namespace Tav::Imaging::RawImage;
+    constexpr auto fileType = std::is_same_v<Reader, RawImageDm4> ? FileType::Dm4 : FileType::Dm3;
+    return {fileType, pixelType, width, height, frameCount, false, L"Gatan Digital Micrograph"};
+}
 
 /// What the reader of either version has to do alike.
 template <typename Reader>

@@ -98,11 +98,10 @@ void ExpectFound(const DmLayout& layout, const SearchRow& row)
     {
         const FileRead<Reader> read{file, 1, i};
         EXPECT_TRUE(read.succeeded);
-        EXPECT_EQ(read.reader.frameCount, frameCount);
-        EXPECT_EQ(read.reader.pixelType, row.frames[i].pixelType);
-        EXPECT_EQ(read.reader.width, row.frames[i].width);
-        EXPECT_EQ(read.reader.height, row.frames[i].height);
-        EXPECT_THAT(read.reader.displayPixels, testing::ElementsAre(0, row.frames[i].number, 255));
+        const FoundFrame& frame = row.frames[i];
+        EXPECT_THAT(read.reader,
+                    HasFacts(DmFacts<Reader>(frame.pixelType, frame.width, frame.height, frameCount)));
+        EXPECT_THAT(read.reader.displayPixels, testing::ElementsAre(0, frame.number, 255));
     }
     const std::string version = layout.version == 4 ? "DM4" : "DM3";
     for (const uint32_t mode : {0U, 1U})

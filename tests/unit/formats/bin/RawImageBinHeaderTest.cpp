@@ -1,4 +1,5 @@
 #include "formats/bin/RawImageBin.h"
+#include "support/FileFacts.h"
 #include "support/files/BinFile.h"
 #include "support/streams/FileRead.h"
 
@@ -18,45 +19,6 @@ const std::string wrongIndex = "[Lumora] BIN: Invalid frame index";
 const std::string wrongFileSize =
     "[Lumora] BIN: File size does not match with the image properties in the header";
 const std::string wrongSize = "[Lumora] Invalid resolution";
-
-TEST(BinReader, FillsInTheFactsOfAFileWithAShortHeader)
-{
-    const BinRead read{BinFile().Size(100, 50).Samples(2, Bytes(10000)).Build(), 0};
-
-    EXPECT_TRUE(read.succeeded);
-    EXPECT_EQ(read.reader.fileType, FileType::Bin);
-    EXPECT_EQ(read.reader.byteOrder, ByteOrder::LittleEndian);
-    EXPECT_EQ(read.reader.readMode, 0U);
-    EXPECT_EQ(read.reader.pixelType, PixelType::UInt16);
-    EXPECT_FALSE(read.reader.flipVertical);
-    EXPECT_EQ(read.reader.software, L"");
-    EXPECT_EQ(read.reader.formatDetails, L"");
-    EXPECT_EQ(read.reader.width, 100U);
-    EXPECT_EQ(read.reader.height, 50U);
-    EXPECT_EQ(read.reader.frameCount, 1U);
-    EXPECT_EQ(read.reader.xStride, 0U);
-    EXPECT_EQ(read.reader.yStride, 0U);
-    EXPECT_THAT(read.reader.displayPixels, IsEmpty());
-    EXPECT_THAT(read.lines, IsEmpty());
-}
-
-TEST(BinReader, FillsInTheFactsOfAFileThatTellsItsHeadersLength)
-{
-    const BinRead read{BinFile().Size(100, 50).HeaderLength(16).Samples(2, Bytes(10000)).Build(), 0};
-
-    EXPECT_TRUE(read.succeeded);
-    EXPECT_EQ(read.reader.fileType, FileType::BinWithDataOffset);
-    EXPECT_EQ(read.reader.byteOrder, ByteOrder::LittleEndian);
-    EXPECT_EQ(read.reader.pixelType, PixelType::UInt16);
-    EXPECT_FALSE(read.reader.flipVertical);
-    EXPECT_EQ(read.reader.software, L"");
-    EXPECT_EQ(read.reader.formatDetails, L"");
-    EXPECT_EQ(read.reader.width, 100U);
-    EXPECT_EQ(read.reader.height, 50U);
-    EXPECT_EQ(read.reader.frameCount, 1U);
-    EXPECT_THAT(read.reader.displayPixels, IsEmpty());
-    EXPECT_THAT(read.lines, IsEmpty());
-}
 
 TEST(BinReader, IsChosenByAPlausibleTypeAndSize)
 {
@@ -90,17 +52,6 @@ TEST(BinReader, IsChosenByAPlausibleTypeAndSize)
     }
 }
 
-TEST(BinReader, KeepsTheReadModeAsGivenAndReadsPixelsUnlessItIsZero)
-{
-    for (const uint32_t mode : {0U, 1U, 2U, 0xFFFFFFFFU})
-    {
-        const BinRead read{BinFile().Size(4, 1).Samples(1, {0, 1, 2, 255}).Build(), mode};
-        EXPECT_TRUE(read.succeeded) << mode;
-        EXPECT_EQ(read.reader.readMode, mode);
-        EXPECT_EQ(read.reader.displayPixels.size(), mode == 0 ? 0U : 4U) << mode;
-    }
-}
-
 TEST(BinReader, RefusesEveryOtherTypeBeforeItLooksFurther)
 {
     constexpr uint16_t types[] = {0, 9, 10, 11, 16, 255, 256, 257, 0x0801, 0x8001, 0xFFFF};
@@ -113,10 +64,7 @@ TEST(BinReader, RefusesEveryOtherTypeBeforeItLooksFurther)
                                        frameIndex};
                     EXPECT_FALSE(read.succeeded) << type;
                     EXPECT_THAT(read.lines, ElementsAre(wrongType)) << type;
-                    EXPECT_EQ(read.reader.fileType, FileType::Bin) << type;
-                    EXPECT_EQ(read.reader.pixelType, PixelType::Unknown) << type;
-                    EXPECT_EQ(read.reader.width, 0U) << type;
-                    EXPECT_EQ(read.reader.frameCount, 0U) << type;
+                    EXPECT_THAT(read.reader, HasFacts({.fileType = FileType::Bin})) << type;
                 }
 }
 
@@ -129,10 +77,7 @@ TEST(BinReader, HoldsASingleFrame)
                 const BinRead read{BinFile().Size(4, 1).Samples(1, Bytes(samples)).Build(), mode, frameIndex};
                 EXPECT_FALSE(read.succeeded);
                 EXPECT_THAT(read.lines, ElementsAre(wrongIndex));
-                EXPECT_EQ(read.reader.width, 4U);
-                EXPECT_EQ(read.reader.height, 1U);
-                EXPECT_EQ(read.reader.frameCount, 1U);
-                EXPECT_EQ(read.reader.pixelType, PixelType::UInt8);
+                EXPECT_THAT(read.reader, HasFacts({FileType::Bin, PixelType::UInt8, 4, 1, 1}));
                 EXPECT_THAT(read.reader.displayPixels, IsEmpty());
             }
 }

@@ -7,10 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <stdexcept>
-
 using namespace Tav::Imaging::RawImage;
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 using BinRead = FileRead<RawImageBin>;
@@ -128,37 +125,6 @@ TEST(DamagedBinFile, IsReadOrNotWithAnyByteChanged)
             ExpectSaneRead<RawImageBin>(file, 0, place);
             ExpectSaneOutcome(file, 0, place);
         });
-}
-
-TEST(BinReader, PassesOnWhatKeepsAStreamFromBeingRead)
-{
-    RawImageBin reader;
-    EXPECT_THROW((void)reader.Read(nullptr, 2048, 0, 0), std::invalid_argument);
-    EXPECT_EQ(reader.fileType, FileType::Bin);
-    EXPECT_EQ(reader.readMode, 0U);
-
-    const auto bin = BinFile().Size(8, 8).Samples(1, Bytes(64, 0x55));
-    for (const StreamFaults& faults :
-         {StreamFaults{.failStatAt = 1}, StreamFaults{.failSeekAt = 1}, StreamFaults{.failReadAt = 1},
-          StreamFaults{.reportedSize = 2048}, StreamFaults{.longestRead = 60}})
-    {
-        TestStream stream{bin.Build(), faults};
-        RawImageBin image;
-        EXPECT_THROW((void)image.Read(&stream, 74, 1, 0), std::runtime_error);
-        EXPECT_EQ(stream.references, 0U);
-    }
-}
-
-TEST(BinReader, SaysWhenTheFrameCannotBeRead)
-{
-    for (const StreamFaults& faults :
-         {StreamFaults{.failStatAt = 2}, StreamFaults{.failSeekAt = 2}, StreamFaults{.failReadAt = 2}})
-    {
-        const BinRead read{BinFile().Size(8, 8).Samples(1, Bytes(64)).Build(), 1, 0, faults};
-        EXPECT_FALSE(read.succeeded);
-        EXPECT_THAT(read.lines, ElementsAre("[Lumora] Failed to read the image data into memory"));
-        EXPECT_THAT(read.reader.displayPixels, IsEmpty());
-    }
 }
 
 } // namespace

@@ -104,8 +104,7 @@ TYPED_TEST(DmReader, SetsAsideAThumbnailThatIsTheFirstOfSeveralImages)
                 const FileRead<TypeParam> read{file, mode, i};
                 EXPECT_FALSE(read.succeeded) << i;
                 EXPECT_THAT(read.lines, ElementsAre(this->Line("No images found"))) << i;
-                EXPECT_EQ(read.reader.frameCount, 0U) << i;
-                EXPECT_EQ(read.reader.width, 0U) << i;
+                EXPECT_THAT(read.reader, HasFacts(DmFacts<TypeParam>())) << i;
                 EXPECT_THAT(read.reader.displayPixels, IsEmpty()) << i;
             }
     }
@@ -118,9 +117,7 @@ TYPED_TEST(DmReader, ShowsEveryFrameOfAStack)
     {
         const FileRead<TypeParam> read{file, 1, i};
         EXPECT_TRUE(read.succeeded) << +i;
-        EXPECT_EQ(read.reader.frameCount, 10U) << +i;
-        EXPECT_EQ(read.reader.width, 3U) << +i;
-        EXPECT_EQ(read.reader.height, 1U) << +i;
+        EXPECT_THAT(read.reader, HasFacts(DmFacts<TypeParam>(PixelType::UInt16, 3, 1, 10))) << +i;
         EXPECT_THAT(read.reader.displayPixels, ElementsAre(0, 50 + i, 255));
         EXPECT_EQ(read.lines, i == 0 ? Lines{thumbnailIgnored} : Lines{}) << +i;
     }

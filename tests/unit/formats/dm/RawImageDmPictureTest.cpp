@@ -1,4 +1,5 @@
 #include "support/DmReaderTest.h"
+#include "support/FileFacts.h"
 #include "support/display/ReferenceDisplay.h"
 #include "support/display/VariedSamples.h"
 
@@ -49,6 +50,7 @@ TYPED_TEST(DmReader, ShowsEveryTypeOfSamples)
                             .elementCount = 20000,
                             .samples = VariedSamples(row.pixelType, 20000)};
         const bool isColour = row.pixelType == PixelType::RGBA32;
+        const FileFacts facts = DmFacts<TypeParam>(row.pixelType, 125, 80, 3);
         const Bytes file = this->FileOf({SmallNumberedImage(1), image});
         for (const uint32_t i : {0U, 1U})
         {
@@ -62,20 +64,14 @@ TYPED_TEST(DmReader, ShowsEveryTypeOfSamples)
             // The first image of the file is another one.
             const FileRead<TypeParam> read{file, 1, i + 1};
             EXPECT_TRUE(read.succeeded);
-            EXPECT_EQ(read.reader.pixelType, row.pixelType);
-            EXPECT_EQ(read.reader.width, 125U);
-            EXPECT_EQ(read.reader.height, 80U);
-            EXPECT_EQ(read.reader.frameCount, 3U);
+            EXPECT_THAT(read.reader, HasFacts(facts));
             EXPECT_EQ(read.reader.displayPixels.size(), isColour ? 30000U : 10000U);
             EXPECT_EQ(read.reader.displayPixels, expected.pixels);
             EXPECT_EQ(read.lines, expected.lines);
 
             const FileRead<TypeParam> header{file, 0, i + 1};
             EXPECT_TRUE(header.succeeded);
-            EXPECT_EQ(header.reader.pixelType, row.pixelType);
-            EXPECT_EQ(header.reader.width, 125U);
-            EXPECT_EQ(header.reader.height, 80U);
-            EXPECT_EQ(header.reader.frameCount, 3U);
+            EXPECT_THAT(header.reader, HasFacts(facts));
             EXPECT_THAT(header.reader.displayPixels, IsEmpty());
             EXPECT_THAT(header.lines, IsEmpty());
         }
@@ -173,10 +169,7 @@ TYPED_TEST(DmReader, RefusesSignedBytes)
             const FileRead<TypeParam> read{file, mode, i};
             EXPECT_FALSE(read.succeeded);
             EXPECT_EQ(read.lines, i == 0 ? Lines({noThumbnail, unsupported}) : Lines{unsupported});
-            EXPECT_EQ(read.reader.pixelType, PixelType::Int8);
-            EXPECT_EQ(read.reader.width, 125U);
-            EXPECT_EQ(read.reader.height, 80U);
-            EXPECT_EQ(read.reader.frameCount, 3U);
+            EXPECT_THAT(read.reader, HasFacts(DmFacts<TypeParam>(PixelType::Int8, 125, 80, 3)));
             EXPECT_THAT(read.reader.displayPixels, IsEmpty());
         }
         const FileRead<TypeParam> other{file, mode, 1};
@@ -265,21 +258,6 @@ TYPED_TEST(DmReader, SaysWhenTheDataOfAnImageReachBeyondTheFile)
             EXPECT_THAT(read.lines,
                         ElementsAre(noThumbnail, "[Lumora] Failed to read the image data into memory"));
         }
-    }
-}
-
-TYPED_TEST(DmReader, IsWhatOpensAFileOfItsVersion)
-{
-    const Bytes file = this->FileOf({Thumbnail(9), NumberedImage(7)});
-    for (const uint32_t mode : {0U, 1U})
-    {
-        const FileOpen open{file, mode};
-        ASSERT_TRUE(open.succeeded);
-        EXPECT_EQ(open.image.Reader()->fileType, this->layout.version == 4 ? FileType::Dm4 : FileType::Dm3);
-        EXPECT_EQ(open.image.Reader()->software, L"Gatan Digital Micrograph");
-        EXPECT_EQ(open.image.Reader()->frameCount, 1U);
-        EXPECT_EQ(open.image.Reader()->displayPixels, mode == 0 ? Bytes{} : Bytes({0, 7, 255}));
-        EXPECT_THAT(open.lines, ElementsAre("[Lumora] DM: The embedded thumbnail will be ignored"));
     }
 }
 

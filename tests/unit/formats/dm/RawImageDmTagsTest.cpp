@@ -369,9 +369,7 @@ TYPED_TEST(DmReader, RefusesAFileInWhichTheWalkFindsNothing)
             const FileRead<TypeParam> read{this->File(tags).Build(), mode};
             EXPECT_FALSE(read.succeeded);
             EXPECT_THAT(read.lines, ElementsAre(this->Line("No images found")));
-            EXPECT_EQ(read.reader.software, L"Gatan Digital Micrograph");
-            EXPECT_EQ(read.reader.width, 0U);
-            EXPECT_EQ(read.reader.frameCount, 0U);
+            EXPECT_THAT(read.reader, HasFacts(DmFacts<TypeParam>()));
             EXPECT_THAT(read.reader.displayPixels, IsEmpty());
         }
 }

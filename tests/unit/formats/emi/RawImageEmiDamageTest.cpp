@@ -5,10 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <stdexcept>
-
 using namespace Tav::Imaging::RawImage;
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 using EmiRead = FileRead<RawImageEmi>;
@@ -104,25 +101,6 @@ TEST(DamagedEmiFile, IsReadOrNotWithAnyByteChanged)
     });
 }
 
-TEST(EmiReader, PassesOnWhatKeepsAStreamFromBeingRead)
-{
-    RawImageEmi reader;
-    EXPECT_THROW((void)reader.Read(nullptr, 2048, 0, 0), std::invalid_argument);
-    EXPECT_EQ(reader.fileType, FileType::Emi);
-    EXPECT_EQ(reader.readMode, 0U);
-    EXPECT_EQ(reader.software, L"Pellox");
-
-    for (const StreamFaults& faults :
-         {StreamFaults{.failStatAt = 1}, StreamFaults{.failSeekAt = 1}, StreamFaults{.failReadAt = 1},
-          StreamFaults{.reportedSize = 2048}, StreamFaults{.longestRead = 90}})
-    {
-        TestStream stream{Items(), faults};
-        RawImageEmi emi;
-        EXPECT_THROW((void)emi.Read(&stream, secondImageEnd, 1, 0), std::runtime_error);
-        EXPECT_EQ(stream.references, 0U);
-    }
-}
-
 TEST(EmiReader, KeepsWhatStandsBeforeAWindowThatCannotBeRead)
 {
     const Bytes nine = {0, 1, 2, 3, 4, 5, 6, 7, 255};
@@ -136,18 +114,6 @@ TEST(EmiReader, KeepsWhatStandsBeforeAWindowThatCannotBeRead)
         EXPECT_EQ(read.reader.frameCount, 1U);
         EXPECT_EQ(read.reader.displayPixels, nine);
         EXPECT_THAT(read.lines, IsEmpty());
-    }
-}
-
-TEST(EmiReader, SaysWhenTheFrameCannotBeRead)
-{
-    for (const StreamFaults& faults :
-         {StreamFaults{.failStatAt = 2}, StreamFaults{.failSeekAt = 2}, StreamFaults{.failReadAt = 2}})
-    {
-        const EmiRead read{Items(), 1, 1, faults};
-        EXPECT_FALSE(read.succeeded);
-        EXPECT_THAT(read.lines, ElementsAre(cannotReadImage));
-        EXPECT_THAT(read.reader.displayPixels, IsEmpty());
     }
 }
 

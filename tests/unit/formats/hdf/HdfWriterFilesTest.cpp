@@ -1,5 +1,6 @@
 #include "support/ComApartment.h"
 #include "support/FileBytes.h"
+#include "support/FileFacts.h"
 #include "support/WriterManifest.h"
 #include "support/display/ReferenceDisplay.h"
 #include "support/streams/FileRead.h"

@@ -1,12 +1,11 @@
 #include "formats/lattice/RawImageUbo.h"
+#include "support/FileFacts.h"
 #include "support/files/LatticeFile.h"
 #include "support/streams/DiagnosticLines.h"
 #include "support/streams/FileRead.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <stdexcept>
 
 using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
@@ -20,28 +19,6 @@ const std::string unsupportedHeader = "[Lumora] UBO: Unsupported header format";
 const std::string noDimensions = "[Lumora] UBO: No valid image dimensions found";
 const std::string compressed = "[Lumora] UBO: Data compression is not supported";
 const std::string invalidResolution = "[Lumora] Invalid resolution";
-const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
-
-TEST(LatticeReader, FillsInTheFactsOfAFile)
-{
-    const LatticeRead read{LatticeFile().Size(3, 4, 2).Type("ushort").Samples(Bytes(48)).Build(), 0};
-
-    EXPECT_TRUE(read.succeeded);
-    EXPECT_EQ(read.reader.fileType, FileType::VornaMesh);
-    EXPECT_EQ(read.reader.byteOrder, ByteOrder::LittleEndian);
-    EXPECT_EQ(read.reader.readMode, 0U);
-    EXPECT_EQ(read.reader.pixelType, PixelType::UInt16);
-    EXPECT_FALSE(read.reader.flipVertical);
-    EXPECT_EQ(read.reader.software, L"Vorna");
-    EXPECT_EQ(read.reader.formatDetails, L"");
-    EXPECT_EQ(read.reader.width, 3U);
-    EXPECT_EQ(read.reader.height, 4U);
-    EXPECT_EQ(read.reader.frameCount, 2U);
-    EXPECT_EQ(read.reader.xStride, 0U);
-    EXPECT_EQ(read.reader.yStride, 0U);
-    EXPECT_THAT(read.reader.displayPixels, IsEmpty());
-    EXPECT_THAT(read.lines, IsEmpty());
-}
 
 struct MagicRow
 {
@@ -74,30 +51,11 @@ TEST(LatticeReader, TellsThePelixVariantByTheFourthCharacter)
         }
 }
 
-TEST(LatticeReader, OpensFilesOfBothPrograms)
+TEST(LatticeReader, IsNotChosenForAnotherProgram)
 {
-    const FileOpen vorna{LatticeFile().Magic("# Vorna BINARY").Samples({7}).Build()};
-    ASSERT_TRUE(vorna.succeeded);
-    EXPECT_EQ(vorna.image.Reader()->fileType, FileType::VornaMesh);
-
-    const FileOpen pelix{LatticeFile().Magic("# PelixMesh BINARY").Samples({7}).Build()};
-    ASSERT_TRUE(pelix.succeeded);
-    EXPECT_EQ(pelix.image.Reader()->fileType, FileType::PelixMesh);
-
     const FileOpen other{LatticeFile().Magic("# Pelix BINARY").Samples({7}).Build()};
     EXPECT_FALSE(other.succeeded);
     EXPECT_THAT(other.lines, ElementsAre("[Lumora] Could not identify the file format"));
-}
-
-TEST(LatticeReader, KeepsTheReadModeAsGivenAndReadsPixelsUnlessItIsZero)
-{
-    for (const uint32_t mode : {0U, 1U, 2U, 0xFFFFFFFFU})
-    {
-        const LatticeRead read{LatticeFile().Size(2, 3, 1).Samples({1, 2, 3, 4, 5, 6}).Build(), mode};
-        EXPECT_TRUE(read.succeeded) << mode;
-        EXPECT_EQ(read.reader.readMode, mode);
-        EXPECT_EQ(read.reader.displayPixels.size(), mode == 0 ? 0U : 6U) << mode;
-    }
 }
 
 struct TypeRow
@@ -192,10 +150,7 @@ TEST(LatticeReader, TakesZeroBytesOfTheHeaderForSpaces)
     const LatticeRead read{file};
 
     EXPECT_TRUE(read.succeeded);
-    EXPECT_EQ(read.reader.width, 4U);
-    EXPECT_EQ(read.reader.height, 3U);
-    EXPECT_EQ(read.reader.frameCount, 2U);
-    EXPECT_EQ(read.reader.pixelType, PixelType::Float32);
+    EXPECT_THAT(read.reader, HasFacts({FileType::VornaMesh, PixelType::Float32, 4, 3, 2, false, L"Vorna"}));
 }
 
 TEST(LatticeReader, TakesLinesThatAreSurroundedByZeroBytes)
@@ -267,34 +222,6 @@ TEST(LatticeReader, FailsSilentlyWhenTheHeaderCannotBeRead)
     EXPECT_FALSE(reader.Read(&stream, stream.bytes.size() + 1, 1, 0));
     EXPECT_THAT(diagnostics.Take(), IsEmpty());
     EXPECT_EQ(reader.fileType, FileType::VornaMesh);
-}
-
-TEST(LatticeReader, PassesOnWhatKeepsAStreamFromBeingRead)
-{
-    RawImageUbo reader;
-    EXPECT_THROW((void)reader.Read(nullptr, 2048, 0, 0), std::invalid_argument);
-
-    for (const StreamFaults& faults :
-         {StreamFaults{.failStatAt = 1}, StreamFaults{.failSeekAt = 1}, StreamFaults{.failReadAt = 1},
-          StreamFaults{.longestRead = 50}, StreamFaults{.reportedSize = 2048}})
-    {
-        TestStream stream{LatticeFile().Samples({7}).Build(), faults};
-        RawImageUbo ubo;
-        EXPECT_THROW((void)ubo.Read(&stream, stream.bytes.size(), 1, 0), std::runtime_error);
-        EXPECT_EQ(stream.references, 0U);
-    }
-}
-
-TEST(LatticeReader, SaysWhenTheFrameCannotBeRead)
-{
-    for (const StreamFaults& faults :
-         {StreamFaults{.failStatAt = 2}, StreamFaults{.failSeekAt = 2}, StreamFaults{.failReadAt = 2}})
-    {
-        const LatticeRead read{LatticeFile().Samples({7}).Build(), 1, 0, faults};
-        EXPECT_FALSE(read.succeeded);
-        EXPECT_THAT(read.lines, ElementsAre(cannotReadImage));
-        EXPECT_THAT(read.reader.displayPixels, IsEmpty());
-    }
 }
 
 } // namespace

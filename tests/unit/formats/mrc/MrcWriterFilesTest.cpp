@@ -1,4 +1,5 @@
 #include "support/FileBytes.h"
+#include "support/FileFacts.h"
 #include "support/WriterManifest.h"
 #include "support/display/ReferenceDisplay.h"
 #include "support/streams/FileRead.h"

@@ -48,34 +48,6 @@ MrcFile NumberedFile(uint32_t sections, size_t storedFrames)
     return MrcFile().Size(3, 1, sections).Mode(6).Samples(NumberedFrames(storedFrames));
 }
 
-TEST(MrcReader, ShowsTheFrameThatIsAskedFor)
-{
-    const Bytes file = NumberedFile(4, 4).Build();
-    for (uint8_t i = 0; i < 4; ++i)
-    {
-        const MrcRead read{file, 1, i};
-        EXPECT_TRUE(read.succeeded);
-        EXPECT_EQ(read.reader.frameCount, 4U);
-        EXPECT_THAT(read.reader.displayPixels, ElementsAre(0, i, 255));
-        EXPECT_THAT(read.lines, IsEmpty());
-    }
-}
-
-TEST(MrcReader, RefusesAFrameIndexBeyondTheFrames)
-{
-    for (const uint32_t mode : {0U, 1U})
-        for (const uint32_t frameIndex : {4U, 5U, 0x80000000U, 0xFFFFFFFFU})
-        {
-            const MrcRead read{NumberedFile(4, 4).Build(), mode, frameIndex};
-            EXPECT_FALSE(read.succeeded);
-            EXPECT_THAT(read.lines, ElementsAre(outOfRange));
-            EXPECT_EQ(read.reader.width, 3U);
-            EXPECT_EQ(read.reader.height, 1U);
-            EXPECT_EQ(read.reader.frameCount, 4U);
-            EXPECT_THAT(read.reader.displayPixels, IsEmpty());
-        }
-}
-
 TEST(MrcReader, KeepsToTheHeadersCountWhenTheFileHoldsMore)
 {
     const MrcRead read{NumberedFile(2, 4).Build(), 1, 1};

@@ -1,4 +1,5 @@
 #include "formats/mrc/RawImageMrc.h"
+#include "support/FileFacts.h"
 #include "support/files/MrcFile.h"
 #include "support/streams/FileRead.h"
 
@@ -12,57 +13,6 @@ using testing::IsEmpty;
 using MrcRead = FileRead<RawImageMrc>;
 
 namespace {
-
-TEST(MrcReader, FillsInTheFactsOfALittleEndianFile)
-{
-    const MrcRead read{MrcFile().Size(3, 2, 2).Mode(6).Samples(Bytes(24)).Build(), 0};
-
-    EXPECT_TRUE(read.succeeded);
-    EXPECT_EQ(read.reader.fileType, FileType::Mrc);
-    EXPECT_EQ(read.reader.byteOrder, ByteOrder::LittleEndian);
-    EXPECT_EQ(read.reader.readMode, 0U);
-    EXPECT_EQ(read.reader.pixelType, PixelType::UInt16);
-    EXPECT_FALSE(read.reader.flipVertical);
-    EXPECT_EQ(read.reader.software, L"");
-    EXPECT_EQ(read.reader.formatDetails, L"MRC Mode 6");
-    EXPECT_EQ(read.reader.width, 3U);
-    EXPECT_EQ(read.reader.height, 2U);
-    EXPECT_EQ(read.reader.frameCount, 2U);
-    EXPECT_EQ(read.reader.xStride, 0U);
-    EXPECT_EQ(read.reader.yStride, 0U);
-    EXPECT_THAT(read.reader.displayPixels, IsEmpty());
-    EXPECT_THAT(read.lines, IsEmpty());
-}
-
-TEST(MrcReader, AttributesAByteSwappedFileToGatanDigitalMicrographAndFlipsIt)
-{
-    const auto file =
-        MrcFile().Order(ByteOrder::BigEndian).Size(3, 2, 2).Mode(6).Version(20140).Samples(Bytes(24));
-    const MrcRead read{file.Build(), 0};
-
-    EXPECT_TRUE(read.succeeded);
-    EXPECT_EQ(read.reader.fileType, FileType::Mrc2014);
-    EXPECT_EQ(read.reader.byteOrder, ByteOrder::BigEndian);
-    EXPECT_EQ(read.reader.pixelType, PixelType::UInt16);
-    EXPECT_TRUE(read.reader.flipVertical);
-    EXPECT_EQ(read.reader.software, L"Gatan Digital Micrograph");
-    EXPECT_EQ(read.reader.formatDetails, L"MRC2014 Mode 6");
-    EXPECT_EQ(read.reader.width, 3U);
-    EXPECT_EQ(read.reader.height, 2U);
-    EXPECT_EQ(read.reader.frameCount, 2U);
-    EXPECT_THAT(read.lines, IsEmpty());
-}
-
-TEST(MrcReader, KeepsTheReadModeAsGivenAndReadsPixelsUnlessItIsZero)
-{
-    for (const uint32_t mode : {0U, 1U, 2U, 0xFFFFFFFFU})
-    {
-        const MrcRead read{MrcFile().Size(2, 2, 1).Mode(16).Samples(Bytes(12)).Build(), mode};
-        EXPECT_TRUE(read.succeeded) << mode;
-        EXPECT_EQ(read.reader.readMode, mode);
-        EXPECT_EQ(read.reader.displayPixels.size(), mode == 0 ? 0U : 12U) << mode;
-    }
-}
 
 struct SizeRow
 {
@@ -163,12 +113,12 @@ TEST(MrcReader, MapsEachModeToItsPixelTypeAndFrameSize)
                 MrcFile().Order(order).Size(4, 2, 0).Mode(row.mode).Samples(Bytes(8 * row.frameBytes - 1));
             const MrcRead read{file.Build(), 0};
 
+            const bool swapped = order == ByteOrder::BigEndian;
             EXPECT_TRUE(read.succeeded) << row.mode;
-            EXPECT_EQ(read.reader.pixelType, row.pixelType) << row.mode;
-            EXPECT_EQ(read.reader.formatDetails, row.formatDetails);
-            EXPECT_EQ(read.reader.width, 4U) << row.mode;
-            EXPECT_EQ(read.reader.height, 2U) << row.mode;
-            EXPECT_EQ(read.reader.frameCount, 7U) << row.mode;
+            EXPECT_THAT(read.reader,
+                        HasFacts({FileType::Mrc, row.pixelType, 4, 2, 7, swapped,
+                                  swapped ? L"Gatan Digital Micrograph" : L"", row.formatDetails, order}))
+                << row.mode;
         }
 }
 
@@ -247,11 +197,8 @@ TEST(MrcReader, IgnoresEveryOtherWordOfTheHeader)
     for (const MrcRead* each : {&plain, &read})
     {
         EXPECT_TRUE(each->succeeded);
-        EXPECT_EQ(each->reader.fileType, FileType::Mrc2014);
-        EXPECT_EQ(each->reader.byteOrder, ByteOrder::LittleEndian);
-        EXPECT_FALSE(each->reader.flipVertical);
-        EXPECT_EQ(each->reader.software, L"");
-        EXPECT_EQ(each->reader.frameCount, 1U);
+        EXPECT_THAT(each->reader,
+                    HasFacts({FileType::Mrc2014, PixelType::UInt16, 3, 1, 1, false, L"", L"MRC2014 Mode 6"}));
         EXPECT_THAT(each->reader.displayPixels, ElementsAre(0, 128, 255));
         EXPECT_THAT(each->lines, IsEmpty());
     }

@@ -1,4 +1,5 @@
 #include "formats/mrc/RawImageMrc.h"
+#include "support/FileFacts.h"
 #include "support/files/MrcFile.h"
 #include "support/streams/FileRead.h"
 
@@ -102,10 +103,8 @@ TEST(MrcReader, DoesNotLookAtTheLabelsOfMode101)
     const auto file = MrcFile().Size(2, 1, 1).Mode(101).Labels("SerialEM 4 bits packed").Samples({0});
     const MrcRead read{file.Build(), 0};
     EXPECT_TRUE(read.succeeded);
-    EXPECT_EQ(read.reader.width, 2U);
-    EXPECT_FALSE(read.reader.flipVertical);
-    EXPECT_EQ(read.reader.software, L"");
-    EXPECT_EQ(read.reader.formatDetails, L"MRC Mode 101");
+    EXPECT_THAT(read.reader,
+                HasFacts({FileType::Mrc, PixelType::UInt4, 2, 1, 1, false, L"", L"MRC Mode 101"}));
     EXPECT_THAT(read.lines, ElementsAre("[Lumora] MRC: Non-standard mode 101 detected (4-bit pixel format)"));
 }
 

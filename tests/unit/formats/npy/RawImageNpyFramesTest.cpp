@@ -1,4 +1,5 @@
 #include "formats/RawImageNpy.h"
+#include "support/FileFacts.h"
 #include "support/display/ReferenceDisplay.h"
 #include "support/display/VariedSamples.h"
 #include "support/files/NpyFile.h"
@@ -8,8 +9,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <stdexcept>
 
 using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
@@ -159,9 +158,7 @@ TEST(NpyReader, FindsFrame9Of10BehindTheHeaderAndNineOthers)
 
     const NpyRead last{file, 1, 9};
     EXPECT_TRUE(last.succeeded);
-    EXPECT_EQ(last.reader.width, 256U);
-    EXPECT_EQ(last.reader.height, 256U);
-    EXPECT_EQ(last.reader.frameCount, 10U);
+    EXPECT_THAT(last.reader, HasFacts({FileType::Npy, PixelType::UInt16, 256, 256, 10}));
     const DisplayedFrame expected =
         ReferenceDisplay({.pixelType = PixelType::UInt16,
                           .width = 256,
@@ -284,34 +281,6 @@ TEST(NpyReader, FindsFramesFarBehind4GiB)
     DiagnosticLines diagnostics;
     EXPECT_FALSE(cut.Read(&stream, place + 2097151, 1, 4095));
     EXPECT_THAT(diagnostics.Take(), ElementsAre(invalidDataSize));
-}
-
-TEST(NpyReader, PassesOnWhatKeepsAStreamFromBeingRead)
-{
-    RawImageNpy reader;
-    EXPECT_THROW((void)reader.Read(nullptr, 2048, 0, 0), std::invalid_argument);
-
-    for (const StreamFaults& faults :
-         {StreamFaults{.failStatAt = 1}, StreamFaults{.failSeekAt = 1}, StreamFaults{.failReadAt = 1},
-          StreamFaults{.longestRead = 255}, StreamFaults{.reportedSize = 2048}})
-    {
-        TestStream stream{NpyFile().Samples({1}).Build(), faults};
-        RawImageNpy npy;
-        EXPECT_THROW((void)npy.Read(&stream, 257, 1, 0), std::runtime_error);
-        EXPECT_EQ(stream.references, 0U);
-    }
-}
-
-TEST(NpyReader, SaysWhenTheFrameCannotBeRead)
-{
-    for (const StreamFaults& faults :
-         {StreamFaults{.failStatAt = 2}, StreamFaults{.failSeekAt = 2}, StreamFaults{.failReadAt = 2}})
-    {
-        const NpyRead read{NpyFile().Shape("(1, 2)").Samples({1, 2}).Build(), 1, 0, faults};
-        EXPECT_FALSE(read.succeeded);
-        EXPECT_THAT(read.lines, ElementsAre(cannotReadImage));
-        EXPECT_THAT(read.reader.displayPixels, IsEmpty());
-    }
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "formats/RawImageNpy.h"
+#include "support/FileFacts.h"
 #include "support/files/NpyFile.h"
 #include "support/streams/FileRead.h"
 
@@ -20,38 +21,6 @@ const std::string unsupportedStructure = "[Lumora] NPY: Unsupported data structu
 const std::string invalidResolution = "[Lumora] NPY: Invalid resolution";
 const std::string tooManyFrames = "[Lumora] NPY: The number of frames is too large";
 const std::string noSuchFrame = "[Lumora] NPY: Frame index is out of range";
-
-TEST(NpyReader, FillsInTheFactsOfAStack)
-{
-    const NpyRead read{NpyFile().Descr("<u2").Shape("(2, 4, 3)").Samples(Bytes(48)).Build(), 0};
-
-    EXPECT_TRUE(read.succeeded);
-    EXPECT_EQ(read.reader.fileType, FileType::Npy);
-    EXPECT_EQ(read.reader.byteOrder, ByteOrder::LittleEndian);
-    EXPECT_EQ(read.reader.readMode, 0U);
-    EXPECT_EQ(read.reader.pixelType, PixelType::UInt16);
-    EXPECT_FALSE(read.reader.flipVertical);
-    EXPECT_EQ(read.reader.software, L"");
-    EXPECT_EQ(read.reader.formatDetails, L"");
-    EXPECT_EQ(read.reader.width, 3U);
-    EXPECT_EQ(read.reader.height, 4U);
-    EXPECT_EQ(read.reader.frameCount, 2U);
-    EXPECT_EQ(read.reader.xStride, 0U);
-    EXPECT_EQ(read.reader.yStride, 0U);
-    EXPECT_THAT(read.reader.displayPixels, IsEmpty());
-    EXPECT_THAT(read.lines, IsEmpty());
-}
-
-TEST(NpyReader, KeepsTheReadModeAsGivenAndReadsPixelsUnlessItIsZero)
-{
-    for (const uint32_t mode : {0U, 1U, 2U, 0xFFFFFFFFU})
-    {
-        const NpyRead read{NpyFile().Shape("(2, 3)").Samples({1, 2, 3, 4, 5, 6}).Build(), mode};
-        EXPECT_TRUE(read.succeeded) << mode;
-        EXPECT_EQ(read.reader.readMode, mode);
-        EXPECT_EQ(read.reader.displayPixels.size(), mode == 0 ? 0U : 6U) << mode;
-    }
-}
 
 TEST(NpyReader, RefusesAFileWithoutTheMagicText)
 {
@@ -201,10 +170,9 @@ TEST(NpyReader, TellsFramesFromRowsByTheShape)
     {
         const NpyRead read{NpyFile().Descr(row.descr).Shape(row.shape).Samples(Bytes(600000)).Build(), 0};
         EXPECT_TRUE(read.succeeded) << row.shape;
-        EXPECT_EQ(read.reader.pixelType, row.pixelType) << row.shape;
-        EXPECT_EQ(read.reader.width, row.width) << row.shape;
-        EXPECT_EQ(read.reader.height, row.height) << row.shape;
-        EXPECT_EQ(read.reader.frameCount, row.frameCount) << row.shape;
+        EXPECT_THAT(read.reader,
+                    HasFacts({FileType::Npy, row.pixelType, row.width, row.height, row.frameCount}))
+            << row.shape;
         EXPECT_THAT(read.lines, IsEmpty()) << row.shape;
     }
 }
@@ -273,23 +241,16 @@ TEST(NpyReader, SaysWhatKeepsAShapeFromBeingShown)
 TEST(NpyReader, FillsInTheFactsOfAStackOfNothing)
 {
     const NpyRead read{NpyFile().Shape("(0, 64, 48)").Samples(Bytes(70000)).Build(), 0};
-    EXPECT_EQ(read.reader.width, 48U);
-    EXPECT_EQ(read.reader.height, 64U);
-    EXPECT_EQ(read.reader.frameCount, 0U);
+    EXPECT_THAT(read.reader, HasFacts({FileType::Npy, PixelType::UInt8, 48, 64, 0}));
 }
 
 TEST(NpyReader, KeepsWhatItHasFoundBeforeARefusal)
 {
     const NpyRead colours{NpyFile().Descr("|u1").Shape("(0, 4, 3)").Samples(Bytes(64)).Build(), 0};
-    EXPECT_EQ(colours.reader.pixelType, PixelType::RGB24);
-    EXPECT_EQ(colours.reader.width, 4U);
-    EXPECT_EQ(colours.reader.height, 0U);
-    EXPECT_EQ(colours.reader.frameCount, 1U);
+    EXPECT_THAT(colours.reader, HasFacts({FileType::Npy, PixelType::RGB24, 4, 0, 1}));
 
     const NpyRead line{NpyFile().Descr("<i4").Shape("(5,)").Samples(Bytes(64)).Build(), 0};
-    EXPECT_EQ(line.reader.pixelType, PixelType::Int32);
-    EXPECT_EQ(line.reader.width, 0U);
-    EXPECT_EQ(line.reader.height, 0U);
+    EXPECT_THAT(line.reader, HasFacts({FileType::Npy, PixelType::Int32}));
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "formats/RawImageRaw.h"
+#include "support/FileFacts.h"
 #include "support/files/RawFile.h"
 #include "support/streams/FileRead.h"
 
@@ -22,29 +23,6 @@ const std::string wrongType = "[Lumora] RAW: Unsupported pixel type";
 const std::string wrongSize = "[Lumora] Invalid resolution";
 const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
 
-TEST(RawReader, FillsInTheFactsOfAFile)
-{
-    const Bytes file =
-        RawFile().Size(3, 2).Samples(16, RawFile::Unsigned, Bytes(12)).Strides(2, 6).Gap(5).Build();
-    const RawRead read{file, 0};
-
-    EXPECT_TRUE(read.succeeded);
-    EXPECT_EQ(read.reader.fileType, FileType::Raw);
-    EXPECT_EQ(read.reader.byteOrder, ByteOrder::LittleEndian);
-    EXPECT_EQ(read.reader.readMode, 0U);
-    EXPECT_EQ(read.reader.pixelType, PixelType::UInt16);
-    EXPECT_FALSE(read.reader.flipVertical);
-    EXPECT_EQ(read.reader.software, L"");
-    EXPECT_EQ(read.reader.formatDetails, L"");
-    EXPECT_EQ(read.reader.width, 3U);
-    EXPECT_EQ(read.reader.height, 2U);
-    EXPECT_EQ(read.reader.frameCount, 1U);
-    EXPECT_EQ(read.reader.xStride, 2U);
-    EXPECT_EQ(read.reader.yStride, 6U);
-    EXPECT_THAT(read.reader.displayPixels, IsEmpty());
-    EXPECT_THAT(read.lines, IsEmpty());
-}
-
 TEST(RawReader, IsChosenByItsSignatureAndDoesNotLookAtItAgain)
 {
     Bytes file = RawFile().Size(4, 4).Samples(8, RawFile::Unsigned, Bytes(16, 9)).Build();
@@ -65,17 +43,6 @@ TEST(RawReader, IsChosenByItsSignatureAndDoesNotLookAtItAgain)
     }
 }
 
-TEST(RawReader, KeepsTheReadModeAsGivenAndReadsPixelsUnlessItIsZero)
-{
-    for (const uint32_t mode : {0U, 1U, 2U, 0xFFFFFFFFU})
-    {
-        const RawRead read{RawFile().Size(4, 1).Samples(8, 0, {0, 1, 2, 255}).Build(), mode};
-        EXPECT_TRUE(read.succeeded) << mode;
-        EXPECT_EQ(read.reader.readMode, mode);
-        EXPECT_EQ(read.reader.displayPixels.size(), mode == 0 ? 0U : 4U) << mode;
-    }
-}
-
 TEST(RawReader, HoldsASingleFrameHoweverManySamplesFollow)
 {
     for (const uint32_t mode : {0U, 1U})
@@ -84,11 +51,7 @@ TEST(RawReader, HoldsASingleFrameHoweverManySamplesFollow)
             const RawRead read{RawFile().Size(2, 3).Samples(8, 0, Bytes(600)).Build(), mode, frameIndex};
             EXPECT_FALSE(read.succeeded);
             EXPECT_THAT(read.lines, ElementsAre(wrongIndex));
-            EXPECT_EQ(read.reader.fileType, FileType::Raw);
-            EXPECT_EQ(read.reader.width, 2U);
-            EXPECT_EQ(read.reader.height, 3U);
-            EXPECT_EQ(read.reader.frameCount, 1U);
-            EXPECT_EQ(read.reader.pixelType, PixelType::Unknown);
+            EXPECT_THAT(read.reader, HasFacts({FileType::Raw, PixelType::Unknown, 2, 3, 1}));
             EXPECT_THAT(read.reader.displayPixels, IsEmpty());
         }
 }
@@ -201,11 +164,9 @@ TEST(RawReader, DerivesTheSizeOfASampleWhereTheHeaderHasNoWholeBytes)
             RawFile().Size(row.width, row.height).Samples(row.bits, row.kind, Bytes(row.dataBytes));
         const RawRead read{file.Build(), 0};
         EXPECT_EQ(read.succeeded, row.pixelType != PixelType::Unknown) << row.what;
-        EXPECT_EQ(read.reader.pixelType, row.pixelType) << row.what;
         EXPECT_EQ(read.lines, row.lines) << row.what;
-        EXPECT_EQ(read.reader.width, row.width) << row.what;
-        EXPECT_EQ(read.reader.height, row.height) << row.what;
-        EXPECT_EQ(read.reader.frameCount, 1U) << row.what;
+        EXPECT_THAT(read.reader, HasFacts({FileType::Raw, row.pixelType, row.width, row.height, 1}))
+            << row.what;
     }
 }
 

@@ -1,4 +1,5 @@
 #include "formats/RawImageSer.h"
+#include "support/FileFacts.h"
 #include "support/files/SerFile.h"
 #include "support/streams/DamagedFile.h"
 #include "support/streams/FileRead.h"
@@ -26,53 +27,11 @@ SerFile TwoPictures()
     return SerFile().Element(2, 2, {0, 100, 200, 255}).Element(3, 1, {0, 64, 255});
 }
 
-TEST(SerReader, FillsInTheFactsOfASeries)
+TEST(SerReader, IsNotChosenForAnotherIdentifier)
 {
-    for (const uint16_t version : {uint16_t{0x0210}, uint16_t{0x0220}})
-    {
-        const SerRead read{
-            SerFile().Version(version).Element({2, 3, 2, Bytes(12)}).Element({7, 5, 1, Bytes(20)}).Build(), 0,
-            1};
-
-        EXPECT_TRUE(read.succeeded);
-        EXPECT_EQ(read.reader.fileType, FileType::Ser);
-        EXPECT_EQ(read.reader.byteOrder, ByteOrder::LittleEndian);
-        EXPECT_EQ(read.reader.readMode, 0U);
-        EXPECT_EQ(read.reader.pixelType, PixelType::Float32);
-        EXPECT_TRUE(read.reader.flipVertical);
-        EXPECT_EQ(read.reader.software, L"Pellox");
-        EXPECT_EQ(read.reader.formatDetails, L"");
-        EXPECT_EQ(read.reader.width, 5U);
-        EXPECT_EQ(read.reader.height, 1U);
-        EXPECT_EQ(read.reader.frameCount, 2U);
-        EXPECT_EQ(read.reader.xStride, 0U);
-        EXPECT_EQ(read.reader.yStride, 0U);
-        EXPECT_THAT(read.reader.displayPixels, IsEmpty());
-        EXPECT_THAT(read.lines, IsEmpty());
-    }
-}
-
-TEST(SerReader, IsChosenByTheFirstFourBytes)
-{
-    const FileOpen open{TwoPictures().Build()};
-    ASSERT_TRUE(open.succeeded);
-    EXPECT_EQ(open.image.Reader()->fileType, FileType::Ser);
-    EXPECT_THAT(open.image.Reader()->displayPixels, ElementsAre(200, 255, 0, 100));
-
-    const FileOpen otherIdentifier{TwoPictures().Identifier(0x0297).Build()};
-    EXPECT_FALSE(otherIdentifier.succeeded);
-    EXPECT_THAT(otherIdentifier.lines, ElementsAre("[Lumora] Could not identify the file format"));
-}
-
-TEST(SerReader, KeepsTheReadModeAsGivenAndReadsPixelsUnlessItIsZero)
-{
-    for (const uint32_t mode : {0U, 1U, 2U, 0xFFFFFFFFU})
-    {
-        const SerRead read{TwoPictures().Build(), mode};
-        EXPECT_TRUE(read.succeeded) << mode;
-        EXPECT_EQ(read.reader.readMode, mode);
-        EXPECT_EQ(read.reader.displayPixels.size(), mode == 0 ? 0U : 4U) << mode;
-    }
+    const FileOpen open{TwoPictures().Identifier(0x0297).Build()};
+    EXPECT_FALSE(open.succeeded);
+    EXPECT_THAT(open.lines, ElementsAre("[Lumora] Could not identify the file format"));
 }
 
 /// What a reader has found when its header is refused.
@@ -83,12 +42,8 @@ void ExpectRefusedHeader(const Bytes& file, const Lines& lines)
         const SerRead read{file, mode};
         EXPECT_FALSE(read.succeeded);
         EXPECT_EQ(read.lines, lines);
-        EXPECT_EQ(read.reader.fileType, FileType::Ser);
+        EXPECT_THAT(read.reader, HasFacts({.fileType = FileType::Ser, .software = L"Pellox"}));
         EXPECT_EQ(read.reader.readMode, mode);
-        EXPECT_EQ(read.reader.software, L"Pellox");
-        EXPECT_EQ(read.reader.pixelType, PixelType::Unknown);
-        EXPECT_EQ(read.reader.frameCount, 0U);
-        EXPECT_FALSE(read.reader.flipVertical);
         EXPECT_THAT(read.reader.displayPixels, IsEmpty());
     }
 }

@@ -1,4 +1,5 @@
 #include "formats/RawImageSer.h"
+#include "support/FileFacts.h"
 #include "support/display/FrameReader.h"
 #include "support/display/VariedSamples.h"
 #include "support/files/SerFile.h"
@@ -106,6 +107,13 @@ TEST(SerReader, ShowsElementsOfDifferentTypesAndSizes)
     EXPECT_THAT(SerRead(file, 1, 0).reader.displayPixels, ElementsAre(0, 5, 255));
     EXPECT_THAT(SerRead(file, 1, 1).reader.displayPixels, ElementsAre(255, 0));
     EXPECT_THAT(SerRead(file, 1, 2).reader.displayPixels, ElementsAre(255, 0));
+
+    const auto factsOf = [](PixelType pixelType, uint32_t width, uint32_t height) {
+        return FileFacts{FileType::Ser, pixelType, width, height, 3, true, L"Pellox"};
+    };
+    EXPECT_THAT(SerRead(file, 0, 0).reader, HasFacts(factsOf(PixelType::UInt8, 3, 1)));
+    EXPECT_THAT(SerRead(file, 0, 1).reader, HasFacts(factsOf(PixelType::Int16, 1, 2)));
+    EXPECT_THAT(SerRead(file, 0, 2).reader, HasFacts(factsOf(PixelType::Float32, 2, 1)));
 }
 
 /// Five pictures of 2 MiB each.

@@ -1,4 +1,5 @@
 #include "formats/hdf/inside/HdfObject.h"
+#include "support/FileFacts.h"
 #include "support/files/Hdf5File.h"
 #include "support/streams/FileRead.h"
 
@@ -41,11 +42,7 @@ void ExpectOutcome(const ImageRow& row, const FileOpen& open)
     ASSERT_TRUE(open.succeeded);
     EXPECT_THAT(open.lines, IsEmpty());
     const RawImageBase& reader = *open.image.Reader();
-    EXPECT_EQ(reader.fileType, FileType::Hdf);
-    EXPECT_EQ(reader.pixelType, row.pixelType);
-    EXPECT_EQ(reader.width, row.width);
-    EXPECT_EQ(reader.height, row.height);
-    EXPECT_EQ(reader.frameCount, row.frames);
+    EXPECT_THAT(reader, HasFacts({FileType::Hdf, row.pixelType, row.width, row.height, row.frames}));
     EXPECT_THAT(reader.displayPixels, IsEmpty());
 }
 
