@@ -15,6 +15,7 @@
 #include "support/gray/GrayFiles.h"
 #include "support/gray/GrayStack.h"
 #include "support/streams/DamagedFile.h"
+#include "support/streams/FrameReads.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -331,7 +332,7 @@ TEST_P(FieldReaderContract, SaysWhenTheFrameCannotBeRead)
             const RowRead frame{row, row.file, 1, i, faults};
             EXPECT_FALSE(frame.succeeded);
             Lines lines = LinesOf(1, i);
-            lines.push_back("[Lumora] Failed to read the image data into memory");
+            lines.push_back(cannotReadImage);
             EXPECT_EQ(frame.lines, lines);
             EXPECT_THAT(*frame.reader, HasFacts(row.facts));
             EXPECT_THAT(frame.reader->displayPixels, IsEmpty());

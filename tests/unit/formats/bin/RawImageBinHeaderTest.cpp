@@ -1,7 +1,7 @@
 #include "formats/bin/RawImageBin.h"
 #include "support/FileFacts.h"
 #include "support/files/BinFile.h"
-#include "support/streams/FileRead.h"
+#include "support/streams/FrameReads.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,7 +18,6 @@ const std::string wrongType = "[Lumora] BIN: Unsupported pixel type";
 const std::string wrongIndex = "[Lumora] BIN: Invalid frame index";
 const std::string wrongFileSize =
     "[Lumora] BIN: File size does not match with the image properties in the header";
-const std::string wrongSize = "[Lumora] Invalid resolution";
 
 TEST(BinReader, IsChosenByAPlausibleTypeAndSize)
 {
@@ -160,21 +159,12 @@ TEST(BinReader, CannotReadImagesOfLessThanFourBytesWithAShortHeader)
 TEST(BinReader, LeavesAnEmptyImageToTheDisplay)
 {
     for (const uint32_t width : {0U, 7U})
-    {
-        const Bytes file = BinFile().Size(width, 0).HeaderLength(20).Build();
-        const BinRead header{file, 0};
-        EXPECT_TRUE(header.succeeded);
-        EXPECT_EQ(header.reader.fileType, FileType::BinWithDataOffset);
-        EXPECT_THAT(header.lines, IsEmpty());
-        const BinRead frame{file, 1};
-        EXPECT_FALSE(frame.succeeded);
-        EXPECT_THAT(frame.lines, ElementsAre(wrongSize));
-    }
-    const Bytes wide = BinFile().Size(65536, 1).Samples(1, Bytes(65536)).Build();
-    EXPECT_TRUE(BinRead(wide, 0).succeeded);
-    const BinRead frame{wide, 1};
-    EXPECT_FALSE(frame.succeeded);
-    EXPECT_THAT(frame.lines, ElementsAre(wrongSize));
+        ExpectFactsWithoutFrame<RawImageBin>(
+            BinFile().Size(width, 0).HeaderLength(20).Build(), 0, invalidResolution,
+            HasFacts({FileType::BinWithDataOffset, PixelType::UInt8, width, 0, 1}));
+    ExpectFactsWithoutFrame<RawImageBin>(BinFile().Size(65536, 1).Samples(1, Bytes(65536)).Build(), 0,
+                                         invalidResolution,
+                                         HasFacts({FileType::Bin, PixelType::UInt8, 65536, 1, 1}));
 }
 
 } // namespace

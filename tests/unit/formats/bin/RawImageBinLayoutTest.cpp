@@ -1,7 +1,7 @@
 #include "formats/bin/RawImageBin.h"
 #include "support/display/ReferenceDisplay.h"
 #include "support/files/BinFile.h"
-#include "support/streams/FileRead.h"
+#include "support/streams/FrameReads.h"
 #include "support/streams/SparseStream.h"
 
 #include <gmock/gmock.h>
@@ -17,7 +17,6 @@ namespace {
 
 const std::string wrongFileSize =
     "[Lumora] BIN: File size does not match with the image properties in the header";
-const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
 
 TEST(BinReader, FindsTheSamplesBehindEitherHeader)
 {
@@ -150,16 +149,8 @@ TEST(BinReader, CalculatesTheImagesSizeIn64Bits)
 
 TEST(BinReader, ReadsNoSamplesForTheFactsOfAFile)
 {
-    const auto bin = BinFile().Size(3000, 2000).Samples(1, Bytes(6000000));
-    const BinRead header{bin.Build(), 0};
-    EXPECT_TRUE(header.succeeded);
-    EXPECT_EQ(header.stream.readCalls, 1U);
-    EXPECT_EQ(header.stream.bytesRead, 0x400000U);
-
-    const BinRead frame{bin.Build(), 1};
-    EXPECT_TRUE(frame.succeeded);
-    EXPECT_EQ(frame.stream.readCalls, 2U);
-    EXPECT_EQ(frame.stream.bytesRead, 0x400000U + 6000000U);
+    ExpectReadsOfOneWindow<RawImageBin>(BinFile().Size(3000, 2000).Samples(1, Bytes(6000000)).Build(), 0,
+                                        6000000);
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "support/DmReaderTest.h"
+#include "support/streams/FrameReads.h"
 #include "support/streams/SparseStream.h"
 
 #include <gmock/gmock.h>
@@ -146,13 +147,8 @@ TYPED_TEST(DmReader, SaysWhenAFrameIsNotInTheStream)
     // Frames of 6 bytes in a file of little more than 20000.
     const Bytes file = this->FileOf({Stack(NumberedImage(50), 0xFFFFFFFF)});
     for (const uint32_t i : {4000U, 100000U, 0x10000000U})
-    {
-        EXPECT_TRUE(FileRead<TypeParam>(file, 0, i).succeeded) << i;
-        const FileRead<TypeParam> read{file, 1, i};
-        EXPECT_FALSE(read.succeeded) << i;
-        EXPECT_THAT(read.lines, ElementsAre("[Lumora] Failed to read the image data into memory")) << i;
-        EXPECT_EQ(read.reader.frameCount, 0xFFFFFFFFU) << i;
-    }
+        ExpectFactsWithoutFrame<TypeParam>(file, i, cannotReadImage,
+                                           HasFacts(DmFacts<TypeParam>(PixelType::UInt16, 3, 1, 0xFFFFFFFF)));
 }
 
 // Both the frame's size and its distance from the first frame have 32 bits, so the frames of a large stack
@@ -203,7 +199,7 @@ TYPED_TEST(DmReader, StepsFromFrameToFrameIn32Bits)
         EXPECT_EQ(read.succeeded, row.distance < 20000);
         if (row.distance >= 20000)
         {
-            EXPECT_THAT(read.lines, ElementsAre("[Lumora] Failed to read the image data into memory"));
+            EXPECT_THAT(read.lines, ElementsAre(cannotReadImage));
             continue;
         }
         // The same picture as that of an image whose data begin there.

@@ -2,6 +2,7 @@
 #include "support/FileFacts.h"
 #include "support/display/ReferenceDisplay.h"
 #include "support/display/VariedSamples.h"
+#include "support/streams/FrameReads.h"
 
 #include <gmock/gmock.h>
 
@@ -194,8 +195,8 @@ struct SizeRow
 TYPED_TEST(DmReader, RefusesToShowAnImageOfAnImpossibleSize)
 {
     constexpr uint32_t most = std::numeric_limits<uint32_t>::max();
-    const Lines invalid = {"[Lumora] Invalid resolution"};
-    const Lines cannotRead = {"[Lumora] Failed to read the image data into memory"};
+    const Lines invalid = {invalidResolution};
+    const Lines cannotRead = {cannotReadImage};
     const SizeRow rows[] = {
         {0, 1, invalid},
         {1, 0, invalid},
@@ -255,8 +256,7 @@ TYPED_TEST(DmReader, SaysWhenTheDataOfAnImageReachBeyondTheFile)
         EXPECT_EQ(read.reader.width, width);
         if (width > bytesToTheEnd)
         {
-            EXPECT_THAT(read.lines,
-                        ElementsAre(noThumbnail, "[Lumora] Failed to read the image data into memory"));
+            EXPECT_THAT(read.lines, ElementsAre(noThumbnail, cannotReadImage));
         }
     }
 }

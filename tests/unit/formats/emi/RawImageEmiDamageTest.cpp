@@ -1,6 +1,7 @@
 #include "formats/RawImageEmi.h"
 #include "support/files/EmiFile.h"
 #include "support/streams/DamagedFile.h"
+#include "support/streams/FrameReads.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,7 +15,6 @@ namespace {
 
 const std::string noImages = "[Lumora] EMI: No images found";
 const std::string outOfRange = "[Lumora] EMI: Frame index is out of range";
-const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
 
 // Where the items of the file below end.
 constexpr size_t stampAndVersionEnd = 4;

@@ -1,6 +1,7 @@
 #include "formats/RawImageEmi.h"
+#include "support/FileFacts.h"
 #include "support/files/EmiFile.h"
-#include "support/streams/FileRead.h"
+#include "support/streams/FrameReads.h"
 #include "support/streams/SparseStream.h"
 
 #include <gmock/gmock.h>
@@ -15,7 +16,6 @@ using EmiRead = FileRead<RawImageEmi>;
 namespace {
 
 const std::string noImages = "[Lumora] EMI: No images found";
-const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
 
 const Bytes nine = {0, 1, 2, 3, 4, 5, 6, 7, 255};
 
@@ -186,28 +186,16 @@ TEST(EmiReader, KeepsAnImageWhoseSamplesAreCut)
     const Bytes claimed = EmiFile().Bytes(9, 1, nine).Array(0x2202, 3, 4, Bytes(11), 20).Build();
     for (const Bytes& each : {file, claimed})
     {
-        const EmiRead header{each, 0, 1};
-        EXPECT_TRUE(header.succeeded);
-        EXPECT_EQ(header.reader.frameCount, 2U);
-        EXPECT_EQ(header.reader.width, 3U);
-        EXPECT_EQ(header.reader.height, 4U);
-        EXPECT_THAT(header.lines, IsEmpty());
-        const EmiRead frame{each, 1, 1};
-        EXPECT_FALSE(frame.succeeded);
-        EXPECT_THAT(frame.lines, ElementsAre(cannotReadImage));
+        ExpectFactsWithoutFrame<RawImageEmi>(
+            each, 1, cannotReadImage, HasFacts({FileType::Emi, PixelType::UInt8, 3, 4, 2, true, L"Pellox"}));
         EXPECT_EQ(EmiRead(each, 1, 0).reader.displayPixels, nine);
     }
 
     // The largest length and size that there are.
     const Bytes largest = EmiFile().Array(0x2202, 65535, 65535, Bytes(100), 0xFFFFFFFF).Build();
-    const EmiRead header{largest, 0};
-    EXPECT_TRUE(header.succeeded);
-    EXPECT_EQ(header.reader.width, 65535U);
-    EXPECT_EQ(header.reader.height, 65535U);
-    EXPECT_EQ(header.reader.pixelType, PixelType::UInt8);
-    const EmiRead frame{largest, 1};
-    EXPECT_FALSE(frame.succeeded);
-    EXPECT_THAT(frame.lines, ElementsAre(cannotReadImage));
+    ExpectFactsWithoutFrame<RawImageEmi>(
+        largest, 0, cannotReadImage,
+        HasFacts({FileType::Emi, PixelType::UInt8, 65535, 65535, 1, true, L"Pellox"}));
 }
 
 TEST(EmiReader, StopsBehindAnArrayThatIsShorterThanItsOwnSize)

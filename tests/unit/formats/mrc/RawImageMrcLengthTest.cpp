@@ -1,7 +1,7 @@
 #include "formats/mrc/RawImageMrc.h"
 #include "support/FileFacts.h"
 #include "support/files/MrcFile.h"
-#include "support/streams/FileRead.h"
+#include "support/streams/FrameReads.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,7 +14,6 @@ using MrcRead = FileRead<RawImageMrc>;
 
 namespace {
 
-const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
 const std::string noCompleteFrame = "[Lumora] MRC: No complete frame is present in the file";
 const std::string packed4Bit =
     "[Lumora] MRC: Non-standard 4-bit pixel format detected while mode 0 is specified";

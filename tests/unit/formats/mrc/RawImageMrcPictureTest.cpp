@@ -1,6 +1,6 @@
 #include "formats/mrc/RawImageMrc.h"
 #include "support/files/MrcFile.h"
-#include "support/streams/FileRead.h"
+#include "support/streams/FrameReads.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -171,7 +171,7 @@ TEST(MrcReader, RefusesToShowPacked4BitSamplesWiderThanAPictureCanBe)
 
     const MrcRead frame{file, 1};
     EXPECT_FALSE(frame.succeeded);
-    EXPECT_THAT(frame.lines, ElementsAre(packed, "[Lumora] Invalid resolution"));
+    EXPECT_THAT(frame.lines, ElementsAre(packed, invalidResolution));
 }
 
 } // namespace

@@ -4,7 +4,7 @@
 #include "support/display/VariedSamples.h"
 #include "support/files/NpyFile.h"
 #include "support/streams/DiagnosticLines.h"
-#include "support/streams/FileRead.h"
+#include "support/streams/FrameReads.h"
 #include "support/streams/SparseStream.h"
 
 #include <gmock/gmock.h>
@@ -20,7 +20,6 @@ namespace {
 
 const std::string invalidDataSize = "[Lumora] NPY: Invalid data size";
 const std::string noSuchFrame = "[Lumora] NPY: Frame index is out of range";
-const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
 const std::string zeroRange = "[Lumora] The found dynamic range is zero";
 
 // Where pictures are given as numbers, the samples span 255 steps, so that the picture is the distance from
@@ -244,12 +243,8 @@ TEST(NpyReader, NeedsTheDataStartInTheFile)
 TEST(NpyReader, TakesTheFrameSizeModulo32BitsAndThenCannotReadTheFrame)
 {
     // 2^32 bytes are none; nothing is missing then but the frame itself.
-    const Bytes file = NpyFile().Descr("<f4").Shape("(32768, 32768)").Build();
-    EXPECT_TRUE(NpyRead(file, 0).succeeded);
-    const NpyRead frame{file, 1};
-    EXPECT_FALSE(frame.succeeded);
-    EXPECT_THAT(frame.lines, ElementsAre(cannotReadImage));
-    EXPECT_THAT(frame.reader.displayPixels, IsEmpty());
+    ExpectFactsWithoutFrame<RawImageNpy>(NpyFile().Descr("<f4").Shape("(32768, 32768)").Build(), 0,
+                                         cannotReadImage);
 
     // 65535 x 65535 samples of two bytes are 262142 bytes less than 2^33, so the header asks for that much
     // less than 2^32.

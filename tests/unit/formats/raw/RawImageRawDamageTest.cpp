@@ -1,6 +1,7 @@
 #include "formats/RawImageRaw.h"
 #include "support/files/RawFile.h"
 #include "support/streams/DamagedFile.h"
+#include "support/streams/FrameReads.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,7 +17,6 @@ const std::string wrongIndex = "[Lumora] RAW: Invalid frame index";
 const std::string notWholeBytes = "[Lumora] RAW: Invalid pixel type (not a multiple of 8-bits)";
 const std::string correctedBits = "[Lumora] RAW: The bits per pixel in the file header is not correct";
 const std::string wrongType = "[Lumora] RAW: Unsupported pixel type";
-const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
 
 constexpr size_t heightEnd = 25;
 constexpr size_t unusedEnd = 29;

@@ -1,7 +1,7 @@
 #include "formats/RawImageRaw.h"
 #include "support/FileFacts.h"
 #include "support/files/RawFile.h"
-#include "support/streams/FileRead.h"
+#include "support/streams/FrameReads.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -20,8 +20,6 @@ const std::string wrongIndex = "[Lumora] RAW: Invalid frame index";
 const std::string notWholeBytes = "[Lumora] RAW: Invalid pixel type (not a multiple of 8-bits)";
 const std::string correctedBits = "[Lumora] RAW: The bits per pixel in the file header is not correct";
 const std::string wrongType = "[Lumora] RAW: Unsupported pixel type";
-const std::string wrongSize = "[Lumora] Invalid resolution";
-const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
 
 TEST(RawReader, IsChosenByItsSignatureAndDoesNotLookAtItAgain)
 {
@@ -229,33 +227,23 @@ TEST(RawReader, LeavesTheSizeToTheDisplay)
     {
         uint32_t width;
         uint32_t height;
-        Lines lines;
+        std::string line;
     };
     const Row rows[] = {
-        {0, 1, {wrongSize}},
-        {1, 0, {wrongSize}},
-        {0, 0, {wrongSize}},
-        {65536, 1, {wrongSize}},
-        {1, 65536, {wrongSize}},
-        {0x80000001, 2, {wrongSize}},
-        {0xFFFFFFFF, 0xFFFFFFFF, {wrongSize}},
-        {65535, 65535, {cannotReadImage}},
-        {5, 1, {cannotReadImage}},
+        {0, 1, invalidResolution},
+        {1, 0, invalidResolution},
+        {0, 0, invalidResolution},
+        {65536, 1, invalidResolution},
+        {1, 65536, invalidResolution},
+        {0x80000001, 2, invalidResolution},
+        {0xFFFFFFFF, 0xFFFFFFFF, invalidResolution},
+        {65535, 65535, cannotReadImage},
+        {5, 1, cannotReadImage},
     };
     for (const Row& row : rows)
-    {
-        const Bytes file = RawFile().Size(row.width, row.height).Samples(8, 0, {1, 2, 3, 4}).Build();
-        const RawRead header{file, 0};
-        EXPECT_TRUE(header.succeeded) << row.width << " x " << row.height;
-        EXPECT_EQ(header.reader.width, row.width);
-        EXPECT_EQ(header.reader.height, row.height);
-        EXPECT_THAT(header.lines, IsEmpty()) << row.width << " x " << row.height;
-
-        const RawRead frame{file, 1};
-        EXPECT_FALSE(frame.succeeded) << row.width << " x " << row.height;
-        EXPECT_EQ(frame.lines, row.lines) << row.width << " x " << row.height;
-        EXPECT_THAT(frame.reader.displayPixels, IsEmpty()) << row.width << " x " << row.height;
-    }
+        ExpectFactsWithoutFrame<RawImageRaw>(
+            RawFile().Size(row.width, row.height).Samples(8, 0, {1, 2, 3, 4}).Build(), 0, row.line,
+            HasFacts({FileType::Raw, PixelType::UInt8, row.width, row.height, 1}));
 }
 
 } // namespace

@@ -2,7 +2,7 @@
 #include "support/display/FrameReader.h"
 #include "support/display/VariedSamples.h"
 #include "support/files/RawFile.h"
-#include "support/streams/FileRead.h"
+#include "support/streams/FrameReads.h"
 #include "support/streams/SparseStream.h"
 
 #include <gmock/gmock.h>
@@ -16,7 +16,6 @@ using RawRead = FileRead<RawImageRaw>;
 
 namespace {
 
-const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
 const std::string wideRange = "[Lumora] The dynamic range is too high for calculating the exact histogram";
 
 struct TypeRow
@@ -177,13 +176,8 @@ TEST(RawReader, NeedsTheBytesOfAPackedFrameWhateverTheStrides)
                 const Bytes cut(row.samples.begin(), row.samples.end() - static_cast<ptrdiff_t>(missing));
                 const auto file =
                     RawFile().Size(2, 2).Samples(row.bits, row.kind, cut).Strides(stride, stride);
-                const RawRead header{file.Build(), 0};
-                EXPECT_TRUE(header.succeeded) << row.bits;
-                EXPECT_THAT(header.lines, IsEmpty()) << row.bits;
-                const RawRead frame{file.Build(), 1};
-                EXPECT_FALSE(frame.succeeded) << row.bits;
-                EXPECT_THAT(frame.lines, ElementsAre(cannotReadImage)) << row.bits;
-                EXPECT_THAT(frame.reader.displayPixels, IsEmpty()) << row.bits;
+                SCOPED_TRACE(row.bits);
+                ExpectFactsWithoutFrame<RawImageRaw>(file.Build(), 0, cannotReadImage);
             }
 }
 
@@ -261,10 +255,8 @@ TEST(RawReader, RefusesADataOffsetBeyondTheEnd)
         {
             const auto file =
                 RawFile().Size(4, 1).Samples(8, 0, {0, 1, 2, 3}).DataOffset(word).Strides(stride, stride);
-            EXPECT_TRUE(RawRead(file.Build(), 0).succeeded) << word;
-            const RawRead frame{file.Build(), 1};
-            EXPECT_FALSE(frame.succeeded) << word;
-            EXPECT_THAT(frame.lines, ElementsAre(cannotReadImage)) << word;
+            SCOPED_TRACE(word);
+            ExpectFactsWithoutFrame<RawImageRaw>(file.Build(), 0, cannotReadImage);
         }
 }
 
@@ -313,15 +305,7 @@ TEST(RawReader, QuantisesFractionsFinelyWhateverTheirRange)
 TEST(RawReader, ReadsNoSamplesForTheFactsOfAFile)
 {
     const auto file = RawFile().Size(3000, 2000).Samples(8, 0, Bytes(6000000)).Gap(3000000);
-    const RawRead header{file.Build(), 0};
-    EXPECT_TRUE(header.succeeded);
-    EXPECT_EQ(header.stream.readCalls, 1U);
-    EXPECT_EQ(header.stream.bytesRead, 0x400000U);
-
-    const RawRead frame{file.Build(), 1};
-    EXPECT_TRUE(frame.succeeded);
-    EXPECT_EQ(frame.stream.readCalls, 2U);
-    EXPECT_EQ(frame.stream.bytesRead, 0x400000U + 6000000U);
+    ExpectReadsOfOneWindow<RawImageRaw>(file.Build(), 0, 6000000);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "formats/RawImageSer.h"
 #include "support/files/SerFile.h"
 #include "support/streams/DamagedFile.h"
+#include "support/streams/FrameReads.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -12,8 +13,6 @@ using testing::IsEmpty;
 using SerRead = FileRead<RawImageSer>;
 
 namespace {
-
-const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
 
 /// Two pictures of 4 x 2 bytes.
 Bytes Series(uint16_t version)

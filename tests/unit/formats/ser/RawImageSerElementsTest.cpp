@@ -1,7 +1,7 @@
 #include "formats/RawImageSer.h"
 #include "support/FileFacts.h"
 #include "support/files/SerFile.h"
-#include "support/streams/FileRead.h"
+#include "support/streams/FrameReads.h"
 #include "support/streams/SparseStream.h"
 
 #include <gmock/gmock.h>
@@ -17,8 +17,6 @@ namespace {
 
 const std::string outOfRange = "[Lumora] SER: Frame index is out of range";
 const std::string wrongType = "[Lumora] SER: Unsupported pixel type";
-const std::string wrongSize = "[Lumora] Invalid resolution";
-const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
 
 /// Pictures of 3 x 1 bytes with the element's number in the middle.
 SerFile Numbered(uint16_t version, uint8_t count)
@@ -271,27 +269,17 @@ TEST(SerReader, LeavesTheSizeToTheDisplay)
     {
         uint32_t width;
         uint32_t height;
-        Lines lines;
+        std::string line;
     };
-    const Row rows[] = {{0, 1, {wrongSize}},          {1, 0, {wrongSize}},
-                        {0, 0, {wrongSize}},          {65536, 1, {wrongSize}},
-                        {1, 65536, {wrongSize}},      {0xFFFFFFFF, 0xFFFFFFFF, {wrongSize}},
-                        {4, 1, {cannotReadImage}},    {65535, 65535, {cannotReadImage}},
-                        {65535, 1, {cannotReadImage}}};
+    const Row rows[] = {{0, 1, invalidResolution},     {1, 0, invalidResolution},
+                        {0, 0, invalidResolution},     {65536, 1, invalidResolution},
+                        {1, 65536, invalidResolution}, {0xFFFFFFFF, 0xFFFFFFFF, invalidResolution},
+                        {4, 1, cannotReadImage},       {65535, 65535, cannotReadImage},
+                        {65535, 1, cannotReadImage}};
     for (const Row& row : rows)
-    {
-        const Bytes file = SerFile().Element(row.width, row.height, {1, 2, 3}).Build();
-        const SerRead header{file, 0};
-        EXPECT_TRUE(header.succeeded) << row.width << " x " << row.height;
-        EXPECT_EQ(header.reader.width, row.width);
-        EXPECT_EQ(header.reader.height, row.height);
-        EXPECT_THAT(header.lines, IsEmpty()) << row.width << " x " << row.height;
-
-        const SerRead frame{file, 1};
-        EXPECT_FALSE(frame.succeeded) << row.width << " x " << row.height;
-        EXPECT_EQ(frame.lines, row.lines) << row.width << " x " << row.height;
-        EXPECT_THAT(frame.reader.displayPixels, IsEmpty()) << row.width << " x " << row.height;
-    }
+        ExpectFactsWithoutFrame<RawImageSer>(
+            SerFile().Element(row.width, row.height, {1, 2, 3}).Build(), 0, row.line,
+            HasFacts({FileType::Ser, PixelType::UInt8, row.width, row.height, 1, true, L"Pellox"}));
 }
 
 /// Reads a stream that no vector could hold.

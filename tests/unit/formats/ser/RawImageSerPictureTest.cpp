@@ -3,7 +3,7 @@
 #include "support/display/FrameReader.h"
 #include "support/display/VariedSamples.h"
 #include "support/files/SerFile.h"
-#include "support/streams/FileRead.h"
+#include "support/streams/FrameReads.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -83,16 +83,9 @@ TEST(SerReader, NeedsEverySampleOnlyToShowThem)
     for (const TypeRow& row : dataTypes)
     {
         const Bytes cut(row.samples.begin(), row.samples.end() - 1);
-        const Bytes file = SerFile().Element({row.dataType, 2, 2, cut}).Build();
-        const SerRead header{file, 0};
-        EXPECT_TRUE(header.succeeded) << row.dataType;
-        EXPECT_EQ(header.reader.pixelType, row.pixelType) << row.dataType;
-        EXPECT_THAT(header.lines, IsEmpty()) << row.dataType;
-
-        const SerRead frame{file, 1};
-        EXPECT_FALSE(frame.succeeded) << row.dataType;
-        EXPECT_THAT(frame.lines, ElementsAre("[Lumora] Failed to read the image data into memory"))
-            << row.dataType;
+        ExpectFactsWithoutFrame<RawImageSer>(
+            SerFile().Element({row.dataType, 2, 2, cut}).Build(), 0, cannotReadImage,
+            HasFacts({FileType::Ser, row.pixelType, 2, 2, 1, true, L"Pellox"}));
     }
 }
 
