@@ -1,5 +1,6 @@
 #include "support/DmReaderTest.h"
 #include "support/FileFacts.h"
+#include "support/display/FourSamples.h"
 #include "support/display/ReferenceDisplay.h"
 #include "support/display/VariedSamples.h"
 #include "support/streams/FrameReads.h"
@@ -79,57 +80,23 @@ TYPED_TEST(DmReader, ShowsEveryTypeOfSamples)
     }
 }
 
-struct PictureRow
-{
-    const char* what;
-    uint32_t dataType;
-    /// Samples of an image of 2 x 2 pixels, up to 16 bytes.
-    Bytes samples;
-    Bytes picture;
-};
-
-// Numbers span exactly 255 steps, so that the picture is the distance from the smallest one, or, for
-// fractions, 0 to 1: quantised to 65535 steps and then divided by 257.
 TYPED_TEST(DmReader, ShowsTheFirstStoredRowAtTheTopAndTakesSamplesAsLittleEndian)
 {
-    const PictureRow rows[] = {
-        {"-100, -99, 55, 155", 1, {0x9C, 0xFF, 0x9D, 0xFF, 55, 0, 155, 0}, {0, 1, 155, 255}},
-        {"0, 1, 0.5, 0.25",
-         2,
-         {0, 0, 0, 0, 0, 0, 0x80, 0x3F, 0, 0, 0, 0x3F, 0, 0, 0x80, 0x3E},
-         {0, 255, 127, 63}},
-        {"0, 96, 160, 255", 6, {0, 96, 160, 255}, {0, 96, 160, 255}},
-        {"-1, 0, 100, 254",
-         7,
-         {0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0, 100, 0, 0, 0, 254, 0, 0, 0},
-         {0, 1, 101, 255}},
-        {"65000, 65255, 65001, 65128",
-         10,
-         {0xE8, 0xFD, 0xE7, 0xFE, 0xE9, 0xFD, 0x68, 0xFE},
-         {0, 255, 1, 128}},
-        {"2^31, 2^31 + 255, 2^31 + 1, 2^31 + 128",
-         11,
-         {0, 0, 0, 0x80, 0xFF, 0, 0, 0x80, 1, 0, 0, 0x80, 0x80, 0, 0, 0x80},
-         {0, 255, 1, 128}},
-        {"four colours",
-         23,
-         {1, 2, 3, 255, 40, 50, 60, 0, 7, 8, 9, 10, 253, 254, 255, 1},
-         {1, 2, 3, 40, 50, 60, 7, 8, 9, 253, 254, 255}},
-    };
-    for (const PictureRow& row : rows)
+    for (const DataTypeRow& row : shownTypes)
     {
+        const FourSamples samples = FourSamplesOf(row.pixelType);
         DmImage image{.dataType = row.dataType,
                       .width = 2,
                       .height = 2,
                       .elementType = DmType::uint32,
                       .elementCount = 0x40000004,
-                      .samples = row.samples};
+                      .samples = samples.stored};
         image.samples.resize(16);
         const FileRead<TypeParam> read{this->FileOf({image})};
-        EXPECT_TRUE(read.succeeded) << row.what;
-        EXPECT_FALSE(read.reader.flipVertical) << row.what;
-        EXPECT_EQ(read.reader.displayPixels, row.picture) << row.what;
-        EXPECT_EQ(read.lines, row.dataType == 23 ? Lines{} : Lines{noThumbnail}) << row.what;
+        EXPECT_TRUE(read.succeeded) << row.dataType;
+        EXPECT_FALSE(read.reader.flipVertical) << row.dataType;
+        EXPECT_EQ(read.reader.displayPixels, samples.picture) << row.dataType;
+        EXPECT_EQ(read.lines, row.dataType == 23 ? Lines{} : Lines{noThumbnail}) << row.dataType;
     }
 }
 

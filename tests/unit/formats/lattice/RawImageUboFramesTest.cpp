@@ -1,4 +1,5 @@
 #include "formats/lattice/RawImageUbo.h"
+#include "support/display/FourSamples.h"
 #include "support/display/ReferenceDisplay.h"
 #include "support/display/VariedSamples.h"
 #include "support/files/LatticeFile.h"
@@ -19,43 +20,6 @@ namespace {
 
 const std::string noSuchFrame = "[Lumora] UBO: Frame index is out of range";
 
-// Where pictures are given as numbers, the samples span 255 steps, so that the picture is the distance from
-// the smallest one; fractions span 0 to 1, quantised to 65535 steps and then divided by 257.
-
-struct PictureRow
-{
-    const char* word;
-    Bytes samples;
-    Bytes picture;
-};
-
-TEST(LatticeReader, ShowsTheFirstStoredRowAtTheTop)
-{
-    const PictureRow rows[] = {
-        {"byte", {0, 255, 1, 128}, {0, 255, 1, 128}},
-        {"ushort", {0xE8, 0xFD, 0xE7, 0xFE, 0xE9, 0xFD, 0x68, 0xFE}, {0, 255, 1, 128}},
-        {"short", {0x9C, 0xFF, 0x9D, 0xFF, 55, 0, 155, 0}, {0, 1, 155, 255}},
-        {"int",
-         {0x9C, 0xFF, 0xFF, 0xFF, 0x9D, 0xFF, 0xFF, 0xFF, 55, 0, 0, 0, 155, 0, 0, 0},
-         {0, 1, 155, 255}},
-        {"float", {0, 0, 0, 0, 0, 0, 0x80, 0x3F, 0, 0, 0, 0x3F, 0, 0, 0x80, 0x3E}, {0, 255, 127, 63}},
-        {"double",
-         {0, 0, 0, 0, 0, 0, 0,    0,    0, 0, 0, 0, 0, 0, 0xF0, 0x3F,
-          0, 0, 0, 0, 0, 0, 0xE0, 0x3F, 0, 0, 0, 0, 0, 0, 0xD0, 0x3F},
-         {0, 255, 127, 63}},
-    };
-    for (const PictureRow& row : rows)
-        for (const char* magic : {"# Vorna BINARY-BIG", "# PelixMesh ASCII"})
-        {
-            const LatticeRead read{
-                LatticeFile().Magic(magic).Size(2, 2, 1).Type(row.word).Samples(row.samples).Build()};
-            EXPECT_TRUE(read.succeeded) << row.word;
-            EXPECT_EQ(read.reader.byteOrder, ByteOrder::LittleEndian) << row.word;
-            EXPECT_EQ(read.reader.displayPixels, row.picture) << row.word;
-            EXPECT_THAT(read.lines, IsEmpty()) << row.word;
-        }
-}
-
 struct TypeRow
 {
     const char* word;
@@ -66,6 +30,21 @@ constexpr TypeRow types[] = {
     {"byte", PixelType::UInt8}, {"ushort", PixelType::UInt16}, {"short", PixelType::Int16},
     {"int", PixelType::Int32},  {"float", PixelType::Float32}, {"double", PixelType::Double64},
 };
+
+TEST(LatticeReader, ShowsTheFirstStoredRowAtTheTop)
+{
+    for (const TypeRow& row : types)
+        for (const char* magic : {"# Vorna BINARY-BIG", "# PelixMesh ASCII"})
+        {
+            const FourSamples samples = FourSamplesOf(row.pixelType);
+            const LatticeRead read{
+                LatticeFile().Magic(magic).Size(2, 2, 1).Type(row.word).Samples(samples.stored).Build()};
+            EXPECT_TRUE(read.succeeded) << row.word;
+            EXPECT_EQ(read.reader.byteOrder, ByteOrder::LittleEndian) << row.word;
+            EXPECT_EQ(read.reader.displayPixels, samples.picture) << row.word;
+            EXPECT_THAT(read.lines, IsEmpty()) << row.word;
+        }
+}
 
 TEST(LatticeReader, OffersTheMiddleSliceOfThreeOrMoreBeforeAllSlices)
 {

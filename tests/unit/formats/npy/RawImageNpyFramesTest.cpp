@@ -1,5 +1,6 @@
 #include "formats/RawImageNpy.h"
 #include "support/FileFacts.h"
+#include "support/display/FourSamples.h"
 #include "support/display/ReferenceDisplay.h"
 #include "support/display/VariedSamples.h"
 #include "support/files/NpyFile.h"
@@ -22,48 +23,27 @@ const std::string invalidDataSize = "[Lumora] NPY: Invalid data size";
 const std::string noSuchFrame = "[Lumora] NPY: Frame index is out of range";
 const std::string zeroRange = "[Lumora] The found dynamic range is zero";
 
-// Where pictures are given as numbers, the samples span 255 steps, so that the picture is the distance from
-// the smallest one; fractions span 0 to 1, quantised to 65535 steps and then divided by 257.
-
-struct PictureRow
+struct TypeRow
 {
     const char* descr;
-    Bytes samples;
-    Bytes picture;
+    PixelType pixelType;
+};
+
+constexpr TypeRow types[] = {
+    {"|u1", PixelType::UInt8},       {"<u2", PixelType::UInt16},   {"<u4", PixelType::UInt32},
+    {"|i1", PixelType::Int8},        {"<i2", PixelType::Int16},    {"<i4", PixelType::Int32},
+    {"<f4", PixelType::Float32},     {"<f8", PixelType::Double64}, {"<c8", PixelType::Complex64},
+    {"<c16", PixelType::Complex128},
 };
 
 TEST(NpyReader, ShowsTheFirstStoredRowAtTheTop)
 {
-    const PictureRow rows[] = {
-        {"|u1", {0, 255, 1, 128}, {0, 255, 1, 128}},
-        {"<u2", {0xE8, 0xFD, 0xE7, 0xFE, 0xE9, 0xFD, 0x68, 0xFE}, {0, 255, 1, 128}},
-        {"<u4", {5, 0, 1, 0, 4, 1, 1, 0, 6, 0, 1, 0, 133, 0, 1, 0}, {0, 255, 1, 128}},
-        {"|i1", {0x80, 0xE0, 0x20, 0x7F}, {0, 96, 160, 255}},
-        {"<i2", {0x9C, 0xFF, 0x9D, 0xFF, 55, 0, 155, 0}, {0, 1, 155, 255}},
-        {"<i4",
-         {0x9C, 0xFF, 0xFF, 0xFF, 0x9D, 0xFF, 0xFF, 0xFF, 55, 0, 0, 0, 155, 0, 0, 0},
-         {0, 1, 155, 255}},
-        {"<f4", {0, 0, 0, 0, 0, 0, 0x80, 0x3F, 0, 0, 0, 0x3F, 0, 0, 0x80, 0x3E}, {0, 255, 127, 63}},
-        {"<f8",
-         {0, 0, 0, 0, 0, 0, 0,    0,    0, 0, 0, 0, 0, 0, 0xF0, 0x3F,
-          0, 0, 0, 0, 0, 0, 0xE0, 0x3F, 0, 0, 0, 0, 0, 0, 0xD0, 0x3F},
-         {0, 255, 127, 63}},
-        // 0, -i, 0.5 and -0.25.
-        {"<c8",
-         {0, 0, 0, 0,    0, 0, 0, 0, 0, 0, 0,    0,    0, 0, 0x80, 0xBF,
-          0, 0, 0, 0x3F, 0, 0, 0, 0, 0, 0, 0x80, 0xBE, 0, 0, 0,    0},
-         {0, 255, 127, 63}},
-        {"<c16",
-         {0, 0, 0, 0, 0, 0, 0, 0, 0,    0,    0,    0,    0, 0, 0, 0, 0,    0,    0, 0, 0, 0,
-          0, 0, 0, 0, 0, 0, 0, 0, 0xF0, 0xBF, 0,    0,    0, 0, 0, 0, 0xE0, 0x3F, 0, 0, 0, 0,
-          0, 0, 0, 0, 0, 0, 0, 0, 0,    0,    0xD0, 0xBF, 0, 0, 0, 0, 0,    0,    0, 0},
-         {0, 255, 127, 63}},
-    };
-    for (const PictureRow& row : rows)
+    for (const TypeRow& row : types)
     {
-        const NpyRead read{NpyFile().Descr(row.descr).Shape("(2, 2)").Samples(row.samples).Build()};
+        const FourSamples samples = FourSamplesOf(row.pixelType);
+        const NpyRead read{NpyFile().Descr(row.descr).Shape("(2, 2)").Samples(samples.stored).Build()};
         EXPECT_TRUE(read.succeeded) << row.descr;
-        EXPECT_EQ(read.reader.displayPixels, row.picture) << row.descr;
+        EXPECT_EQ(read.reader.displayPixels, samples.picture) << row.descr;
         EXPECT_THAT(read.lines, IsEmpty()) << row.descr;
     }
 }
@@ -87,19 +67,6 @@ TEST(NpyReader, TakesBigEndianSamplesAsLittleEndianOnes)
     EXPECT_THAT(read.reader.displayPixels, ElementsAre(0, 127, 255));
     EXPECT_THAT(read.lines, IsEmpty());
 }
-
-struct TypeRow
-{
-    const char* descr;
-    PixelType pixelType;
-};
-
-constexpr TypeRow types[] = {
-    {"|u1", PixelType::UInt8},       {"<u2", PixelType::UInt16},   {"<u4", PixelType::UInt32},
-    {"|i1", PixelType::Int8},        {"<i2", PixelType::Int16},    {"<i4", PixelType::Int32},
-    {"<f4", PixelType::Float32},     {"<f8", PixelType::Double64}, {"<c8", PixelType::Complex64},
-    {"<c16", PixelType::Complex128},
-};
 
 TEST(NpyReader, ShowsEachFrameOfAStackOfEveryType)
 {
