@@ -2,7 +2,7 @@
 #include "support/display/ReferenceDisplay.h"
 #include "support/files/BinFile.h"
 #include "support/streams/FrameReads.h"
-#include "support/streams/SparseStream.h"
+#include "support/streams/SparseRead.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -98,29 +98,12 @@ TEST(BinReader, AddsTheHeadersLengthIn64Bits)
         }
 }
 
-/// Reads a stream that no vector could hold.
-struct SparseRead
-{
-    SparseRead(uint64_t size, const Bytes& start, uint64_t place, const Bytes& there, uint32_t mode)
-        : stream(size, start, place, there)
-    {
-        DiagnosticLines diagnostics;
-        succeeded = reader.Read(&stream, size, mode, 0);
-        lines = diagnostics.Take();
-    }
-
-    SparseStream stream;
-    RawImageBin reader;
-    bool succeeded = false;
-    Lines lines;
-};
-
 TEST(BinReader, FindsTheSamplesBehindAHeaderOfAlmost4GiB)
 {
     constexpr uint32_t length = 0xFFFFFFFE;
     ByteWriter header;
     header.Put(uint16_t{1}).Put(uint32_t{4}).Put(uint32_t{1}).Put(length);
-    const SparseRead read{uint64_t{length} + 4, header.bytes, length, {0, 60, 70, 255}, 1};
+    const SparseRead<RawImageBin> read{uint64_t{length} + 4, header.bytes, length, {0, 60, 70, 255}};
     EXPECT_TRUE(read.succeeded);
     EXPECT_EQ(read.reader.fileType, FileType::BinWithDataOffset);
     EXPECT_THAT(read.reader.displayPixels, ElementsAre(0, 60, 70, 255));
@@ -132,17 +115,17 @@ TEST(BinReader, CalculatesTheImagesSizeIn64Bits)
     constexpr uint64_t imageBytes = 34358689800;
     ByteWriter header;
     header.Put(uint16_t{8}).Put(uint32_t{65535}).Put(uint32_t{65535});
-    const SparseRead facts{10 + imageBytes, header.bytes, 0, {}, 0};
+    const SparseRead<RawImageBin> facts{10 + imageBytes, header.bytes, 0, {}, 0};
     EXPECT_TRUE(facts.succeeded);
     EXPECT_EQ(facts.reader.fileType, FileType::Bin);
     EXPECT_EQ(facts.reader.pixelType, PixelType::Double64);
 
     // No frame of 4 GiB is ever read.
-    const SparseRead frame{10 + imageBytes, header.bytes, 0, {}, 1};
+    const SparseRead<RawImageBin> frame{10 + imageBytes, header.bytes, 0, {}, 1};
     EXPECT_FALSE(frame.succeeded);
     EXPECT_THAT(frame.lines, ElementsAre(cannotReadImage));
 
-    const SparseRead cut{10 + (imageBytes & 0xFFFFFFFF), header.bytes, 0, {}, 0};
+    const SparseRead<RawImageBin> cut{10 + (imageBytes & 0xFFFFFFFF), header.bytes, 0, {}, 0};
     EXPECT_FALSE(cut.succeeded);
     EXPECT_THAT(cut.lines, ElementsAre(wrongFileSize));
 }

@@ -1,6 +1,6 @@
 #include "support/DmReaderTest.h"
 #include "support/streams/FrameReads.h"
-#include "support/streams/SparseStream.h"
+#include "support/streams/SparseRead.h"
 
 #include <gmock/gmock.h>
 
@@ -251,13 +251,10 @@ TEST(Dm3Reader, FindsAnImageBeyond32Bits)
     const uint64_t imageBegin = arrayBegin + 0xFFFFFFFF;
     const uint64_t streamSize = imageBegin + image.size();
 
-    SparseStream stream{streamSize, start, imageBegin, image};
-    RawImageDm3 reader;
-    DiagnosticLines diagnostics;
-    EXPECT_TRUE(reader.Read(&stream, streamSize, 1, 0));
-    EXPECT_THAT(diagnostics.Take(), ElementsAre(noThumbnail));
-    EXPECT_THAT(reader.displayPixels, ElementsAre(0, 7, 255));
-    EXPECT_EQ(stream.references, 0U);
+    const SparseRead<RawImageDm3> read{streamSize, start, imageBegin, image};
+    EXPECT_TRUE(read.succeeded);
+    EXPECT_THAT(read.lines, ElementsAre(noThumbnail));
+    EXPECT_THAT(read.reader.displayPixels, ElementsAre(0, 7, 255));
 }
 
 } // namespace

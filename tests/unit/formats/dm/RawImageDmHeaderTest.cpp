@@ -1,6 +1,6 @@
 #include "support/DmReaderTest.h"
 #include "support/FileFacts.h"
-#include "support/streams/SparseStream.h"
+#include "support/streams/SparseRead.h"
 
 #include <gmock/gmock.h>
 
@@ -171,12 +171,9 @@ template <typename Reader>
 void ExpectOfHugeStream(uint64_t streamSize, Bytes file, const Lines& lines)
 {
     file.insert(file.end(), 32, 0xEE);
-    SparseStream stream{streamSize, file, 0, {}};
-    Reader reader;
-    DiagnosticLines diagnostics;
-    EXPECT_EQ(reader.Read(&stream, streamSize, 0, 0), lines == Lines{noThumbnail}) << streamSize;
-    EXPECT_EQ(diagnostics.Take(), lines) << streamSize;
-    EXPECT_EQ(stream.references, 0U);
+    const SparseRead<Reader> read{streamSize, file, 0, {}, 0};
+    EXPECT_EQ(read.succeeded, lines == Lines{noThumbnail}) << streamSize;
+    EXPECT_EQ(read.lines, lines) << streamSize;
 }
 
 TEST(Dm3Reader, TakesARootGroupOfAnySizeInAStreamOfMoreThan32Bits)

@@ -2,7 +2,7 @@
 #include "support/FileFacts.h"
 #include "support/files/EmiFile.h"
 #include "support/streams/FrameReads.h"
-#include "support/streams/SparseStream.h"
+#include "support/streams/SparseRead.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -272,14 +272,12 @@ TEST(EmiReader, StepsOverLengthsThatLeadBeyond4GiB)
     constexpr uint64_t place = 8 + 8 + uint64_t{length};
     const Bytes image = EmiFile().Sized(0x2000, 1, Bytes(300)).Bytes(9, 1, nine).Build();
     const Bytes there(image.begin() + 8, image.end());
-    SparseStream stream{place + there.size(), EmiFile().Sized(0x2000, 1, {}, length).Build(), place, there};
-    RawImageEmi reader;
-    DiagnosticLines diagnostics;
-    EXPECT_TRUE(reader.Read(&stream, place + there.size(), 1, 0));
-    EXPECT_EQ(reader.displayPixels, nine);
-    EXPECT_THAT(diagnostics.Take(), IsEmpty());
-    EXPECT_EQ(stream.references, 0U);
-    EXPECT_EQ(stream.readCalls, 3U);
+    const SparseRead<RawImageEmi> read{place + there.size(), EmiFile().Sized(0x2000, 1, {}, length).Build(),
+                                       place, there};
+    EXPECT_TRUE(read.succeeded);
+    EXPECT_EQ(read.reader.displayPixels, nine);
+    EXPECT_THAT(read.lines, IsEmpty());
+    EXPECT_EQ(read.stream.readCalls, 3U);
 }
 
 } // namespace

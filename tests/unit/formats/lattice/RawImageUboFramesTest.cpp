@@ -3,9 +3,8 @@
 #include "support/display/ReferenceDisplay.h"
 #include "support/display/VariedSamples.h"
 #include "support/files/LatticeFile.h"
-#include "support/streams/DiagnosticLines.h"
 #include "support/streams/FrameReads.h"
-#include "support/streams/SparseStream.h"
+#include "support/streams/SparseRead.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -212,14 +211,12 @@ TEST(LatticeReader, FindsSlicesFarBehind4GiB)
         const Bytes file = LatticeFile().Size(row.x, row.y, row.z).Type(row.word).Build();
         const Bytes samples = VariedSamples(type, size_t{row.x} * row.y);
         const uint64_t place = file.size() + row.place;
-        SparseStream stream{place + samples.size(), file, place, samples};
-        RawImageUbo reader;
-        DiagnosticLines diagnostics;
-        ASSERT_TRUE(reader.Read(&stream, place + samples.size(), 1, row.frameIndex)) << row.z;
+        const SparseRead<RawImageUbo> read{place + samples.size(), file, place, samples, 1, row.frameIndex};
+        ASSERT_TRUE(read.succeeded) << row.z;
         const DisplayedFrame expected =
             ReferenceDisplay({.pixelType = type, .width = row.x, .height = row.y, .bytes = samples});
-        EXPECT_TRUE(reader.displayPixels == expected.pixels) << row.z;
-        EXPECT_EQ(diagnostics.Take(), expected.lines) << row.z;
+        EXPECT_TRUE(read.reader.displayPixels == expected.pixels) << row.z;
+        EXPECT_EQ(read.lines, expected.lines) << row.z;
     }
 }
 

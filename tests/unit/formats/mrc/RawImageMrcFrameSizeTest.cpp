@@ -2,7 +2,7 @@
 #include "support/FileFacts.h"
 #include "support/files/MrcFile.h"
 #include "support/streams/FrameReads.h"
-#include "support/streams/SparseStream.h"
+#include "support/streams/SparseRead.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -127,14 +127,13 @@ TEST(MrcReader, FindsAFrameBeyondFourGigabytes)
     std::fill(frame.begin() + 32768, frame.end(), uint8_t{0x7F});
 
     constexpr uint64_t streamSize = 8192 + 70000 * frameBytes;
-    SparseStream stream{streamSize, MrcFile().Size(256, 256, 70000).Mode(0).Build(), place, frame};
-    RawImageMrc reader;
-    EXPECT_TRUE(reader.Read(&stream, streamSize, 1, frameIndex));
-    ASSERT_EQ(reader.displayPixels.size(), frameBytes);
-    EXPECT_EQ(reader.displayPixels.front(), 0);
-    EXPECT_EQ(reader.displayPixels.back(), 255);
-    EXPECT_EQ(reader.frameCount, 70000U);
-    EXPECT_EQ(stream.references, 0U);
+    const SparseRead<RawImageMrc> read{
+        streamSize, MrcFile().Size(256, 256, 70000).Mode(0).Build(), place, frame, 1, frameIndex};
+    EXPECT_TRUE(read.succeeded);
+    ASSERT_EQ(read.reader.displayPixels.size(), frameBytes);
+    EXPECT_EQ(read.reader.displayPixels.front(), 0);
+    EXPECT_EQ(read.reader.displayPixels.back(), 255);
+    EXPECT_EQ(read.reader.frameCount, 70000U);
 }
 
 TEST(MrcReader, ReadsOneWindowAndTheFrameOfAStack)

@@ -4,9 +4,8 @@
 #include "support/display/ReferenceDisplay.h"
 #include "support/display/VariedSamples.h"
 #include "support/files/NpyFile.h"
-#include "support/streams/DiagnosticLines.h"
 #include "support/streams/FrameReads.h"
-#include "support/streams/SparseStream.h"
+#include "support/streams/SparseRead.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -218,11 +217,10 @@ TEST(NpyReader, TakesTheFrameSizeModulo32BitsAndThenCannotReadTheFrame)
     constexpr uint64_t needed = 256 + 4294705154;
     for (const uint64_t size : {needed - 1, needed})
     {
-        SparseStream stream{size, NpyFile().Descr("<u2").Shape("(65535, 65535)").Build(), 0, {}};
-        RawImageNpy reader;
-        DiagnosticLines diagnostics;
-        EXPECT_EQ(reader.Read(&stream, size, 0, 0), size == needed) << size;
-        EXPECT_EQ(diagnostics.Take(), size == needed ? Lines{} : Lines{invalidDataSize}) << size;
+        const Bytes file = NpyFile().Descr("<u2").Shape("(65535, 65535)").Build();
+        const SparseRead<RawImageNpy> read{size, file, 0, {}, 0};
+        EXPECT_EQ(read.succeeded, size == needed) << size;
+        EXPECT_EQ(read.lines, size == needed ? Lines{} : Lines{invalidDataSize}) << size;
     }
 }
 
@@ -234,15 +232,13 @@ TEST(NpyReader, FindsFramesFarBehind4GiB)
     const Bytes samples = VariedSamples(PixelType::UInt16, 1024 * 1024);
     const DisplayedFrame expected =
         ReferenceDisplay({.pixelType = PixelType::UInt16, .width = 1024, .height = 1024, .bytes = samples});
-    SparseStream stream{place + 2097152, file, place, samples};
-    RawImageNpy reader;
-    ASSERT_TRUE(reader.Read(&stream, place + 2097152, 1, 4095));
-    EXPECT_TRUE(reader.displayPixels == expected.pixels);
+    const SparseRead<RawImageNpy> read{place + 2097152, file, place, samples, 1, 4095};
+    ASSERT_TRUE(read.succeeded);
+    EXPECT_TRUE(read.reader.displayPixels == expected.pixels);
 
-    RawImageNpy cut;
-    DiagnosticLines diagnostics;
-    EXPECT_FALSE(cut.Read(&stream, place + 2097151, 1, 4095));
-    EXPECT_THAT(diagnostics.Take(), ElementsAre(invalidDataSize));
+    const SparseRead<RawImageNpy> cut{place + 2097151, file, place, samples, 1, 4095};
+    EXPECT_FALSE(cut.succeeded);
+    EXPECT_THAT(cut.lines, ElementsAre(invalidDataSize));
 }
 
 } // namespace

@@ -3,7 +3,7 @@
 #include "support/display/VariedSamples.h"
 #include "support/files/RawFile.h"
 #include "support/streams/FrameReads.h"
-#include "support/streams/SparseStream.h"
+#include "support/streams/SparseRead.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -264,13 +264,11 @@ TEST(RawReader, FindsTheSamplesJustBelow4GiB)
 {
     constexpr uint32_t word = 0xFFFFFFCE;
     constexpr uint64_t place = 0xFFFFFFFF;
-    SparseStream stream{place + 4, RawFile().Size(4, 1).DataOffset(word).Build(), place, {0, 70, 80, 255}};
-    RawImageRaw reader;
-    DiagnosticLines diagnostics;
-    EXPECT_TRUE(reader.Read(&stream, place + 4, 1, 0));
-    EXPECT_THAT(reader.displayPixels, ElementsAre(0, 70, 80, 255));
-    EXPECT_THAT(diagnostics.Take(), IsEmpty());
-    EXPECT_EQ(stream.references, 0U);
+    const SparseRead<RawImageRaw> read{
+        place + 4, RawFile().Size(4, 1).DataOffset(word).Build(), place, {0, 70, 80, 255}};
+    EXPECT_TRUE(read.succeeded);
+    EXPECT_THAT(read.reader.displayPixels, ElementsAre(0, 70, 80, 255));
+    EXPECT_THAT(read.lines, IsEmpty());
 }
 
 TEST(RawReader, QuantisesFractionsFinelyWhateverTheirRange)

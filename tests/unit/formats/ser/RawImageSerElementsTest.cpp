@@ -2,7 +2,7 @@
 #include "support/FileFacts.h"
 #include "support/files/SerFile.h"
 #include "support/streams/FrameReads.h"
-#include "support/streams/SparseStream.h"
+#include "support/streams/SparseRead.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -282,28 +282,16 @@ TEST(SerReader, LeavesTheSizeToTheDisplay)
             HasFacts({FileType::Ser, PixelType::UInt8, row.width, row.height, 1, true, L"Pellox"}));
 }
 
-/// Reads a stream that no vector could hold.
-bool ReadSparse(SparseStream& stream, RawImageSer& reader, Lines& lines)
-{
-    DiagnosticLines diagnostics;
-    const bool succeeded = reader.Read(&stream, *stream.faults.reportedSize, 1, 0);
-    lines = diagnostics.Take();
-    EXPECT_EQ(stream.references, 0U);
-    return succeeded;
-}
-
 TEST(SerReader, ShowsAnElementBeyond4GiB)
 {
     constexpr uint64_t place = 0x140000005;
     const Bytes element = SerElement{1, 3, 1, {0, 77, 255}}.Build();
-    SparseStream stream{place + element.size(), Numbered(0x0220, 1).ElementOffset(0, place).Build(), place,
-                        element};
-    RawImageSer reader;
-    Lines lines;
-    EXPECT_TRUE(ReadSparse(stream, reader, lines));
-    EXPECT_THAT(reader.displayPixels, ElementsAre(0, 77, 255));
-    EXPECT_THAT(lines, IsEmpty());
-    EXPECT_EQ(stream.readCalls, 3U);
+    const Bytes start = Numbered(0x0220, 1).ElementOffset(0, place).Build();
+    const SparseRead<RawImageSer> read{place + element.size(), start, place, element};
+    EXPECT_TRUE(read.succeeded);
+    EXPECT_THAT(read.reader.displayPixels, ElementsAre(0, 77, 255));
+    EXPECT_THAT(read.lines, IsEmpty());
+    EXPECT_EQ(read.stream.readCalls, 3U);
 }
 
 TEST(SerReader, LooksForAnArrayBeyond4GiBInTheFirst4GiB)
@@ -312,23 +300,20 @@ TEST(SerReader, LooksForAnArrayBeyond4GiBInTheFirst4GiB)
     const SerFile file = Numbered(0x0220, 1).ArrayOffset(place);
     ByteWriter array;
     array.Put(uint64_t{file.FirstElement()});
-    SparseStream stream{place + 8, file.Build(), place, array.bytes};
-    RawImageSer reader;
-    Lines lines;
+    const SparseRead<RawImageSer> read{place + 8, file.Build(), place, array.bytes};
     // Zeros at 0x1000 make an element of the file's start, with calibration where its type would be.
-    EXPECT_FALSE(ReadSparse(stream, reader, lines));
-    EXPECT_THAT(lines, ElementsAre(wrongType));
+    EXPECT_FALSE(read.succeeded);
+    EXPECT_THAT(read.lines, ElementsAre(wrongType));
 }
 
 TEST(SerReader, RefusesAnElementWhoseHeaderWouldWrapToTheStart)
 {
     // Ten bytes before the end of all numbers; a stream may claim any size.
     constexpr uint64_t place = 0xFFFFFFFFFFFFFFF5;
-    SparseStream stream{0xFFFFFFFFFFFFFFFF, Numbered(0x0220, 1).ElementOffset(0, place).Build(), 0, {}};
-    RawImageSer reader;
-    Lines lines;
-    EXPECT_FALSE(ReadSparse(stream, reader, lines));
-    EXPECT_THAT(lines, IsEmpty());
+    const Bytes start = Numbered(0x0220, 1).ElementOffset(0, place).Build();
+    const SparseRead<RawImageSer> read{0xFFFFFFFFFFFFFFFF, start, 0, {}};
+    EXPECT_FALSE(read.succeeded);
+    EXPECT_THAT(read.lines, IsEmpty());
 }
 
 } // namespace
