@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/DmReaderTest.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include "core/PixelType.h"
 
@@ -104,10 +105,5 @@ void ExpectFound(const DmLayout& layout, const SearchRow& row)
         EXPECT_THAT(read.reader.displayPixels, testing::ElementsAre(0, frame.number, 255));
     }
     const std::string version = layout.version == 4 ? "DM4" : "DM3";
-    for (const uint32_t mode : {0U, 1U})
-    {
-        const FileRead<Reader> beyond{file, mode, frameCount};
-        EXPECT_FALSE(beyond.succeeded);
-        EXPECT_THAT(beyond.lines, testing::ElementsAre("[Lumora] " + version + ": No images found"));
-    }
+    ExpectRefusal<Reader>(file, {"[Lumora] " + version + ": No images found"}, "", testing::_, frameCount);
 }

@@ -15,7 +15,7 @@
 #include "support/gray/GrayFiles.h"
 #include "support/gray/GrayStack.h"
 #include "support/streams/DamagedFile.h"
-#include "support/streams/FrameReads.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

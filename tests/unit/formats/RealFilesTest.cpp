@@ -43,6 +43,17 @@ void ExpectFacts(const Bytes& file, const FileFacts& facts)
     EXPECT_THAT(*header.image.Reader(), HasFacts(facts));
 }
 
+/// Expects that a frame is refused in this line, whether it is wanted or its header alone.
+void ExpectRefusal(const Bytes& file, const std::string& line, uint32_t frameIndex = 0)
+{
+    for (const uint32_t mode : {0U, 1U})
+    {
+        const FileOpen open{file, mode, frameIndex};
+        EXPECT_FALSE(open.succeeded);
+        EXPECT_THAT(open.lines, ElementsAre(line));
+    }
+}
+
 /// What numpy computes of a frame's picture.
 struct FramePicture
 {
@@ -97,10 +108,7 @@ TEST_F(RealFiles, SeriesOfDiffractionPatterns)
         file, {1, {112, 133, 133, 112, 90, 155, 112, 156}, {133, 134, 135, 90, 45, 112, 158, 185}, 2087950});
     ExpectPicture(
         file, {4, {111, 133, 68, 111, 111, 175, 111, 90}, {111, 156, 178, 90, 178, 157, 157, 183}, 2108426});
-
-    const FileOpen beyond{file, 0, 5};
-    EXPECT_FALSE(beyond.succeeded);
-    EXPECT_THAT(beyond.lines, testing::ElementsAre("[Lumora] SER: Frame index is out of range"));
+    ExpectRefusal(file, "[Lumora] SER: Frame index is out of range", 5);
 }
 
 TEST_F(RealFiles, SeriesOfOneImage)
@@ -114,13 +122,7 @@ TEST_F(RealFiles, SeriesOfOneImage)
 
 TEST_F(RealFiles, SeriesOfSpectra)
 {
-    const Bytes file = Load("ser/spectrum.ser");
-    for (const uint32_t mode : {0U, 1U})
-    {
-        const FileOpen open{file, mode};
-        EXPECT_FALSE(open.succeeded);
-        EXPECT_THAT(open.lines, testing::ElementsAre("[Lumora] SER: No 2D data structure found"));
-    }
+    ExpectRefusal(Load("ser/spectrum.ser"), "[Lumora] SER: No 2D data structure found");
 }
 
 TEST_F(RealFiles, ArrayWithAnImage)
@@ -184,11 +186,8 @@ TEST_F(RealFiles, TagFilesWithAThumbnailAndASmallImage)
             EXPECT_EQ(reader.displayPixels, mode == 0 ? Bytes{} : picture);
         }
 
-        const FileOpen second{file, 0, 1};
-        EXPECT_FALSE(second.succeeded);
-        EXPECT_THAT(second.lines,
-                    ElementsAre(expected.fileType == FileType::Dm3 ? "[Lumora] DM3: No images found"
-                                                                   : "[Lumora] DM4: No images found"));
+        const std::string version = expected.fileType == FileType::Dm3 ? "DM3" : "DM4";
+        ExpectRefusal(file, "[Lumora] " + version + ": No images found", 1);
     }
 }
 
@@ -199,13 +198,7 @@ TEST_F(RealFiles, TagFilesWithSmallImagesOnly)
     for (const char* name : {"dm/small_2d.dm3", "dm/spectrum_1d.dm3"})
     {
         SCOPED_TRACE(name);
-        const Bytes file = Load(name);
-        for (const uint32_t mode : {0U, 1U})
-        {
-            const FileOpen open{file, mode};
-            EXPECT_FALSE(open.succeeded);
-            EXPECT_THAT(open.lines, ElementsAre("[Lumora] DM3: No images found"));
-        }
+        ExpectRefusal(Load(name), "[Lumora] DM3: No images found");
     }
 }
 
@@ -224,10 +217,7 @@ TEST_F(RealFiles, ScanWithThreeChannels)
     const FileOpen sum{file, 0, 2};
     ASSERT_TRUE(sum.succeeded);
     EXPECT_EQ(sum.image.Reader()->pixelType, PixelType::Float32);
-
-    const FileOpen beyond{file, 0, 3};
-    EXPECT_FALSE(beyond.succeeded);
-    EXPECT_THAT(beyond.lines, ElementsAre("[Lumora] HDF: Frame index is out of range"));
+    ExpectRefusal(file, "[Lumora] HDF: Frame index is out of range", 3);
 }
 
 // Pictures by other names, and one of four colours in a compound type.
@@ -236,13 +226,7 @@ TEST_F(RealFiles, Hdf5FilesWithoutNamedImages)
     for (const char* name : {"hdf/acquisition.emd", "hdf/rgba16.hdf5"})
     {
         SCOPED_TRACE(name);
-        const Bytes file = Load(name);
-        for (const uint32_t mode : {0U, 1U})
-        {
-            const FileOpen open{file, mode};
-            EXPECT_FALSE(open.succeeded);
-            EXPECT_THAT(open.lines, ElementsAre("[Lumora] HDF: No images found"));
-        }
+        ExpectRefusal(Load(name), "[Lumora] HDF: No images found");
     }
 }
 

@@ -1,12 +1,11 @@
 #include "support/DmReaderTest.h"
-#include "support/streams/FrameReads.h"
+#include "support/streams/ReaderExpectations.h"
 #include "support/streams/SparseRead.h"
 
 #include <gmock/gmock.h>
 
 using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 
@@ -100,14 +99,8 @@ TYPED_TEST(DmReader, SetsAsideAThumbnailThatIsTheFirstOfSeveralImages)
                 EXPECT_EQ(read.reader.displayPixels, mode == 0 ? Bytes{} : row.frames[i].picture) << i;
             }
         for (const uint32_t i : {frameCount, frameCount + 1, 0x80000000U, 0xFFFFFFFFU})
-            for (const uint32_t mode : {0U, 1U})
-            {
-                const FileRead<TypeParam> read{file, mode, i};
-                EXPECT_FALSE(read.succeeded) << i;
-                EXPECT_THAT(read.lines, ElementsAre(this->Line("No images found"))) << i;
-                EXPECT_THAT(read.reader, HasFacts(DmFacts<TypeParam>())) << i;
-                EXPECT_THAT(read.reader.displayPixels, IsEmpty()) << i;
-            }
+            ExpectRefusal<TypeParam>(file, {this->Line("No images found")}, i, HasFacts(DmFacts<TypeParam>()),
+                                     i);
     }
 }
 

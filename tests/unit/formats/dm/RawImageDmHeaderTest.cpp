@@ -1,5 +1,7 @@
 #include "support/DmReaderTest.h"
 #include "support/FileFacts.h"
+#include "support/streams/DamagedFile.h"
+#include "support/streams/ReaderExpectations.h"
 #include "support/streams/SparseRead.h"
 
 #include <gmock/gmock.h>
@@ -8,7 +10,6 @@
 
 using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 
@@ -81,34 +82,26 @@ TYPED_TEST(DmReader, ReadsAFileWrittenByHand)
     EXPECT_THAT(open.lines, ElementsAre(noThumbnail));
 }
 
-/// Expects that the file is refused with the line before anything is known of an image, in both read modes.
+/// Expects that the file is refused before anything is known of an image.
 template <typename Reader>
-void ExpectRefusal(const Bytes& file, const Lines& lines, size_t place)
+void ExpectRefusedHeader(const Bytes& file, const Lines& lines, size_t what)
 {
-    for (const uint32_t mode : {0U, 1U})
-    {
-        const FileRead<Reader> read{file, mode};
-        EXPECT_FALSE(read.succeeded) << place;
-        EXPECT_EQ(read.lines, lines) << place;
-        EXPECT_THAT(read.reader, HasFacts(DmFacts<Reader>())) << place;
-        EXPECT_EQ(read.reader.readMode, mode) << place;
-        EXPECT_THAT(read.reader.displayPixels, IsEmpty()) << place;
-    }
+    ExpectRefusal<Reader>(file, lines, what, HasFacts(DmFacts<Reader>()));
 }
 
 TYPED_TEST(DmReader, RefusesEveryOtherVersion)
 {
     for (const uint32_t version :
          {0U, 1U, 2U, 7U - this->layout.version, 5U, 0x103U, 0x104U, 0x03000000U, 0x04000000U, 0xFFFFFFFFU})
-        ExpectRefusal<TypeParam>(this->File(HandWrittenTags(this->layout)).Version(version).Build(),
-                                 {this->Line("Invalid version number")}, version);
+        ExpectRefusedHeader<TypeParam>(this->File(HandWrittenTags(this->layout)).Version(version).Build(),
+                                       {this->Line("Invalid version number")}, version);
 }
 
 TYPED_TEST(DmReader, RefusesBigEndianValuesAndTakesEveryOtherByteOrderWordForLittleEndian)
 {
     DmFile file = this->File(HandWrittenTags(this->layout));
-    ExpectRefusal<TypeParam>(file.ByteOrderWord(0).Build(),
-                             {this->Line("Big endian byte ordering for data is not supported")}, 0);
+    ExpectRefusedHeader<TypeParam>(file.ByteOrderWord(0).Build(),
+                                   {this->Line("Big endian byte ordering for data is not supported")}, 0);
     for (const uint32_t word : {1U, 2U, 0x100U, 0x01000000U, 0x80000000U, 0xFFFFFFFFU})
     {
         const FileRead<TypeParam> read{file.ByteOrderWord(word).Build()};
@@ -121,8 +114,8 @@ TYPED_TEST(DmReader, RefusesBigEndianValuesAndTakesEveryOtherByteOrderWordForLit
 TYPED_TEST(DmReader, ReportsTheFirstOfSeveralFaultsOfTheHeader)
 {
     DmFile file = this->File(HandWrittenTags(this->layout)).ByteOrderWord(0).ClaimRootBytes(0);
-    ExpectRefusal<TypeParam>(file.Build(), {this->Line("Invalid checksum (number of bytes)")}, 0);
-    ExpectRefusal<TypeParam>(file.Version(0).Build(), {this->Line("Invalid version number")}, 0);
+    ExpectRefusedHeader<TypeParam>(file.Build(), {this->Line("Invalid checksum (number of bytes)")}, 0);
+    ExpectRefusedHeader<TypeParam>(file.Version(0).Build(), {this->Line("Invalid version number")}, 0);
 }
 
 TEST(Dm3Reader, TakesARootGroupOfAnySizeUpToTheWholeStream)
@@ -134,7 +127,7 @@ TEST(Dm3Reader, TakesARootGroupOfAnySizeUpToTheWholeStream)
     for (const uint32_t size : {1U, 124U, 125U, 126U, 144U, 145U})
         EXPECT_TRUE(FileRead<RawImageDm3>(file.ClaimRootBytes(size).Build()).succeeded) << size;
     for (const uint32_t size : {0U, 146U, 0x80000000U, 0xFFFFFFFFU})
-        ExpectRefusal<RawImageDm3>(file.ClaimRootBytes(size).Build(), invalid, size);
+        ExpectRefusedHeader<RawImageDm3>(file.ClaimRootBytes(size).Build(), invalid, size);
 }
 
 TEST(Dm4Reader, TakesOnlyTheExactSizeOfTheRootGroup)
@@ -144,7 +137,7 @@ TEST(Dm4Reader, TakesOnlyTheExactSizeOfTheRootGroup)
     ASSERT_EQ(file.Build().size(), 213U + 24U);
     EXPECT_TRUE(FileRead<RawImageDm4>(file.ClaimRootBytes(213).Build()).succeeded);
     for (const uint32_t size : {0U, 1U, 212U, 214U, 237U, 0x80000000U + 213, 0xFFFFFFFFU})
-        ExpectRefusal<RawImageDm4>(file.ClaimRootBytes(size).Build(), invalid, size);
+        ExpectRefusedHeader<RawImageDm4>(file.ClaimRootBytes(size).Build(), invalid, size);
 }
 
 TEST(Dm4Reader, UsesTheLowerHalvesOfWideFieldsOnly)
@@ -225,8 +218,7 @@ TEST(Dm3Reader, RefusesAHeaderThatIsCutSilently)
     };
     for (const HeaderLengthRow& row : rows)
         for (size_t length = row.first; length <= row.last; ++length)
-            ExpectRefusal<RawImageDm3>({whole.begin(), whole.begin() + static_cast<ptrdiff_t>(length)},
-                                       row.lines, length);
+            ExpectRefusedHeader<RawImageDm3>(FirstBytes(whole, length), row.lines, length);
 }
 
 TEST(Dm4Reader, RefusesAHeaderThatIsCut)
@@ -241,15 +233,14 @@ TEST(Dm4Reader, RefusesAHeaderThatIsCut)
     };
     for (const HeaderLengthRow& row : rows)
         for (size_t length = row.first; length <= row.last; ++length)
-            ExpectRefusal<RawImageDm4>({whole.begin(), whole.begin() + static_cast<ptrdiff_t>(length)},
-                                       row.lines, length);
+            ExpectRefusedHeader<RawImageDm4>(FirstBytes(whole, length), row.lines, length);
 }
 
 TYPED_TEST(DmReader, ReportsAWrongVersionAsSoonAsItsWordIsThere)
 {
     for (size_t length = 0; length <= 24; ++length)
-        ExpectRefusal<TypeParam>(Bytes(length, 7),
-                                 length < 4 ? Lines{} : Lines{this->Line("Invalid version number")}, length);
+        ExpectRefusedHeader<TypeParam>(
+            Bytes(length, 7), length < 4 ? Lines{} : Lines{this->Line("Invalid version number")}, length);
 }
 
 } // namespace

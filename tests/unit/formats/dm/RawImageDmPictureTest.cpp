@@ -3,7 +3,7 @@
 #include "support/display/FourSamples.h"
 #include "support/display/ReferenceDisplay.h"
 #include "support/display/VariedSamples.h"
-#include "support/streams/FrameReads.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include <gmock/gmock.h>
 
@@ -109,14 +109,11 @@ TYPED_TEST(DmReader, DoesNotFindImagesOfOtherTypesOfSamples)
         std::erase(others, row.dataType);
     std::erase(others, 9U);
     for (const uint32_t dataType : others)
-        for (const uint32_t mode : {0U, 1U})
-        {
-            DmImage image = SmallNumberedImage(7);
-            image.dataType = dataType;
-            const FileRead<TypeParam> read{this->FileOf({image}), mode};
-            EXPECT_FALSE(read.succeeded) << dataType;
-            EXPECT_THAT(read.lines, ElementsAre(this->Line("No images found"))) << dataType;
-        }
+    {
+        DmImage image = SmallNumberedImage(7);
+        image.dataType = dataType;
+        ExpectRefusal<TypeParam>(this->FileOf({image}), {this->Line("No images found")}, dataType);
+    }
 }
 
 // Such images are found and counted all the same.
@@ -130,16 +127,11 @@ TYPED_TEST(DmReader, RefusesSignedBytes)
                         .samples = VariedSamples(PixelType::Int8, 10000)};
     const Bytes file = this->FileOf({bytes, SmallNumberedImage(7), bytes});
     const std::string unsupported = this->Line("Unsupported pixel type");
+    for (const uint32_t i : {0U, 2U})
+        ExpectRefusal<TypeParam>(file, i == 0 ? Lines{noThumbnail, unsupported} : Lines{unsupported}, i,
+                                 HasFacts(DmFacts<TypeParam>(PixelType::Int8, 125, 80, 3)), i);
     for (const uint32_t mode : {0U, 1U})
     {
-        for (const uint32_t i : {0U, 2U})
-        {
-            const FileRead<TypeParam> read{file, mode, i};
-            EXPECT_FALSE(read.succeeded);
-            EXPECT_EQ(read.lines, i == 0 ? Lines({noThumbnail, unsupported}) : Lines{unsupported});
-            EXPECT_THAT(read.reader, HasFacts(DmFacts<TypeParam>(PixelType::Int8, 125, 80, 3)));
-            EXPECT_THAT(read.reader.displayPixels, IsEmpty());
-        }
         const FileRead<TypeParam> other{file, mode, 1};
         EXPECT_TRUE(other.succeeded);
         EXPECT_EQ(other.reader.pixelType, PixelType::UInt16);

@@ -1,4 +1,5 @@
 #include "support/DmReaderTest.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include <gmock/gmock.h>
 
@@ -6,7 +7,6 @@
 
 using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 
@@ -364,14 +364,8 @@ TYPED_TEST(DmReader, RefusesAFileInWhichTheWalkFindsNothing)
 {
     for (const DmTags& tags : {this->Tags(), this->Tags().Entry(0, "", {}),
                                this->Tags().UInt32("DataType", 10).String("Name", u"nothing")})
-        for (const uint32_t mode : {0U, 1U})
-        {
-            const FileRead<TypeParam> read{this->File(tags).Build(), mode};
-            EXPECT_FALSE(read.succeeded);
-            EXPECT_THAT(read.lines, ElementsAre(this->Line("No images found")));
-            EXPECT_THAT(read.reader, HasFacts(DmFacts<TypeParam>()));
-            EXPECT_THAT(read.reader.displayPixels, IsEmpty());
-        }
+        ExpectRefusal<TypeParam>(this->File(tags).Build(), {this->Line("No images found")}, "",
+                                 HasFacts(DmFacts<TypeParam>()));
 }
 
 } // namespace

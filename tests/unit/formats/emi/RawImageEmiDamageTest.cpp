@@ -1,7 +1,7 @@
 #include "formats/RawImageEmi.h"
 #include "support/files/EmiFile.h"
 #include "support/streams/DamagedFile.h"
-#include "support/streams/FrameReads.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -103,7 +103,6 @@ TEST(DamagedEmiFile, IsReadOrNotWithAnyByteChanged)
 
 TEST(EmiReader, KeepsWhatStandsBeforeAWindowThatCannotBeRead)
 {
-    const Bytes nine = {0, 1, 2, 3, 4, 5, 6, 7, 255};
     const Bytes distant =
         EmiFile().Bytes(9, 1, nine).Sized(0x2000, 1, Bytes(0x400000)).Bytes(9, 1, nine).Build();
     ASSERT_EQ(EmiRead(distant, 0).reader.frameCount, 2U);

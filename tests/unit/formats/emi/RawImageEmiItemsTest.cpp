@@ -1,7 +1,7 @@
 #include "formats/RawImageEmi.h"
 #include "support/FileFacts.h"
 #include "support/files/EmiFile.h"
-#include "support/streams/FrameReads.h"
+#include "support/streams/ReaderExpectations.h"
 #include "support/streams/SparseRead.h"
 
 #include <gmock/gmock.h>
@@ -16,8 +16,6 @@ using EmiRead = FileRead<RawImageEmi>;
 namespace {
 
 const std::string noImages = "[Lumora] EMI: No images found";
-
-const Bytes nine = {0, 1, 2, 3, 4, 5, 6, 7, 255};
 
 /// Expects that the walk gets past an item to the image behind it.
 void ExpectStepOver(const EmiFile& start, const char* what, uint32_t number)

@@ -3,7 +3,7 @@
 #include "support/display/FrameReader.h"
 #include "support/display/VariedSamples.h"
 #include "support/files/EmiFile.h"
-#include "support/streams/FrameReads.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -20,8 +20,6 @@ const std::string wrongType = "[Lumora] EMI: Unsupported pixel type";
 const std::string signedBytes = wrongType + " -> Int8 (CharArrayType_2D)";
 const std::string doubles = wrongType + " -> Double64 (DoubleArrayType_2D)";
 const std::string noImages = "[Lumora] EMI: No images found";
-
-const Bytes nine = {0, 1, 2, 3, 4, 5, 6, 7, 255};
 
 struct TypeRow
 {

@@ -2,7 +2,7 @@
 #include "support/FileFacts.h"
 #include "support/files/LatticeFile.h"
 #include "support/streams/DiagnosticLines.h"
-#include "support/streams/FrameReads.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -107,16 +107,12 @@ TEST(LatticeReader, SaysWhyItRefusesAFile)
          compressed},
     };
     for (const FailureRow& row : rows)
-        for (const uint32_t mode : {0U, 1U})
-            for (const uint32_t frameIndex : {0U, 100U})
-            {
-                const LatticeRead read{LatticeFile{row.file}.Samples(Bytes(70000)).Build(), mode, frameIndex};
-                EXPECT_FALSE(read.succeeded) << row.what;
-                EXPECT_THAT(read.lines, ElementsAre(row.line)) << row.what;
-                EXPECT_EQ(read.reader.fileType, FileType::VornaMesh) << row.what;
-                EXPECT_EQ(read.reader.readMode, mode) << row.what;
-                EXPECT_EQ(read.reader.software, L"Vorna") << row.what;
-            }
+        for (const uint32_t frameIndex : {0U, 100U})
+            ExpectRefusal<RawImageUbo>(
+                LatticeFile{row.file}.Samples(Bytes(70000)).Build(), {row.line}, row.what,
+                testing::AllOf(testing::Field(&RawImageBase::fileType, FileType::VornaMesh),
+                               testing::Field(&RawImageBase::software, L"Vorna")),
+                frameIndex);
 }
 
 TEST(LatticeReader, LeavesTheLargestPictureToTheConversion)
@@ -201,10 +197,8 @@ TEST(LatticeReader, ReadsOnBehindAFloodOfAnyCharacterAsFarAsItReadsAtAll)
 
 TEST(LatticeReader, RefusesAnEmptyFile)
 {
-    const LatticeRead read{Bytes{}};
-    EXPECT_FALSE(read.succeeded);
-    EXPECT_THAT(read.lines, ElementsAre(unsupportedHeader));
-    EXPECT_EQ(read.reader.fileType, FileType::VornaMesh);
+    ExpectRefusal<RawImageUbo>({}, {unsupportedHeader}, "",
+                               HasFacts({.fileType = FileType::VornaMesh, .software = L"Vorna"}));
 }
 
 TEST(LatticeReader, FailsSilentlyWhenTheHeaderCannotBeRead)

@@ -1,13 +1,15 @@
 #include "formats/mrc/RawImageMrc.h"
 #include "support/FileFacts.h"
 #include "support/files/MrcFile.h"
-#include "support/streams/FileRead.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using namespace Tav::Imaging::RawImage;
+using testing::AllOf;
 using testing::ElementsAre;
+using testing::Field;
 using testing::IsEmpty;
 
 using MrcRead = FileRead<RawImageMrc>;
@@ -74,17 +76,12 @@ TEST(MrcReader, RefusesASizeThatIsImplausibleInBothOrdersSilently)
     };
     for (const auto& [columns, rows] : sizes)
         for (const ByteOrder order : {ByteOrder::LittleEndian, ByteOrder::BigEndian})
-            for (const uint32_t mode : {0U, 1U})
-            {
-                const auto file = MrcFile().Order(order).Size(columns, rows, 1).Samples(Bytes(70000));
-                const MrcRead read{file.Build(), mode};
-
-                EXPECT_FALSE(read.succeeded) << columns << " x " << rows;
-                EXPECT_THAT(read.lines, IsEmpty()) << columns << " x " << rows;
-                EXPECT_EQ(read.reader.fileType, FileType::Mrc);
-                EXPECT_EQ(read.reader.readMode, mode);
-                EXPECT_EQ(read.reader.byteOrder, ByteOrder::BigEndian);
-            }
+        {
+            const auto file = MrcFile().Order(order).Size(columns, rows, 1).Samples(Bytes(70000));
+            ExpectRefusal<RawImageMrc>(file.Build(), {}, testing::Message() << columns << " x " << rows,
+                                       AllOf(Field(&RawImageBase::fileType, FileType::Mrc),
+                                             Field(&RawImageBase::byteOrder, ByteOrder::BigEndian)));
+        }
 }
 
 struct ModeRow
@@ -128,15 +125,9 @@ TEST(MrcReader, RefusesEveryOtherMode)
                                   14,  15,  17,  18,  32,     100,     102,        103,        256,
                                   257, 357, 512, 513, 0x6500, 0x10000, 0x01000000, 0x80000000, 0xFFFFFFFF};
     for (const uint32_t number : modes)
-        for (const uint32_t mode : {0U, 1U})
-        {
-            const MrcRead read{MrcFile().Size(4, 2, 1).Mode(number).Samples(Bytes(256)).Build(), mode};
-
-            EXPECT_FALSE(read.succeeded) << number;
-            EXPECT_EQ(read.reader.pixelType, PixelType::Unknown) << number;
-            EXPECT_EQ(read.reader.formatDetails, L"") << number;
-            EXPECT_THAT(read.lines, ElementsAre("[Lumora] MRC: Unsupported pixel type")) << number;
-        }
+        ExpectRefusal<RawImageMrc>(MrcFile().Size(4, 2, 1).Mode(number).Samples(Bytes(256)).Build(),
+                                   {"[Lumora] MRC: Unsupported pixel type"}, number,
+                                   HasFacts({FileType::Mrc, PixelType::Unknown, 4, 2, 1}));
 }
 
 TEST(MrcReader, ComplexModesOfAFileAreNotIdentifiedAtAll)

@@ -1,7 +1,7 @@
 #include "formats/mrc/RawImageMrc.h"
 #include "support/FileFacts.h"
 #include "support/files/MrcFile.h"
-#include "support/streams/FrameReads.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

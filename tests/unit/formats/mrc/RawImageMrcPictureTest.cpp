@@ -1,6 +1,6 @@
 #include "formats/mrc/RawImageMrc.h"
 #include "support/files/MrcFile.h"
-#include "support/streams/FrameReads.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "formats/RawImageNpy.h"
 #include "support/FileFacts.h"
 #include "support/files/NpyFile.h"
-#include "support/streams/FileRead.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -114,13 +114,8 @@ TEST(NpyDictionary, IsRefusedSilentlyWhenItIsMalformed)
         "{'descr': '<u2', 'shape'}",
     };
     for (const std::string& dictionary : dictionaries)
-        for (const uint32_t mode : {0U, 1U})
-        {
-            const NpyRead read{NpyFile().Dictionary(dictionary).Samples(Bytes(4096)).Build(), mode};
-            EXPECT_FALSE(read.succeeded) << dictionary;
-            EXPECT_THAT(read.lines, IsEmpty()) << dictionary;
-            EXPECT_EQ(read.reader.fileType, FileType::Npy);
-        }
+        ExpectRefusal<RawImageNpy>(NpyFile().Dictionary(dictionary).Samples(Bytes(4096)).Build(), {},
+                                   dictionary, testing::Field(&RawImageBase::fileType, FileType::Npy));
 }
 
 TEST(NpyDictionary, TakesWhatTheNextQuotesEncloseForTheType)

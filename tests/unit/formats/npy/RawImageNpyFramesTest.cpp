@@ -4,7 +4,7 @@
 #include "support/display/ReferenceDisplay.h"
 #include "support/display/VariedSamples.h"
 #include "support/files/NpyFile.h"
-#include "support/streams/FrameReads.h"
+#include "support/streams/ReaderExpectations.h"
 #include "support/streams/SparseRead.h"
 
 #include <gmock/gmock.h>
@@ -133,12 +133,7 @@ TEST(NpyReader, FindsFrame9Of10BehindTheHeaderAndNineOthers)
     EXPECT_EQ(last.lines, expected.lines);
 
     for (const uint32_t frameIndex : {10U, 11U, 0xFFFFFFFFU})
-        for (const uint32_t mode : {0U, 1U})
-        {
-            const NpyRead beyond{file, mode, frameIndex};
-            EXPECT_FALSE(beyond.succeeded) << frameIndex;
-            EXPECT_THAT(beyond.lines, ElementsAre(noSuchFrame)) << frameIndex;
-        }
+        ExpectRefusal<RawImageNpy>(file, {noSuchFrame}, frameIndex, testing::_, frameIndex);
 }
 
 TEST(NpyReader, FindsTheDataByTheStatedHeaderLengthAlone)

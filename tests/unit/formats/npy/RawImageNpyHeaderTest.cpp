@@ -1,7 +1,7 @@
 #include "formats/RawImageNpy.h"
 #include "support/FileFacts.h"
 #include "support/files/NpyFile.h"
-#include "support/streams/FileRead.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -28,14 +28,7 @@ TEST(NpyReader, RefusesAFileWithoutTheMagicText)
     {
         Bytes file = NpyFile().Samples({1}).Build();
         file[place] ^= 0x20;
-        for (const uint32_t mode : {0U, 1U})
-        {
-            const NpyRead read{file, mode};
-            EXPECT_FALSE(read.succeeded) << place;
-            EXPECT_THAT(read.lines, ElementsAre(invalidHeader)) << place;
-            EXPECT_EQ(read.reader.fileType, FileType::Npy);
-            EXPECT_EQ(read.reader.readMode, mode);
-        }
+        ExpectRefusal<RawImageNpy>(file, {invalidHeader}, place, HasFacts({.fileType = FileType::Npy}));
     }
 }
 
@@ -43,12 +36,8 @@ TEST(NpyReader, ReadsVersion1Point0Only)
 {
     constexpr uint8_t versions[][2] = {{0, 0}, {0, 1}, {1, 1}, {1, 255}, {2, 0}, {3, 0}, {255, 0}};
     for (const auto& [major, minor] : versions)
-        for (const uint32_t mode : {0U, 1U})
-        {
-            const NpyRead read{NpyFile().Version(major, minor).Samples({1}).Build(), mode};
-            EXPECT_FALSE(read.succeeded) << int{major} << '.' << int{minor};
-            EXPECT_THAT(read.lines, ElementsAre(unsupportedVersion)) << int{major} << '.' << int{minor};
-        }
+        ExpectRefusal<RawImageNpy>(NpyFile().Version(major, minor).Samples({1}).Build(), {unsupportedVersion},
+                                   testing::Message() << int{major} << '.' << int{minor});
     EXPECT_TRUE(NpyRead(NpyFile().Version(1, 0).Samples({1}).Build()).succeeded);
 }
 
@@ -117,12 +106,8 @@ TEST(NpyReader, RefusesEveryOtherElementType)
     for (const char* descr :
          {"<f2", "<u8", "<i8", "|b1", "<f16", "<c32", "|S10", "<U10", "<M8[us]", "<m8[ns]", "|V4", "|O",
           "",    "<",   "u",   "1",   "c1",   "c 8",  "U2",   "I4",   "F8",      "C16",     "8f"})
-        for (const uint32_t mode : {0U, 1U})
-        {
-            const NpyRead read{NpyFile().Descr(descr).Samples(Bytes(16)).Build(), mode};
-            EXPECT_FALSE(read.succeeded) << descr;
-            EXPECT_THAT(read.lines, ElementsAre(unsupportedPixelType)) << descr;
-        }
+        ExpectRefusal<RawImageNpy>(NpyFile().Descr(descr).Samples(Bytes(16)).Build(), {unsupportedPixelType},
+                                   descr);
 }
 
 struct ShapeRow
@@ -230,12 +215,8 @@ TEST(NpyReader, SaysWhatKeepsAShapeFromBeingShown)
         {"(64, 64, 0)", noSuchFrame},
     };
     for (const RefusedShapeRow& row : rows)
-        for (const uint32_t mode : {0U, 1U})
-        {
-            const NpyRead read{NpyFile().Shape(row.shape).Samples(Bytes(70000)).Build(), mode};
-            EXPECT_FALSE(read.succeeded) << row.shape;
-            EXPECT_THAT(read.lines, ElementsAre(row.line)) << row.shape;
-        }
+        ExpectRefusal<RawImageNpy>(NpyFile().Shape(row.shape).Samples(Bytes(70000)).Build(), {row.line},
+                                   row.shape);
 }
 
 TEST(NpyReader, FillsInTheFactsOfAStackOfNothing)

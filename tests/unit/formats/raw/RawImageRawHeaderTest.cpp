@@ -1,7 +1,7 @@
 #include "formats/RawImageRaw.h"
 #include "support/FileFacts.h"
 #include "support/files/RawFile.h"
-#include "support/streams/FrameReads.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -43,15 +43,10 @@ TEST(RawReader, IsChosenByItsSignatureAndDoesNotLookAtItAgain)
 
 TEST(RawReader, HoldsASingleFrameHoweverManySamplesFollow)
 {
-    for (const uint32_t mode : {0U, 1U})
-        for (const uint32_t frameIndex : {1U, 2U, 0x80000000U, 0xFFFFFFFFU})
-        {
-            const RawRead read{RawFile().Size(2, 3).Samples(8, 0, Bytes(600)).Build(), mode, frameIndex};
-            EXPECT_FALSE(read.succeeded);
-            EXPECT_THAT(read.lines, ElementsAre(wrongIndex));
-            EXPECT_THAT(read.reader, HasFacts({FileType::Raw, PixelType::Unknown, 2, 3, 1}));
-            EXPECT_THAT(read.reader.displayPixels, IsEmpty());
-        }
+    const Bytes file = RawFile().Size(2, 3).Samples(8, 0, Bytes(600)).Build();
+    for (const uint32_t frameIndex : {1U, 2U, 0x80000000U, 0xFFFFFFFFU})
+        ExpectRefusal<RawImageRaw>(file, {wrongIndex}, frameIndex,
+                                   HasFacts({FileType::Raw, PixelType::Unknown, 2, 3, 1}), frameIndex);
 }
 
 TEST(RawReader, LooksAtTheIndexBeforeThePixels)

@@ -2,7 +2,7 @@
 #include "support/display/FrameReader.h"
 #include "support/display/VariedSamples.h"
 #include "support/files/RawFile.h"
-#include "support/streams/FrameReads.h"
+#include "support/streams/ReaderExpectations.h"
 #include "support/streams/SparseRead.h"
 
 #include <gmock/gmock.h>

@@ -1,7 +1,7 @@
 #include "formats/RawImageSer.h"
 #include "support/files/SerFile.h"
 #include "support/streams/DamagedFile.h"
-#include "support/streams/FrameReads.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

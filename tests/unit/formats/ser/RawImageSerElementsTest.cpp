@@ -1,7 +1,7 @@
 #include "formats/RawImageSer.h"
 #include "support/FileFacts.h"
 #include "support/files/SerFile.h"
-#include "support/streams/FrameReads.h"
+#include "support/streams/ReaderExpectations.h"
 #include "support/streams/SparseRead.h"
 
 #include <gmock/gmock.h>
@@ -60,13 +60,10 @@ TEST(SerReader, ChecksEveryOffsetWhicheverFrameIsAskedFor)
         for (const size_t damaged : {0U, 1U, 2U})
             for (const uint64_t offset : {size, size + 1, uint64_t{0x7FFFFFFF}, uint64_t{0xFFFFFFFF}})
                 for (const uint32_t frameIndex : {0U, 1U, 2U, 3U})
-                    for (const uint32_t mode : {0U, 1U})
-                    {
-                        const SerRead read{Numbered(version, 3).ElementOffset(damaged, offset).Build(), mode,
-                                           frameIndex};
-                        EXPECT_FALSE(read.succeeded) << version << " " << damaged << " " << frameIndex;
-                        EXPECT_THAT(read.lines, IsEmpty()) << version << " " << damaged << " " << frameIndex;
-                    }
+                    ExpectRefusal<RawImageSer>(
+                        Numbered(version, 3).ElementOffset(damaged, offset).Build(), {},
+                        testing::Message() << version << " " << damaged << " " << frameIndex, testing::_,
+                        frameIndex);
 
         // The last byte is no place for an element, but only the one that is read there suffers.
         const Bytes atLastByte = Numbered(version, 3).ElementOffset(1, size - 1).Build();
@@ -174,12 +171,7 @@ TEST(SerReader, SurvivesAnArrayAnywhere)
         {"where it would wrap", 0xFFFFFFFE, {}},
     };
     for (const PlaceRow& row : rows)
-        for (const uint32_t mode : {0U, 1U})
-        {
-            const SerRead read{SerFile{file}.ArrayOffset(row.place).Build(), mode};
-            EXPECT_FALSE(read.succeeded) << row.what;
-            EXPECT_EQ(read.lines, row.lines) << row.what;
-        }
+        ExpectRefusal<RawImageSer>(SerFile{file}.ArrayOffset(row.place).Build(), row.lines, row.what);
 }
 
 TEST(SerReader, SurvivesAnElementAnywhere)
@@ -202,26 +194,15 @@ TEST(SerReader, SurvivesAnElementAnywhere)
         {"beyond the end", 83, {}},
     };
     for (const PlaceRow& row : rows)
-        for (const uint32_t mode : {0U, 1U})
-        {
-            const SerRead read{SerFile{file}.ElementOffset(0, row.place).Build(), mode};
-            EXPECT_FALSE(read.succeeded) << row.what;
-            EXPECT_EQ(read.lines, row.lines) << row.what;
-        }
+        ExpectRefusal<RawImageSer>(SerFile{file}.ElementOffset(0, row.place).Build(), row.lines, row.what);
 }
 
 TEST(SerReader, RefusesEveryOtherDataType)
 {
     constexpr uint16_t types[] = {0, 11, 12, 15, 32, 255, 256, 257, 0x0200, 0x8001, 0xFFFF};
     for (const uint16_t type : types)
-        for (const uint32_t mode : {0U, 1U})
-        {
-            const SerRead read{SerFile().Element({type, 2, 3, Bytes(200)}).Build(), mode};
-            EXPECT_FALSE(read.succeeded) << type;
-            EXPECT_THAT(read.lines, ElementsAre(wrongType)) << type;
-            EXPECT_THAT(read.reader, HasFacts({FileType::Ser, PixelType::Unknown, 2, 3, 1, true, L"Pellox"}))
-                << type;
-        }
+        ExpectRefusal<RawImageSer>(SerFile().Element({type, 2, 3, Bytes(200)}).Build(), {wrongType}, type,
+                                   HasFacts({FileType::Ser, PixelType::Unknown, 2, 3, 1, true, L"Pellox"}));
 }
 
 TEST(SerReader, SaysNothingOfADataTypeBeforeTheElementsHeaderIsComplete)

@@ -8,15 +8,35 @@
 #include <cstdint>
 #include <string>
 
+/// What is expected of the facts of a reader, such as HasFacts({...}).
+using FactsMatcher = testing::Matcher<const Tav::Imaging::RawImage::RawImageBase&>;
+
 /// The lines for a frame that the stream does not hold, and for a size that no picture has.
 inline const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
 inline const std::string invalidResolution = "[Lumora] Invalid resolution";
 
+/// Expects that a frame is refused with these lines whether it is wanted or its header alone, and the facts
+/// that are known by then. `what` tells in a report which file it was.
+template <typename Reader, typename What = const char*>
+void ExpectRefusal(const Bytes& file, const Lines& lines, const What& what = "",
+                   const FactsMatcher& facts = testing::_, uint32_t frameIndex = 0)
+{
+    SCOPED_TRACE(testing::Message() << what);
+    for (const uint32_t mode : {0U, 1U})
+    {
+        const FileRead<Reader> read{file, mode, frameIndex};
+        EXPECT_FALSE(read.succeeded);
+        EXPECT_EQ(read.lines, lines);
+        EXPECT_THAT(read.reader, facts);
+        EXPECT_EQ(read.reader.readMode, mode);
+        EXPECT_THAT(read.reader.displayPixels, testing::IsEmpty());
+    }
+}
+
 /// Expects that the facts of a frame are read without a line, and that the frame is refused with this one.
 template <typename Reader>
-void ExpectFactsWithoutFrame(
-    const Bytes& file, uint32_t frameIndex, const std::string& line,
-    const testing::Matcher<const Tav::Imaging::RawImage::RawImageBase&>& facts = testing::_)
+void ExpectFactsWithoutFrame(const Bytes& file, uint32_t frameIndex, const std::string& line,
+                             const FactsMatcher& facts = testing::_)
 {
     const FileRead<Reader> header{file, 0, frameIndex};
     EXPECT_TRUE(header.succeeded);
