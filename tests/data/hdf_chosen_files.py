@@ -1,4 +1,4 @@
-"""HDF5 files with more than one dataset to choose from, and with more than pictures."""
+"""HDF5 files with more than one dataset to choose from, with more than pictures, and damaged ones."""
 
 import h5py
 import numpy as np
@@ -295,3 +295,15 @@ def add_thumbnails(folder):
     with folder.new("group_for_thumbnail.h5") as file:
         put_jpeg(file, "Thumbnail.jpg/Thumbnail.jpg", 4, 5)
     folder.refused("group_for_thumbnail.h5")
+
+
+def add_damaged(folder):
+    with folder.new("whole.h5") as file:
+        put(file, "image", noise("uint16", 40, 50))
+    folder.opens("whole.h5", [gray(h5py.File(folder.path_of("whole.h5"))["image"][...])])
+    with open(folder.path_of("whole.h5"), "rb") as file:
+        contents = file.read()
+    for name, damaged in (("cut.h5", contents[:-100]), ("signature_only.h5", contents[:8] + bytes(1000))):
+        with open(folder.path_of(name), "wb") as file:
+            file.write(damaged)
+        folder.refused(name, message="Could not open file")

@@ -19,7 +19,7 @@ import sys
 import h5py
 import numpy as np
 
-from hdf_chosen_files import add_cut, add_groups, add_links, add_texts, add_thumbnails
+from hdf_chosen_files import add_cut, add_damaged, add_groups, add_links, add_texts, add_thumbnails
 from hdf_writer import (
     PIXEL_TYPES, UNREADABLE, Folder, Frame, allocate, colours, gray, put, put_as, series, set_text,
 )
@@ -379,18 +379,6 @@ def add_values(folder):
         with folder.new(f"{name}_series.h5") as file:
             put(file, "data/image/1/Data", frames)
         folder.opens(f"{name}_series.h5", series(frames))
-
-
-def add_damaged(folder):
-    with folder.new("whole.h5") as file:
-        put(file, "image", noise("uint16", 40, 50))
-    folder.opens("whole.h5", [gray(h5py.File(folder.path_of("whole.h5"))["image"][...])])
-    with open(folder.path_of("whole.h5"), "rb") as file:
-        contents = file.read()
-    for name, damaged in (("cut.h5", contents[:-100]), ("signature_only.h5", contents[:8] + bytes(1000))):
-        with open(folder.path_of(name), "wb") as file:
-            file.write(damaged)
-        folder.refused(name, message="Could not open file")
 
 
 def main():

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/BytesAndLines.h"
+
 #include "core/stream/ByteOrder.h"
 
 #include <algorithm>
@@ -8,7 +10,6 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
-#include <vector>
 
 /// Writes a test file field by field.
 class ByteWriter
@@ -54,7 +55,7 @@ public:
         return *this;
     }
 
-    std::vector<uint8_t> bytes;
+    Bytes bytes;
 
 private:
     ByteOrder order;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/FileFacts.h"
 #include "support/files/DmFile.h"
 #include "support/files/DmImages.h"
 #include "support/streams/FileRead.h"
@@ -14,6 +15,16 @@
 #include <type_traits>
 #include <vector>
 
+/// The facts that the reader of either version finds; without an image, those that it knows of every file.
+template <typename Reader>
+FileFacts DmFacts(Tav::Imaging::RawImage::PixelType pixelType = {}, uint32_t width = 0, uint32_t height = 0,
+                  uint32_t frameCount = 0)
+{
+    using namespace Tav::Imaging::RawImage;
+    constexpr auto fileType = std::is_same_v<Reader, RawImageDm4> ? FileType::Dm4 : FileType::Dm3;
+    return {fileType, pixelType, width, height, frameCount, false, L"Gatan Digital Micrograph"};
+}
+
 /// What the reader of either version has to do alike.
 template <typename Reader>
 class DmReader : public testing::Test
@@ -26,7 +37,7 @@ protected:
     static DmFile File(const DmTags& root) { return DmFile{layout}.Root(root); }
 
     /// A file that holds these images and nothing else.
-    static std::vector<uint8_t> FileOf(std::initializer_list<DmImage> images)
+    static Bytes FileOf(std::initializer_list<DmImage> images)
     {
         DmTags list{layout};
         for (const DmImage& image : images)

@@ -36,7 +36,7 @@ public:
         return *this;
     }
 
-    [[nodiscard]] std::vector<uint8_t> Build() const
+    [[nodiscard]] Bytes Build() const
     {
         ByteWriter file{Tav::Imaging::RawImage::ByteOrder::BigEndian};
         file.Text("\xFF\xD8");
@@ -85,9 +85,9 @@ private:
     }
 
     /// The bits as bytes, the last one filled with ones; a zero follows every byte of ones.
-    [[nodiscard]] std::vector<uint8_t> Scan() const
+    [[nodiscard]] Bytes Scan() const
     {
-        std::vector<uint8_t> bytes;
+        Bytes bytes;
         for (size_t i = 0; i < bits.size(); i += 8)
         {
             uint32_t byte = 0;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/FileBytes.h"
+#include "support/FileFacts.h"
 #include "support/display/ReferenceDisplay.h"
 
 #include "core/RawImageBase.h"
@@ -19,13 +20,21 @@ struct WrittenFile
 {
     std::string name;
     bool opens = false;
-    uint32_t width = 0;
-    uint32_t height = 0;
-    uint32_t frameCount = 0;
-    std::string pixelType;
+    /// Those that are the same for every format: the pixel type, the size and the number of frames.
+    FileFacts facts;
     /// The words that only one format's files have.
     std::istringstream rest;
 };
+
+/// The pixel type of that name; Unknown when there is none.
+inline Tav::Imaging::RawImage::PixelType PixelTypeNamed(const std::string& name)
+{
+    using namespace Tav::Imaging::RawImage;
+    for (uint32_t number = 1; BitsPerPixel(static_cast<PixelType>(number)) != 0; ++number)
+        if (PixelTypeName(static_cast<PixelType>(number)) == std::wstring(name.begin(), name.end()))
+            return static_cast<PixelType>(number);
+    return PixelType::Unknown;
+}
 
 /// Every file of the folder, whose name ends with a slash.
 inline std::vector<WrittenFile> ReadManifest(const std::string& folder)
@@ -39,8 +48,10 @@ inline std::vector<WrittenFile> ReadManifest(const std::string& folder)
         std::string outcome;
         file.rest >> file.name >> outcome;
         file.opens = outcome == "opens";
+        std::string pixelType;
         if (file.opens)
-            file.rest >> file.width >> file.height >> file.frameCount >> file.pixelType;
+            file.rest >> file.facts.width >> file.facts.height >> file.facts.frameCount >> pixelType;
+        file.facts.pixelType = PixelTypeNamed(pixelType);
         EXPECT_TRUE(file.rest && (file.opens || outcome == "refused")) << line;
         files.push_back(std::move(file));
     }
@@ -49,11 +60,11 @@ inline std::vector<WrittenFile> ReadManifest(const std::string& folder)
 
 /// A frame that begins where the samples do, with what its display depends on.
 inline StoredFrame WrittenFrame(const WrittenFile& file, const Tav::Imaging::RawImage::RawImageBase& reader,
-                                std::vector<uint8_t> samples)
+                                Bytes samples)
 {
     return {.pixelType = reader.pixelType,
-            .width = file.width,
-            .height = file.height,
+            .width = file.facts.width,
+            .height = file.facts.height,
             .bytes = std::move(samples),
             .byteOrder = reader.byteOrder,
             .flipVertical = reader.flipVertical,
@@ -64,9 +75,9 @@ inline StoredFrame WrittenFrame(const WrittenFile& file, const Tav::Imaging::Raw
 inline StoredFrame WrittenFrame(const std::string& folder, const WrittenFile& file,
                                 const Tav::Imaging::RawImage::RawImageBase& reader, uint32_t frameIndex)
 {
-    const std::vector<uint8_t> samples = FileBytes(folder + file.name + ".raw");
-    EXPECT_EQ(samples.size() % file.frameCount, 0U);
-    const size_t frameBytes = samples.size() / file.frameCount;
+    const Bytes samples = FileBytes(folder + file.name + ".raw");
+    EXPECT_EQ(samples.size() % file.facts.frameCount, 0U);
+    const size_t frameBytes = samples.size() / file.facts.frameCount;
     const auto first = samples.begin() + static_cast<ptrdiff_t>(frameIndex * frameBytes);
     return WrittenFrame(file, reader, {first, first + static_cast<ptrdiff_t>(frameBytes)});
 }

@@ -31,7 +31,7 @@ bool FrameReader::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
 DisplayedFrame ConvertFrame(const StoredFrame& frame)
 {
     constexpr size_t headerBytes = 13;
-    std::vector<uint8_t> file(headerBytes, 0xEE);
+    Bytes file(headerBytes, 0xEE);
     file.insert(file.end(), frame.bytes.begin(), frame.bytes.end());
     TestStream stream{std::move(file)};
     FrameReader reader{frame};
@@ -42,8 +42,7 @@ DisplayedFrame ConvertFrame(const StoredFrame& frame)
     return {shown, std::move(reader.displayPixels), diagnostics.Take()};
 }
 
-void ExpectDisplay(const StoredFrame& frame, const std::vector<uint8_t>& pixels,
-                   const std::vector<std::string>& lines)
+void ExpectDisplay(const StoredFrame& frame, const Bytes& pixels, const Lines& lines)
 {
     const DisplayedFrame displayed = ConvertFrame(frame);
     EXPECT_TRUE(displayed.shown);

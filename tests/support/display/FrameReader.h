@@ -28,15 +28,14 @@ public:
 [[nodiscard]] DisplayedFrame ConvertFrame(const StoredFrame& frame);
 
 /// Expects that the product shows a frame as this picture, and writes these lines.
-void ExpectDisplay(const StoredFrame& frame, const std::vector<uint8_t>& pixels,
-                   const std::vector<std::string>& lines = {});
+void ExpectDisplay(const StoredFrame& frame, const Bytes& pixels, const Lines& lines = {});
 
 /// Expects that the product makes of a frame what the reference makes of it.
 void ExpectReferenceDisplay(const StoredFrame& frame);
 
 /// Numbers as a file stores them.
 template <typename Number>
-[[nodiscard]] std::vector<uint8_t>
+[[nodiscard]] Bytes
 Stored(std::initializer_list<Number> numbers,
        Tav::Imaging::RawImage::ByteOrder order = Tav::Imaging::RawImage::ByteOrder::LittleEndian)
 {

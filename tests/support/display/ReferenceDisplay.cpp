@@ -12,8 +12,6 @@ using namespace Tav::Imaging::RawImage;
 
 namespace {
 
-using Bytes = std::vector<uint8_t>;
-
 /// The sample bytes of the frame without gaps; nothing when the stream does not hold them.
 std::optional<Bytes> PackedSamples(const StoredFrame& frame)
 {
@@ -265,7 +263,7 @@ DisplayedFrame ShowSignedBytes(const StoredFrame& frame, const Bytes& samples)
             shifted.push_back(static_cast<uint8_t>(samples[row * frame.width + x] + 128));
         }
 
-    std::vector<std::string> lines;
+    Lines lines;
     if (frame.fileType == FileType::Mrc)
     {
         size_t zeros = 0;
@@ -368,7 +366,7 @@ DisplayedFrame ReferenceDisplay(const StoredFrame& frame)
     if (frame.width == 0 || frame.height == 0 || frame.width >= 65536 || frame.height >= 65536)
         return {false, {}, {"[Lumora] Invalid resolution"}};
 
-    std::vector<std::string> lines;
+    Lines lines;
     if (frame.byteOrder == ByteOrder::BigEndian)
         lines.emplace_back("[Lumora] Big endian byte ordering");
     if (BytesPerPixel(frame.pixelType) == 0)

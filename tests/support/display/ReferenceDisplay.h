@@ -1,12 +1,12 @@
 #pragma once
 
+#include "support/BytesAndLines.h"
+
 #include "core/FileType.h"
 #include "core/PixelType.h"
 #include "core/stream/ByteOrder.h"
 
 #include <cstdint>
-#include <string>
-#include <vector>
 
 /// One stored frame: how its samples are laid out, and the stream's bytes from its first sample to the end.
 struct StoredFrame
@@ -14,7 +14,7 @@ struct StoredFrame
     Tav::Imaging::RawImage::PixelType pixelType = Tav::Imaging::RawImage::PixelType::UInt8;
     uint32_t width = 0;
     uint32_t height = 0;
-    std::vector<uint8_t> bytes = {};
+    Bytes bytes = {};
     Tav::Imaging::RawImage::ByteOrder byteOrder = Tav::Imaging::RawImage::ByteOrder::LittleEndian;
     bool flipVertical = false;
     Tav::Imaging::RawImage::FileType fileType = Tav::Imaging::RawImage::FileType::None;
@@ -26,8 +26,8 @@ struct StoredFrame
 struct DisplayedFrame
 {
     bool shown = false;
-    std::vector<uint8_t> pixels;
-    std::vector<std::string> lines;
+    Bytes pixels;
+    Lines lines;
 };
 
 /// The display picture of a frame, computed slowly and plainly. It shares no arithmetic with the product,

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "support/BytesAndLines.h"
+
 #include <cstdint>
-#include <string>
 #include <vector>
 
 /// A frame of whole samples: row by row, with the range that they are shown in.
@@ -19,7 +20,7 @@ struct ReferenceRange
 {
     uint32_t low = 0;
     uint32_t high = 0;
-    std::vector<std::string> lines;
+    Lines lines;
 };
 
 /// The display range by the exact histogram, starting with (low, high).

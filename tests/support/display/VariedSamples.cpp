@@ -6,7 +6,7 @@
 
 using namespace Tav::Imaging::RawImage;
 
-std::vector<uint8_t> VariedSamples(PixelType type, size_t count)
+Bytes VariedSamples(PixelType type, size_t count)
 {
     // Multiples of an odd number near 2^32 divided by the golden ratio fall evenly, in no visible order.
     uint32_t spread = 0;

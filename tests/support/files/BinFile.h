@@ -22,7 +22,7 @@ public:
         return *this;
     }
 
-    BinFile& Samples(uint16_t type, std::vector<uint8_t> raw)
+    BinFile& Samples(uint16_t type, Bytes raw)
     {
         typeCode = type;
         samples = std::move(raw);
@@ -36,7 +36,7 @@ public:
         return *this;
     }
 
-    [[nodiscard]] std::vector<uint8_t> Build() const
+    [[nodiscard]] Bytes Build() const
     {
         ByteWriter file;
         file.Put(typeCode).Put(width).Put(height);
@@ -55,5 +55,5 @@ private:
     uint32_t width = 1;
     uint32_t height = 1;
     std::optional<uint32_t> headerLength;
-    std::vector<uint8_t> samples;
+    Bytes samples;
 };

@@ -74,7 +74,7 @@ struct DmImage
     /// The array of samples: the type of its elements, how many there are, and their bytes.
     uint32_t elementType = DmType::byte;
     uint32_t elementCount = 0;
-    std::vector<uint8_t> samples = {};
+    Bytes samples = {};
 };
 
 /// The tags of one group, in their order.
@@ -97,7 +97,7 @@ public:
     }
 
     /// A value of any simple type, as its bytes, which are little-endian.
-    DmTags& Value(std::string_view label, uint32_t type, const std::vector<uint8_t>& value)
+    DmTags& Value(std::string_view label, uint32_t type, const Bytes& value)
     {
         return Data(label, type, DmWriter{layout}, value);
     }
@@ -112,20 +112,18 @@ public:
                     characters.bytes);
     }
 
-    DmTags& Struct(std::string_view label, const std::vector<uint32_t>& fieldTypes,
-                   const std::vector<uint8_t>& values)
+    DmTags& Struct(std::string_view label, const std::vector<uint32_t>& fieldTypes, const Bytes& values)
     {
         return Data(label, DmType::structure, DmWriter{layout}.Fields(fieldTypes), values);
     }
 
-    DmTags& Array(std::string_view label, uint32_t elementType, uint32_t count,
-                  const std::vector<uint8_t>& elements)
+    DmTags& Array(std::string_view label, uint32_t elementType, uint32_t count, const Bytes& elements)
     {
         return Data(label, DmType::array, DmWriter{layout}.Word(elementType).Word(count), elements);
     }
 
     DmTags& StructArray(std::string_view label, const std::vector<uint32_t>& fieldTypes, uint32_t count,
-                        const std::vector<uint8_t>& elements)
+                        const Bytes& elements)
     {
         return Data(label, DmType::array,
                     DmWriter{layout}.Word(DmType::structure).Fields(fieldTypes).Word(count), elements);
@@ -148,8 +146,7 @@ public:
 
     /// A data tag: delimiter, number of words that describe the type, type, the rest of the description
     /// (whose words follow the type) and the value.
-    DmTags& Data(std::string_view label, uint32_t type, const DmWriter& description,
-                 const std::vector<uint8_t>& value)
+    DmTags& Data(std::string_view label, uint32_t type, const DmWriter& description, const Bytes& value)
     {
         const size_t wordBytes = layout.version == 4 ? 8 : 4;
         DmWriter contents{layout};
@@ -160,7 +157,7 @@ public:
     }
 
     /// An entry of any kind: kind, label, in version 4 the size of the contents, and the contents.
-    DmTags& Entry(uint8_t kind, std::string_view label, const std::vector<uint8_t>& contents)
+    DmTags& Entry(uint8_t kind, std::string_view label, const Bytes& contents)
     {
         entries.Put(kind).Put(static_cast<uint16_t>(label.size())).Text(label);
         if (layout.version == 4)
@@ -178,7 +175,7 @@ public:
     }
 
     /// The group: flags (sorted, closed), number of tags, tags.
-    [[nodiscard]] std::vector<uint8_t> AsGroup() const
+    [[nodiscard]] Bytes AsGroup() const
     {
         DmWriter group{layout};
         group.Put(uint8_t{1}).Put(uint8_t{0});
@@ -202,7 +199,7 @@ public:
     DmFile& Root(const DmTags& tags) { return Content(tags.AsGroup()); }
 
     /// Any bytes in place of the root group.
-    DmFile& Content(std::vector<uint8_t> bytes)
+    DmFile& Content(Bytes bytes)
     {
         content = std::move(bytes);
         return *this;
@@ -228,7 +225,7 @@ public:
         return *this;
     }
 
-    [[nodiscard]] std::vector<uint8_t> Build() const
+    [[nodiscard]] Bytes Build() const
     {
         DmWriter file{layout};
         file.Put(version);
@@ -242,5 +239,5 @@ private:
     uint32_t version;
     std::optional<uint32_t> claimedRootBytes;
     uint32_t byteOrderWord = 1;
-    std::vector<uint8_t> content;
+    Bytes content;
 };

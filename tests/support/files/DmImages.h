@@ -8,7 +8,7 @@
 
 /// 10000 samples of 16 bits, the fewest that make an image: frames of three whose pictures are 0, `number`,
 /// 255, then 0, `number` + 1, 255 and so on.
-inline std::vector<uint8_t> NumberedSamples(uint8_t number)
+inline Bytes NumberedSamples(uint8_t number)
 {
     ByteWriter writer;
     for (uint32_t i = 0; i < 10000; ++i)

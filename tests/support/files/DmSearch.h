@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/DmReaderTest.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include "core/PixelType.h"
 
@@ -92,23 +93,17 @@ void ExpectFound(const DmLayout& layout, const SearchRow& row)
     SCOPED_TRACE(row.what);
     TagList list{layout};
     row.write(list);
-    const std::vector<uint8_t> file = DmFile{layout}.Root(list.tags).Build();
+    const Bytes file = DmFile{layout}.Root(list.tags).Build();
     const auto frameCount = static_cast<uint32_t>(row.frames.size());
     for (uint32_t i = 0; i < frameCount; ++i)
     {
         const FileRead<Reader> read{file, 1, i};
         EXPECT_TRUE(read.succeeded);
-        EXPECT_EQ(read.reader.frameCount, frameCount);
-        EXPECT_EQ(read.reader.pixelType, row.frames[i].pixelType);
-        EXPECT_EQ(read.reader.width, row.frames[i].width);
-        EXPECT_EQ(read.reader.height, row.frames[i].height);
-        EXPECT_THAT(read.reader.displayPixels, testing::ElementsAre(0, row.frames[i].number, 255));
+        const FoundFrame& frame = row.frames[i];
+        EXPECT_THAT(read.reader,
+                    HasFacts(DmFacts<Reader>(frame.pixelType, frame.width, frame.height, frameCount)));
+        EXPECT_THAT(read.reader.displayPixels, testing::ElementsAre(0, frame.number, 255));
     }
     const std::string version = layout.version == 4 ? "DM4" : "DM3";
-    for (const uint32_t mode : {0U, 1U})
-    {
-        const FileRead<Reader> beyond{file, mode, frameCount};
-        EXPECT_FALSE(beyond.succeeded);
-        EXPECT_THAT(beyond.lines, testing::ElementsAre("[Lumora] " + version + ": No images found"));
-    }
+    ExpectRefusal<Reader>(file, {"[Lumora] " + version + ": No images found"}, "", testing::_, frameCount);
 }

@@ -9,6 +9,9 @@
 #include <utility>
 #include <vector>
 
+/// Nine pixels: images of eight or less have a length that does not tell the size of a sample.
+inline const std::vector<uint8_t> nine = {0, 1, 2, 3, 4, 5, 6, 7, 255};
+
 /// Builds an EMI file: a header, and items one after the other. An item is a type, an identifier, and
 /// contents whose size the type or a length word tells.
 class EmiFile

@@ -67,7 +67,7 @@ void Hdf5File::Close()
 }
 
 Hdf5File& Hdf5File::DataSet(const std::string& path, hid_t type, const std::vector<hsize_t>& sides,
-                            const std::vector<uint8_t>& samples, const Hdf5Storage& storage)
+                            const Bytes& samples, const Hdf5Storage& storage)
 {
     const HdfDataSpace space{Made(H5Screate_simple(static_cast<int>(sides.size()), sides.data(), nullptr))};
     const HdfPropertyList creation{Made(H5Pcreate(H5P_DATASET_CREATE))};
@@ -93,13 +93,13 @@ Hdf5File& Hdf5File::AnyDataSet(const std::string& path, hid_t type, const std::v
     size_t bytes = storage.isWritten ? H5Tget_size(type) : 0;
     for (const hsize_t side : sides)
         bytes *= static_cast<size_t>(side);
-    std::vector<uint8_t> samples(bytes);
+    Bytes samples(bytes);
     for (size_t i = 0; i < bytes; ++i)
         samples[i] = static_cast<uint8_t>(i * 31);
     return DataSet(path, type, sides, samples, storage);
 }
 
-Hdf5File& Hdf5File::Chunk(const std::string& path, const std::vector<uint8_t>& stored)
+Hdf5File& Hdf5File::Chunk(const std::string& path, const Bytes& stored)
 {
     const HdfDataSet dataset{Made(H5Dopen2(file, path.c_str(), H5P_DEFAULT))};
     const std::array<hsize_t, H5S_MAX_RANK> first{};
@@ -154,7 +154,7 @@ Hdf5File& Hdf5File::Palettes(const std::string& path, hsize_t count)
     for (hsize_t i = 0; i < count; ++i)
     {
         const hsize_t sides[] = {256, 3};
-        const std::vector<uint8_t> colours(sides[0] * sides[1]);
+        const Bytes colours(sides[0] * sides[1]);
         const std::string palette = path + " palette " + std::to_string(i);
         Done(H5IMmake_palette(file, palette.c_str(), sides, colours.data()));
         Done(H5IMlink_palette(file, path.c_str(), palette.c_str()));
@@ -180,10 +180,10 @@ Hdf5File& Hdf5File::SoftLink(const std::string& target, const std::string& added
     return *this;
 }
 
-std::vector<uint8_t> Hdf5File::Build()
+Bytes Hdf5File::Build()
 {
     Done(H5Fflush(file, H5F_SCOPE_GLOBAL));
-    std::vector<uint8_t> bytes(static_cast<size_t>(H5Fget_file_image(file, nullptr, 0)));
+    Bytes bytes(static_cast<size_t>(H5Fget_file_image(file, nullptr, 0)));
     Require(H5Fget_file_image(file, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()));
     Close();
     return bytes;

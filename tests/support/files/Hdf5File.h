@@ -1,8 +1,9 @@
 #pragma once
 
+#include "support/BytesAndLines.h"
+
 #include <hdf5.h>
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -29,12 +30,12 @@ public:
 
     /// The samples are given as bytes of the type that they have in the file.
     Hdf5File& DataSet(const std::string& path, hid_t type, const std::vector<hsize_t>& sides,
-                      const std::vector<uint8_t>& samples, const Hdf5Storage& storage = {});
+                      const Bytes& samples, const Hdf5Storage& storage = {});
     /// A dataset whose samples do not matter: bytes of all values.
     Hdf5File& AnyDataSet(const std::string& path, hid_t type, const std::vector<hsize_t>& sides,
                          const Hdf5Storage& storage = {});
     /// Stores the first chunk of a dataset as the bytes given, whatever filters it has.
-    Hdf5File& Chunk(const std::string& path, const std::vector<uint8_t>& stored);
+    Hdf5File& Chunk(const std::string& path, const Bytes& stored);
     /// A one-dimensional dataset of variable-length strings.
     Hdf5File& Strings(const std::string& path, const std::vector<std::string>& texts,
                       H5T_cset_t encoding = H5T_CSET_ASCII);
@@ -51,7 +52,7 @@ public:
     Hdf5File& SoftLink(const std::string& target, const std::string& added);
 
     /// The file's bytes. Nothing can be added any more.
-    [[nodiscard]] std::vector<uint8_t> Build();
+    [[nodiscard]] Bytes Build();
 
 private:
     void Close();

@@ -68,7 +68,7 @@ public:
         return *this;
     }
 
-    LatticeFile& Samples(std::vector<uint8_t> raw)
+    LatticeFile& Samples(Bytes raw)
     {
         samples = std::move(raw);
         return *this;
@@ -83,7 +83,7 @@ public:
         return text;
     }
 
-    [[nodiscard]] std::vector<uint8_t> Build() const
+    [[nodiscard]] Bytes Build() const
     {
         ByteWriter file;
         file.Text(Header()).Put(samples);
@@ -98,5 +98,5 @@ private:
     std::string announcement = "# Data section follows";
     std::string dataMark = "@1";
     std::string lineEnd = "\n";
-    std::vector<uint8_t> samples;
+    Bytes samples;
 };

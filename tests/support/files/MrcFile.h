@@ -50,7 +50,7 @@ public:
     }
 
     /// Four characters that name the kind of extended header, and its bytes.
-    MrcFile& ExtendedHeader(std::string type, std::vector<uint8_t> content)
+    MrcFile& ExtendedHeader(std::string type, Bytes content)
     {
         extendedType = std::move(type);
         extended = std::move(content);
@@ -72,7 +72,7 @@ public:
         return *this;
     }
 
-    MrcFile& Samples(std::vector<uint8_t> raw)
+    MrcFile& Samples(Bytes raw)
     {
         samples = std::move(raw);
         return *this;
@@ -88,7 +88,7 @@ public:
         return Samples(std::move(writer.bytes));
     }
 
-    [[nodiscard]] std::vector<uint8_t> Build() const
+    [[nodiscard]] Bytes Build() const
     {
         ByteWriter file{order};
         file.Put(nx).Put(ny).Put(nz).Put(mode);
@@ -112,14 +112,13 @@ private:
     std::string extendedType;
     std::string labels;
     size_t mainHeaderBytes = 1024;
-    std::vector<uint8_t> extended;
-    std::vector<uint8_t> samples;
+    Bytes extended;
+    Bytes samples;
 };
 
 /// The extended header in which an acquisition program tells its name (mask bits 0 and 1) and its version
 /// (bit 2). Its numbers are little-endian in every file.
-inline std::vector<uint8_t> AcquisitionHeader(uint32_t mask, std::string_view application,
-                                              std::string_view version)
+inline Bytes AcquisitionHeader(uint32_t mask, std::string_view application, std::string_view version)
 {
     ByteWriter header;
     header.PadTo(8).Put(mask);

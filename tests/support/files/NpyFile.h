@@ -55,13 +55,13 @@ public:
         return *this;
     }
 
-    NpyFile& Samples(std::vector<uint8_t> raw)
+    NpyFile& Samples(Bytes raw)
     {
         samples = std::move(raw);
         return *this;
     }
 
-    [[nodiscard]] std::vector<uint8_t> Build() const
+    [[nodiscard]] Bytes Build() const
     {
         std::string text = dictionary.value_or("{'descr': '" + descr +
                                                "', 'fortran_order': False, 'shape': " + shape + ", }");
@@ -81,5 +81,5 @@ private:
     std::string shape = "(1, 1)";
     std::optional<std::string> dictionary;
     uint16_t headerLength = 246;
-    std::vector<uint8_t> samples;
+    Bytes samples;
 };

@@ -30,7 +30,7 @@ public:
         return *this;
     }
 
-    RawFile& Samples(uint32_t bits, uint32_t kind, std::vector<uint8_t> raw)
+    RawFile& Samples(uint32_t bits, uint32_t kind, Bytes raw)
     {
         bitsPerPixel = bits;
         sampleKind = kind;
@@ -67,7 +67,7 @@ public:
         return *this;
     }
 
-    [[nodiscard]] std::vector<uint8_t> Build() const
+    [[nodiscard]] Bytes Build() const
     {
         using namespace std::string_view_literals;
         constexpr uint32_t unused = 0xCCCCCCCC;
@@ -76,7 +76,7 @@ public:
         file.Put(width).Put(height).Put(unused);
         file.Put(bitsPerPixel).Put(sampleKind);
         file.Put(dataOffset.value_or(gap)).Put(xStride).Put(yStride);
-        file.Put(std::vector<uint8_t>(gap, 0xCC)).Put(samples);
+        file.Put(Bytes(gap, 0xCC)).Put(samples);
         return std::move(file.bytes);
     }
 
@@ -89,5 +89,5 @@ private:
     std::optional<uint32_t> dataOffset;
     uint32_t xStride = 0;
     uint32_t yStride = 0;
-    std::vector<uint8_t> samples;
+    Bytes samples;
 };

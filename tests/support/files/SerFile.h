@@ -15,7 +15,7 @@ struct SerElement
     uint16_t dataType = 1;
     uint32_t width = 0;
     uint32_t height = 0;
-    std::vector<uint8_t> samples = {};
+    Bytes samples = {};
 
     static constexpr size_t calibrationBytes = 40;
     static constexpr size_t headerBytes = calibrationBytes + 10;
@@ -27,7 +27,7 @@ struct SerElement
         file.Put(dataType).Put(width).Put(height).Put(samples);
     }
 
-    [[nodiscard]] std::vector<uint8_t> Build() const
+    [[nodiscard]] Bytes Build() const
     {
         ByteWriter element;
         AppendTo(element);
@@ -98,7 +98,7 @@ public:
     }
 
     /// An element of bytes.
-    SerFile& Element(uint32_t width, uint32_t height, std::vector<uint8_t> samples)
+    SerFile& Element(uint32_t width, uint32_t height, Bytes samples)
     {
         return Element({1, width, height, std::move(samples)});
     }
@@ -109,7 +109,7 @@ public:
     /// Where the elements begin.
     [[nodiscard]] size_t FirstElement() const { return HeaderBytes() + elements.size() * OffsetBytes(); }
 
-    [[nodiscard]] std::vector<uint8_t> Build() const
+    [[nodiscard]] Bytes Build() const
     {
         const auto elementCount = static_cast<uint32_t>(elements.size());
         ByteWriter file;

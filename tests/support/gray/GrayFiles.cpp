@@ -14,10 +14,10 @@
 
 namespace {
 
-using Picture = std::vector<uint8_t>;
+using Picture = Bytes;
 
 /// Samples that show the picture: they run over 256 values.
-std::vector<uint8_t> Samples(std::span<const uint8_t> picture)
+Bytes Samples(std::span<const uint8_t> picture)
 {
     ByteWriter samples;
     for (const uint8_t brightness : picture)
@@ -25,7 +25,7 @@ std::vector<uint8_t> Samples(std::span<const uint8_t> picture)
     return std::move(samples.bytes);
 }
 
-std::vector<uint8_t> SamplesOf(const std::vector<Picture>& pictures)
+Bytes SamplesOf(const std::vector<Picture>& pictures)
 {
     ByteWriter samples;
     for (const Picture& picture : pictures)
@@ -52,7 +52,7 @@ Picture HighPicture()
     return picture;
 }
 
-std::vector<uint8_t> DmGray(const DmLayout& layout)
+Bytes DmGray(const DmLayout& layout)
 {
     // The size of the array, four times the number of elements, is 16 in 32 bits.
     const DmImage image = {.dataType = 10,
@@ -64,7 +64,7 @@ std::vector<uint8_t> DmGray(const DmLayout& layout)
     return DmFile{layout}.Root(DmTags{layout}.Image(Thumbnail(1)).Image(image)).Build();
 }
 
-std::vector<uint8_t> SerGray()
+Bytes SerGray()
 {
     SerFile file;
     for (const Picture& picture : grayPictures)
@@ -83,7 +83,7 @@ Picture Repeated(const Picture& picture)
     return repeated;
 }
 
-std::vector<uint8_t> HdfGray(const std::vector<Picture>& pictures)
+Bytes HdfGray(const std::vector<Picture>& pictures)
 {
     // The number of the frame runs fastest.
     ByteWriter samples;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/BytesAndLines.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -8,9 +10,9 @@
 struct GrayFile
 {
     std::string name;
-    std::vector<uint8_t> content;
+    Bytes content;
     /// What each frame shows: rows of `width` pixels from top to bottom.
-    std::vector<std::vector<uint8_t>> pictures;
+    std::vector<Bytes> pictures;
     std::wstring software;
     /// Empty where the format has none to tell.
     std::wstring formatDetails;

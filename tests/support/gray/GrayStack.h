@@ -8,7 +8,7 @@
 #include <vector>
 
 /// What the sections of a gray stack look like: rows of 4 pixels from top to bottom, without padding.
-inline const std::array<std::vector<uint8_t>, 3> grayPictures = {{
+inline const std::array<Bytes, 3> grayPictures = {{
     {0, 10, 20, 30, 40, 50, 60, 255},
     {255, 200, 150, 100, 80, 70, 5, 0},
     {9, 8, 0, 255, 6, 5, 4, 3},
@@ -16,7 +16,7 @@ inline const std::array<std::vector<uint8_t>, 3> grayPictures = {{
 
 /// An MRC stack of up to three 16-bit sections of 4 x 2 pixels. The samples of a section run over 256
 /// values, so its picture shows each of them less the smallest.
-inline std::vector<uint8_t> GrayStack(uint32_t sections)
+inline Bytes GrayStack(uint32_t sections)
 {
     ByteWriter samples;
     for (uint32_t section = 0; section < sections; ++section)

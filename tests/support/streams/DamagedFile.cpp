@@ -1,5 +1,7 @@
 #include "support/streams/DamagedFile.h"
 
+#include "support/FileFacts.h"
+
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -9,14 +11,13 @@ using testing::Each;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-std::vector<uint8_t> FirstBytes(const std::vector<uint8_t>& file, size_t length)
+Bytes FirstBytes(const Bytes& file, size_t length)
 {
     return {file.begin(), file.begin() + static_cast<ptrdiff_t>(length)};
 }
 
-void ExpectSaneReads(const RawImageBase* header, const std::vector<std::string>& headerLines,
-                     const RawImageBase* frame, const std::vector<std::string>& frameLines,
-                     uint32_t frameIndex, size_t place)
+void ExpectSaneReads(const RawImageBase* header, const Lines& headerLines, const RawImageBase* frame,
+                     const Lines& frameLines, uint32_t frameIndex, size_t place)
 {
     EXPECT_THAT(headerLines, Each(StartsWith("[Lumora] "))) << place;
     EXPECT_THAT(frameLines, Each(StartsWith("[Lumora] "))) << place;
@@ -34,20 +35,10 @@ void ExpectSaneReads(const RawImageBase* header, const std::vector<std::string>&
     ASSERT_TRUE(header) << place;
     const bool colours = frame->pixelType == PixelType::RGB24 || frame->pixelType == PixelType::RGBA32;
     EXPECT_EQ(frame->displayPixels.size(), size_t{frame->width} * frame->height * (colours ? 3 : 1)) << place;
-    EXPECT_EQ(frame->fileType, header->fileType) << place;
-    EXPECT_EQ(frame->width, header->width) << place;
-    EXPECT_EQ(frame->height, header->height) << place;
-    EXPECT_EQ(frame->frameCount, header->frameCount) << place;
-    EXPECT_EQ(frame->pixelType, header->pixelType) << place;
-    EXPECT_EQ(frame->byteOrder, header->byteOrder) << place;
-    EXPECT_EQ(frame->flipVertical, header->flipVertical) << place;
-    EXPECT_EQ(frame->xStride, header->xStride) << place;
-    EXPECT_EQ(frame->yStride, header->yStride) << place;
-    EXPECT_EQ(frame->software, header->software) << place;
-    EXPECT_EQ(frame->formatDetails, header->formatDetails) << place;
+    EXPECT_THAT(*frame, HasFacts(FactsOf(*header))) << place;
 }
 
-void ExpectSaneOutcome(const std::vector<uint8_t>& file, uint32_t frameIndex, size_t place)
+void ExpectSaneOutcome(const Bytes& file, uint32_t frameIndex, size_t place)
 {
     const FileOpen header{file, 0, frameIndex};
     const FileOpen frame{file, 1, frameIndex};

@@ -7,7 +7,7 @@
 
 namespace {
 
-thread_local std::vector<std::string> collected;
+thread_local Lines collected;
 
 #ifdef _WIN32
 
@@ -60,7 +60,7 @@ DiagnosticLines::~DiagnosticLines()
 #endif
 }
 
-std::vector<std::string> DiagnosticLines::Take()
+Lines DiagnosticLines::Take()
 {
     return std::exchange(collected, {});
 }

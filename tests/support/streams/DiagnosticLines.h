@@ -1,7 +1,6 @@
 #pragma once
 
-#include <string>
-#include <vector>
+#include "support/BytesAndLines.h"
 
 /// Collects the lines that this thread writes to the debugger output while it lives. One at a time.
 class DiagnosticLines
@@ -13,5 +12,5 @@ public:
     ~DiagnosticLines();
 
     /// The lines since the last call, in order; only ASCII is expected in them.
-    [[nodiscard]] std::vector<std::string> Take();
+    [[nodiscard]] Lines Take();
 };

@@ -17,8 +17,7 @@
 template <typename Reader>
 struct FileRead
 {
-    explicit FileRead(std::vector<uint8_t> file, uint32_t mode = 1, uint32_t frameIndex = 0,
-                      StreamFaults faults = {})
+    explicit FileRead(Bytes file, uint32_t mode = 1, uint32_t frameIndex = 0, StreamFaults faults = {})
         : stream(std::move(file), faults)
     {
         DiagnosticLines diagnostics;
@@ -31,14 +30,13 @@ struct FileRead
     TestStream stream;
     Reader reader;
     bool succeeded = false;
-    std::vector<std::string> lines;
+    Lines lines;
 };
 
 /// One opening of a file of any format, as the shell and WIC open it.
 struct FileOpen
 {
-    explicit FileOpen(std::vector<uint8_t> file, uint32_t mode = 1, uint32_t frameIndex = 0,
-                      StreamFaults faults = {})
+    explicit FileOpen(Bytes file, uint32_t mode = 1, uint32_t frameIndex = 0, StreamFaults faults = {})
         : stream(std::move(file), faults)
     {
         DiagnosticLines diagnostics;
@@ -51,5 +49,5 @@ struct FileOpen
     TestStream stream;
     Tav::Imaging::RawImage::RawImage image;
     bool succeeded = false;
-    std::vector<std::string> lines;
+    Lines lines;
 };

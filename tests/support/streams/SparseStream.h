@@ -12,7 +12,7 @@
 class SparseStream final : public TestStream
 {
 public:
-    SparseStream(uint64_t size, std::vector<uint8_t> start, uint64_t place, std::vector<uint8_t> there)
+    SparseStream(uint64_t size, Bytes start, uint64_t place, Bytes there)
         : TestStream(std::move(start), {.reportedSize = size}), farPlace(place), farBytes(std::move(there))
     {}
 
@@ -34,7 +34,7 @@ public:
 
 private:
     /// Copies what of `source`, which stands at `place`, lies in the `count` bytes from the position on.
-    void Overlay(void* buffer, uint64_t count, uint64_t place, const std::vector<uint8_t>& source) const
+    void Overlay(void* buffer, uint64_t count, uint64_t place, const Bytes& source) const
     {
         const uint64_t first = std::max(position, place);
         const uint64_t end = std::min(position + count, place + source.size());
@@ -44,5 +44,5 @@ private:
     }
 
     uint64_t farPlace;
-    std::vector<uint8_t> farBytes;
+    Bytes farBytes;
 };

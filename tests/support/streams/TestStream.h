@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/BytesAndLines.h"
+
 #include "platform/Platform.h"
 
 #include <algorithm>
@@ -7,7 +9,6 @@
 #include <cstdint>
 #include <cstring>
 #include <optional>
-#include <vector>
 
 /// How a stream misbehaves; nothing by default. Calls are counted from 1, and 0 means never.
 struct StreamFaults
@@ -62,7 +63,7 @@ public:
 class TestStream : public ReadOnlyStream
 {
 public:
-    explicit TestStream(std::vector<uint8_t> content, StreamFaults streamFaults = {})
+    explicit TestStream(Bytes content, StreamFaults streamFaults = {})
         : bytes(std::move(content)), faults(streamFaults)
     {}
     TestStream(const TestStream&) = delete;
@@ -121,7 +122,7 @@ public:
         return faults.success;
     }
 
-    std::vector<uint8_t> bytes;
+    Bytes bytes;
     StreamFaults faults;
     /// What has been asked for so far.
     uint32_t statCalls = 0;

@@ -15,8 +15,8 @@ TEST(Diagnostics, WriteOneLineWithPrefixTagAndMessage)
     DiagnosticLines diagnostics;
     WriteDiagnostic(L"MRC: ", L"Unsupported pixel type");
     WriteDiagnostic(L"Invalid resolution");
-    EXPECT_EQ(diagnostics.Take(), (std::vector<std::string>{"[Lumora] MRC: Unsupported pixel type",
-                                                            "[Lumora] Invalid resolution"}));
+    EXPECT_EQ(diagnostics.Take(),
+              (Lines{"[Lumora] MRC: Unsupported pixel type", "[Lumora] Invalid resolution"}));
 }
 
 TEST(Diagnostics, EndLongLinesAfter255Characters)
@@ -27,8 +27,7 @@ TEST(Diagnostics, EndLongLinesAfter255Characters)
     WriteDiagnostic(std::wstring(1000, L't'), L"message");
     const std::string longest = "[Lumora] " + std::string(246, 'x');
     EXPECT_EQ(longest.size(), 255U);
-    EXPECT_EQ(diagnostics.Take(),
-              (std::vector<std::string>{longest, longest, "[Lumora] " + std::string(246, 't')}));
+    EXPECT_EQ(diagnostics.Take(), (Lines{longest, longest, "[Lumora] " + std::string(246, 't')}));
 }
 
 } // namespace

@@ -17,9 +17,7 @@ using namespace Tav::Imaging::RawImage;
 
 namespace {
 
-using Lines = std::vector<std::string>;
-
-std::vector<uint8_t> FourPixels()
+Bytes FourPixels()
 {
     return MrcFile().Size(4, 1, 1).Mode(1).Numbers<int16_t>({-32768, -32512, -32511, 32767}).Build();
 }
@@ -55,7 +53,7 @@ void ExpectOutcome(TestStream& stream, uint32_t readMode, const std::string& out
     stream.faults = {};
     EXPECT_TRUE(image.Open(&stream, readModeFrame, 0));
     ASSERT_NE(image.Reader(), nullptr);
-    EXPECT_EQ(image.Reader()->displayPixels, (std::vector<uint8_t>{0, 0, 1, 255}));
+    EXPECT_EQ(image.Reader()->displayPixels, (Bytes{0, 0, 1, 255}));
     EXPECT_EQ(stream.references, 0U);
 }
 

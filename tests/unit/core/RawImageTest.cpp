@@ -1,8 +1,10 @@
 #include "core/RawImage.h"
+#include "support/FileFacts.h"
 #include "support/files/MrcFile.h"
 #include "support/streams/DiagnosticLines.h"
 #include "support/streams/TestStream.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -19,9 +21,6 @@ namespace {
 
 using namespace std::string_view_literals;
 
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
-
 const std::string unknown = "[Lumora] Could not identify the file format";
 
 static_assert(std::has_virtual_destructor_v<RawImage>);
@@ -32,6 +31,13 @@ MrcFile FourPixels()
 {
     return MrcFile().Size(4, 1, 1).Mode(1).Numbers<int16_t>({-32768, -32512, -32511, 32767});
 }
+
+const FileFacts fourPixelFacts = {.fileType = FileType::Mrc,
+                                  .pixelType = PixelType::Int16,
+                                  .width = 4,
+                                  .height = 1,
+                                  .frameCount = 1,
+                                  .formatDetails = L"MRC Mode 1"};
 
 /// A stream of `size` bytes that begins with this text.
 Bytes FileOf(std::string_view start, size_t size = 64)
@@ -192,18 +198,8 @@ TEST(CreateReader, GivesAReaderThatKnowsNothingYet)
     const Creation creation{&stream};
     ASSERT_NE(creation.reader, nullptr);
     const RawImageBase& reader = *creation.reader;
-    EXPECT_EQ(reader.fileType, FileType::None);
-    EXPECT_EQ(reader.byteOrder, ByteOrder::LittleEndian);
+    EXPECT_THAT(reader, HasFacts({}));
     EXPECT_EQ(reader.readMode, 1U);
-    EXPECT_EQ(reader.pixelType, PixelType::Unknown);
-    EXPECT_FALSE(reader.flipVertical);
-    EXPECT_EQ(reader.software, L"");
-    EXPECT_EQ(reader.formatDetails, L"");
-    EXPECT_EQ(reader.width, 0U);
-    EXPECT_EQ(reader.height, 0U);
-    EXPECT_EQ(reader.frameCount, 0U);
-    EXPECT_EQ(reader.xStride, 0U);
-    EXPECT_EQ(reader.yStride, 0U);
     EXPECT_TRUE(reader.displayPixels.empty());
 }
 
@@ -218,12 +214,8 @@ TEST(RawImage, OpensAFrame)
     RawImage image;
     ASSERT_TRUE(image.Open(&stream, readModeFrame, 0));
     ASSERT_NE(image.Reader(), nullptr);
-    EXPECT_EQ(image.Reader()->fileType, FileType::Mrc);
+    EXPECT_THAT(*image.Reader(), HasFacts(fourPixelFacts));
     EXPECT_EQ(image.Reader()->readMode, 1U);
-    EXPECT_EQ(image.Reader()->pixelType, PixelType::Int16);
-    EXPECT_EQ(image.Reader()->width, 4U);
-    EXPECT_EQ(image.Reader()->height, 1U);
-    EXPECT_EQ(image.Reader()->frameCount, 1U);
     EXPECT_EQ(image.Reader()->displayPixels, (Bytes{0, 0, 1, 255}));
     EXPECT_EQ(stream.references, 0U);
     EXPECT_EQ(stream.statFlags, DWORD{STATFLAG_NONAME});
@@ -235,11 +227,7 @@ TEST(RawImage, OpensAHeaderWithoutAPicture)
     RawImage image;
     ASSERT_TRUE(image.Open(&stream, readModeHeader, 0));
     EXPECT_EQ(image.Reader()->readMode, 0U);
-    EXPECT_EQ(image.Reader()->fileType, FileType::Mrc);
-    EXPECT_EQ(image.Reader()->pixelType, PixelType::Int16);
-    EXPECT_EQ(image.Reader()->width, 4U);
-    EXPECT_EQ(image.Reader()->height, 1U);
-    EXPECT_EQ(image.Reader()->frameCount, 1U);
+    EXPECT_THAT(*image.Reader(), HasFacts(fourPixelFacts));
     EXPECT_TRUE(image.Reader()->displayPixels.empty());
     EXPECT_EQ(stream.references, 0U);
 }

@@ -14,8 +14,6 @@ using namespace Tav::Imaging::RawImage;
 
 namespace {
 
-using Bytes = std::vector<uint8_t>;
-
 /// The first `sampleBytes` bytes of what is read at `dataOffset`; nothing when that fails. Reading samples
 /// writes no line either way.
 std::optional<Bytes> Read(const StoredFrame& frame, size_t sampleBytes, uint64_t dataOffset = 0)
@@ -25,7 +23,7 @@ std::optional<Bytes> Read(const StoredFrame& frame, size_t sampleBytes, uint64_t
     Bytes samples;
     DiagnosticLines diagnostics;
     const bool wasRead = reader.ReadFramePixels(samples, &stream, frame.bytes.size(), dataOffset);
-    EXPECT_EQ(diagnostics.Take(), std::vector<std::string>{});
+    EXPECT_EQ(diagnostics.Take(), Lines{});
     EXPECT_EQ(stream.references, 0U);
     if (!wasRead)
         return std::nullopt;

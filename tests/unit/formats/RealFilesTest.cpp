@@ -1,4 +1,5 @@
 #include "support/FileBytes.h"
+#include "support/FileFacts.h"
 #include "support/streams/FileRead.h"
 
 #include <gmock/gmock.h>
@@ -25,42 +26,32 @@ protected:
             GTEST_SKIP() << "LUMORA_REAL_FILES names no folder: \"" LUMORA_REAL_FILES "\"";
     }
 
-    static std::vector<uint8_t> Load(const std::string& name)
+    static Bytes Load(const std::string& name)
     {
-        std::vector<uint8_t> bytes = FileBytes(LUMORA_REAL_FILES "/" + name);
+        Bytes bytes = FileBytes(LUMORA_REAL_FILES "/" + name);
         EXPECT_THAT(bytes, testing::Not(IsEmpty())) << name;
         return bytes;
     }
 };
 
-/// What another program tells of a file.
-struct FileFacts
-{
-    FileType fileType;
-    uint32_t width;
-    uint32_t height;
-    uint32_t frameCount;
-    PixelType pixelType;
-    bool flipVertical;
-    std::wstring software;
-    std::wstring formatDetails;
-};
-
-void ExpectFacts(const std::vector<uint8_t>& file, const FileFacts& expected)
+/// Expects what another program tells of a file.
+void ExpectFacts(const Bytes& file, const FileFacts& facts)
 {
     const FileOpen header{file, 0};
     ASSERT_TRUE(header.succeeded);
     EXPECT_THAT(header.lines, IsEmpty());
-    const RawImageBase& reader = *header.image.Reader();
-    EXPECT_EQ(reader.fileType, expected.fileType);
-    EXPECT_EQ(reader.width, expected.width);
-    EXPECT_EQ(reader.height, expected.height);
-    EXPECT_EQ(reader.frameCount, expected.frameCount);
-    EXPECT_EQ(reader.pixelType, expected.pixelType);
-    EXPECT_EQ(reader.byteOrder, ByteOrder::LittleEndian);
-    EXPECT_EQ(reader.flipVertical, expected.flipVertical);
-    EXPECT_EQ(reader.software, expected.software);
-    EXPECT_EQ(reader.formatDetails, expected.formatDetails);
+    EXPECT_THAT(*header.image.Reader(), HasFacts(facts));
+}
+
+/// Expects that a frame is refused in this line, whether it is wanted or its header alone.
+void ExpectRefusal(const Bytes& file, const std::string& line, uint32_t frameIndex = 0)
+{
+    for (const uint32_t mode : {0U, 1U})
+    {
+        const FileOpen open{file, mode, frameIndex};
+        EXPECT_FALSE(open.succeeded);
+        EXPECT_THAT(open.lines, ElementsAre(line));
+    }
 }
 
 /// What numpy computes of a frame's picture.
@@ -72,12 +63,12 @@ struct FramePicture
     uint32_t sum;
 };
 
-void ExpectPicture(const std::vector<uint8_t>& file, const FramePicture& expected)
+void ExpectPicture(const Bytes& file, const FramePicture& expected)
 {
     const FileOpen open{file, 1, expected.frameIndex};
     ASSERT_TRUE(open.succeeded) << expected.frameIndex;
     EXPECT_THAT(open.lines, IsEmpty()) << expected.frameIndex;
-    const std::vector<uint8_t>& pixels = open.image.Reader()->displayPixels;
+    const Bytes& pixels = open.image.Reader()->displayPixels;
     ASSERT_GE(pixels.size(), 16U);
     EXPECT_TRUE(std::equal(expected.first.begin(), expected.first.end(), pixels.begin()))
         << expected.frameIndex;
@@ -88,8 +79,8 @@ void ExpectPicture(const std::vector<uint8_t>& file, const FramePicture& expecte
 
 TEST_F(RealFiles, DensityMap)
 {
-    const std::vector<uint8_t> file = Load("mrc/EMD-3197.map");
-    ExpectFacts(file, {FileType::Mrc, 20, 20, 20, PixelType::Float32, false, L"", L"MRC Mode 2"});
+    const Bytes file = Load("mrc/EMD-3197.map");
+    ExpectFacts(file, {FileType::Mrc, PixelType::Float32, 20, 20, 20, false, L"", L"MRC Mode 2"});
     ExpectPicture(file,
                   {0, {36, 41, 44, 50, 57, 66, 63, 56}, {152, 145, 147, 143, 136, 124, 123, 120}, 50124});
     ExpectPicture(file,
@@ -100,8 +91,8 @@ TEST_F(RealFiles, DensityMap)
 
 TEST_F(RealFiles, DetectorMovie)
 {
-    const std::vector<uint8_t> file = Load("mrc/movie_348_frames.mrc");
-    ExpectFacts(file, {FileType::Mrc2014, 16, 16, 348, PixelType::UInt16, false, L"", L"MRC2014 Mode 6"});
+    const Bytes file = Load("mrc/movie_348_frames.mrc");
+    ExpectFacts(file, {FileType::Mrc2014, PixelType::UInt16, 16, 16, 348, false, L"", L"MRC2014 Mode 6"});
     ExpectPicture(file, {0, {12, 2, 3, 5, 5, 7, 8, 59}, {239, 242, 239, 237, 231, 227, 225, 223}, 35007});
     ExpectPicture(file, {174, {15, 3, 4, 5, 5, 7, 8, 59}, {239, 243, 241, 237, 232, 228, 226, 223}, 35174});
     ExpectPicture(file, {347, {17, 1, 3, 5, 5, 7, 8, 59}, {239, 244, 240, 237, 231, 228, 226, 222}, 35087});
@@ -109,24 +100,21 @@ TEST_F(RealFiles, DetectorMovie)
 
 TEST_F(RealFiles, SeriesOfDiffractionPatterns)
 {
-    const std::vector<uint8_t> file = Load("ser/diffraction_5_frames.ser");
-    ExpectFacts(file, {FileType::Ser, 128, 128, 5, PixelType::Int32, true, L"Pellox", L""});
+    const Bytes file = Load("ser/diffraction_5_frames.ser");
+    ExpectFacts(file, {FileType::Ser, PixelType::Int32, 128, 128, 5, true, L"Pellox"});
     ExpectPicture(
         file, {0, {126, 125, 166, 104, 126, 104, 84, 126}, {104, 126, 126, 84, 169, 148, 127, 174}, 1946050});
     ExpectPicture(
         file, {1, {112, 133, 133, 112, 90, 155, 112, 156}, {133, 134, 135, 90, 45, 112, 158, 185}, 2087950});
     ExpectPicture(
         file, {4, {111, 133, 68, 111, 111, 175, 111, 90}, {111, 156, 178, 90, 178, 157, 157, 183}, 2108426});
-
-    const FileOpen beyond{file, 0, 5};
-    EXPECT_FALSE(beyond.succeeded);
-    EXPECT_THAT(beyond.lines, testing::ElementsAre("[Lumora] SER: Frame index is out of range"));
+    ExpectRefusal(file, "[Lumora] SER: Frame index is out of range", 5);
 }
 
 TEST_F(RealFiles, SeriesOfOneImage)
 {
-    const std::vector<uint8_t> file = Load("ser/image_64.ser");
-    ExpectFacts(file, {FileType::Ser, 64, 64, 1, PixelType::Float32, true, L"Pellox", L""});
+    const Bytes file = Load("ser/image_64.ser");
+    ExpectFacts(file, {FileType::Ser, PixelType::Float32, 64, 64, 1, true, L"Pellox"});
     ExpectPicture(
         file,
         {0, {253, 246, 248, 247, 246, 247, 249, 246}, {242, 243, 243, 243, 247, 249, 246, 245}, 814197});
@@ -134,28 +122,22 @@ TEST_F(RealFiles, SeriesOfOneImage)
 
 TEST_F(RealFiles, SeriesOfSpectra)
 {
-    const std::vector<uint8_t> file = Load("ser/spectrum.ser");
-    for (const uint32_t mode : {0U, 1U})
-    {
-        const FileOpen open{file, mode};
-        EXPECT_FALSE(open.succeeded);
-        EXPECT_THAT(open.lines, testing::ElementsAre("[Lumora] SER: No 2D data structure found"));
-    }
+    ExpectRefusal(Load("ser/spectrum.ser"), "[Lumora] SER: No 2D data structure found");
 }
 
 TEST_F(RealFiles, ArrayWithAnImage)
 {
-    const std::vector<uint8_t> file = Load("npy/survey_512.npy");
-    ExpectFacts(file, {FileType::Npy, 512, 512, 1, PixelType::UInt16, false, L"", L""});
+    const Bytes file = Load("npy/survey_512.npy");
+    ExpectFacts(file, {FileType::Npy, PixelType::UInt16, 512, 512, 1});
     ExpectPicture(file,
                   {0, {178, 178, 178, 178, 178, 178, 178, 178}, {83, 83, 83, 83, 83, 83, 83, 83}, 33154441});
 }
 
 TEST_F(RealFiles, ArrayWithATable)
 {
-    const std::vector<uint8_t> file = Load("npy/table.npy");
+    const Bytes file = Load("npy/table.npy");
     // Columns one after another, with numbers that are none, which is read as rows all the same.
-    ExpectFacts(file, {FileType::Npy, 6, 154, 1, PixelType::Double64, false, L"", L""});
+    ExpectFacts(file, {FileType::Npy, PixelType::Double64, 6, 154, 1});
     ExpectPicture(file, {0, {0, 0, 0, 0, 0, 0, 0, 0}, {0, 0, 0, 0, 0, 0, 0, 0}, 32161});
 }
 
@@ -182,8 +164,8 @@ TEST_F(RealFiles, TagFilesWithAThumbnailAndASmallImage)
     for (const ThumbnailFile& expected : files)
     {
         SCOPED_TRACE(expected.name);
-        const std::vector<uint8_t> file = Load(expected.name);
-        std::vector<uint8_t> picture;
+        const Bytes file = Load(expected.name);
+        Bytes picture;
         for (size_t i = 0; i < size_t{4} * expected.width * expected.height; ++i)
             if (i % 4 != 3)
                 picture.push_back(file.at(expected.dataOffset + i));
@@ -195,21 +177,17 @@ TEST_F(RealFiles, TagFilesWithAThumbnailAndASmallImage)
             ASSERT_TRUE(open.succeeded);
             EXPECT_THAT(open.lines, IsEmpty());
             const RawImageBase& reader = *open.image.Reader();
-            EXPECT_EQ(reader.fileType, expected.fileType);
-            EXPECT_EQ(reader.pixelType, PixelType::RGBA32);
-            EXPECT_EQ(reader.width, expected.width);
-            EXPECT_EQ(reader.height, expected.height);
-            EXPECT_EQ(reader.frameCount, 1U);
-            EXPECT_EQ(reader.software, L"Gatan Digital Micrograph");
-            EXPECT_EQ(reader.formatDetails, L"");
-            EXPECT_EQ(reader.displayPixels, mode == 0 ? std::vector<uint8_t>{} : picture);
+            EXPECT_THAT(reader, HasFacts({.fileType = expected.fileType,
+                                          .pixelType = PixelType::RGBA32,
+                                          .width = expected.width,
+                                          .height = expected.height,
+                                          .frameCount = 1,
+                                          .software = L"Gatan Digital Micrograph"}));
+            EXPECT_EQ(reader.displayPixels, mode == 0 ? Bytes{} : picture);
         }
 
-        const FileOpen second{file, 0, 1};
-        EXPECT_FALSE(second.succeeded);
-        EXPECT_THAT(second.lines,
-                    ElementsAre(expected.fileType == FileType::Dm3 ? "[Lumora] DM3: No images found"
-                                                                   : "[Lumora] DM4: No images found"));
+        const std::string version = expected.fileType == FileType::Dm3 ? "DM3" : "DM4";
+        ExpectRefusal(file, "[Lumora] " + version + ": No images found", 1);
     }
 }
 
@@ -220,13 +198,7 @@ TEST_F(RealFiles, TagFilesWithSmallImagesOnly)
     for (const char* name : {"dm/small_2d.dm3", "dm/spectrum_1d.dm3"})
     {
         SCOPED_TRACE(name);
-        const std::vector<uint8_t> file = Load(name);
-        for (const uint32_t mode : {0U, 1U})
-        {
-            const FileOpen open{file, mode};
-            EXPECT_FALSE(open.succeeded);
-            EXPECT_THAT(open.lines, ElementsAre("[Lumora] DM3: No images found"));
-        }
+        ExpectRefusal(Load(name), "[Lumora] DM3: No images found");
     }
 }
 
@@ -234,8 +206,8 @@ TEST_F(RealFiles, TagFilesWithSmallImagesOnly)
 // two detectors, then a sum over diffraction patterns.
 TEST_F(RealFiles, ScanWithThreeChannels)
 {
-    const std::vector<uint8_t> file = Load("hdf/microprobe.h5");
-    ExpectFacts(file, {FileType::Hdf, 64, 64, 3, PixelType::Int16, false, L"", L""});
+    const Bytes file = Load("hdf/microprobe.h5");
+    ExpectFacts(file, {FileType::Hdf, PixelType::Int16, 64, 64, 3});
     ExpectPicture(file,
                   {0, {0, 255, 255, 255, 255, 255, 255, 255}, {0, 0, 0, 255, 255, 255, 255, 255}, 941205});
     ExpectPicture(
@@ -245,10 +217,7 @@ TEST_F(RealFiles, ScanWithThreeChannels)
     const FileOpen sum{file, 0, 2};
     ASSERT_TRUE(sum.succeeded);
     EXPECT_EQ(sum.image.Reader()->pixelType, PixelType::Float32);
-
-    const FileOpen beyond{file, 0, 3};
-    EXPECT_FALSE(beyond.succeeded);
-    EXPECT_THAT(beyond.lines, ElementsAre("[Lumora] HDF: Frame index is out of range"));
+    ExpectRefusal(file, "[Lumora] HDF: Frame index is out of range", 3);
 }
 
 // Pictures by other names, and one of four colours in a compound type.
@@ -257,13 +226,7 @@ TEST_F(RealFiles, Hdf5FilesWithoutNamedImages)
     for (const char* name : {"hdf/acquisition.emd", "hdf/rgba16.hdf5"})
     {
         SCOPED_TRACE(name);
-        const std::vector<uint8_t> file = Load(name);
-        for (const uint32_t mode : {0U, 1U})
-        {
-            const FileOpen open{file, mode};
-            EXPECT_FALSE(open.succeeded);
-            EXPECT_THAT(open.lines, ElementsAre("[Lumora] HDF: No images found"));
-        }
+        ExpectRefusal(Load(name), "[Lumora] HDF: No images found");
     }
 }
 

@@ -123,7 +123,7 @@ TEST(Metadata, DescribesAnOpenedFile)
                             .Size(12, 34, 5)
                             .Mode(12)
                             .Version(20141)
-                            .Samples(std::vector<uint8_t>(size_t{12} * 34 * 5 * 2))
+                            .Samples(Bytes(size_t{12} * 34 * 5 * 2))
                             .Build(),
                         0};
     Metadata metadata;

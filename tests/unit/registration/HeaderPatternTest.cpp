@@ -41,7 +41,7 @@ bool HasReader(Identity identity)
     return identity >= Identity::Lattice && identity <= Identity::Bin;
 }
 
-Header HeaderOf(const std::vector<uint8_t>& file)
+Header HeaderOf(const Bytes& file)
 {
     Header header = {};
     std::copy_n(file.begin(), header.size(), header.begin());
@@ -50,14 +50,13 @@ Header HeaderOf(const std::vector<uint8_t>& file)
 
 /// Whether a reader takes a file that it is handed whatever identification says.
 template <typename Reader>
-bool IsRead(const std::vector<uint8_t>& file)
+bool IsRead(const Bytes& file)
 {
     TestStream stream{file};
     return Reader{}.Read(&stream, file.size(), readModeHeader, 0);
 }
 
-void ExpectIdentifiedAndOffered(const std::vector<uint8_t>& file, bool isRead, Identity identity,
-                                uint32_t code)
+void ExpectIdentifiedAndOffered(const Bytes& file, bool isRead, Identity identity, uint32_t code)
 {
     const Header header = HeaderOf(file);
     EXPECT_EQ(Identify(header) == identity, isRead) << code;
@@ -199,8 +198,7 @@ TEST(HeaderPatterns, OfferTheModesThatTheMrcReaderTakesAndNoOthers)
         // No columns and rows of 65,536 or more: the other byte order makes nothing of this size.
         for (const auto order : {MrcFile::ByteOrder::LittleEndian, MrcFile::ByteOrder::BigEndian})
         {
-            const std::vector<uint8_t> file =
-                MrcFile().Order(order).Size(2, 2, 1).Mode(mode).Samples(std::vector<uint8_t>(64)).Build();
+            const Bytes file = MrcFile().Order(order).Size(2, 2, 1).Mode(mode).Samples(Bytes(64)).Build();
             ExpectIdentifiedAndOffered(file, IsRead<RawImageMrc>(file), Identity::Mrc, mode);
         }
     }
@@ -212,8 +210,7 @@ TEST(HeaderPatterns, OfferTheTypesThatTheBinReaderTakesAndNoOthers)
     for (uint16_t type = 0; type < 300; ++type)
     {
         const size_t frameBytes = type < std::size(sampleBytes) ? 64 * sampleBytes[type] : 64;
-        const std::vector<uint8_t> file =
-            BinFile().Size(8, 8).Samples(type, std::vector<uint8_t>(frameBytes, 0xFF)).Build();
+        const Bytes file = BinFile().Size(8, 8).Samples(type, Bytes(frameBytes, 0xFF)).Build();
         ExpectIdentifiedAndOffered(file, IsRead<RawImageBin>(file), Identity::Bin, type);
     }
 }

@@ -1,12 +1,8 @@
+#include "windows/registry/RegistrationTest.h"
+
 #include "registration/Registration.h"
-#include "windows/registry/ReadOnlyKey.h"
-#include "windows/registry/RegistrySandbox.h"
-#include "windows/registry/RegistrySnapshot.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <array>
 
 using Lumora::CheckRegistration;
 using Lumora::ExtensionNames;
@@ -24,90 +20,6 @@ using testing::Not;
 using testing::StartsWith;
 
 namespace {
-
-constexpr const wchar_t* dllPath = L"C:\\Program Files\\Lumora\\Lumora.dll";
-constexpr const wchar_t* thumbnails = L"\\ShellEx\\{e357fccd-a995-4576-b01f-234630154e96}";
-const std::wstring classes = L"SOFTWARE\\Classes\\";
-const std::wstring windows = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\";
-const std::wstring decoder = classes + L"CLSID\\{0B6C4D37-1F0E-4E5B-9C57-6A3D2C9E41F8}";
-const std::wstring handler = classes + L"CLSID\\{5D2E8A94-7C3B-4F61-8E0A-B1947F26D3C5}";
-const std::wstring handlers = windows + L"PropertySystem\\PropertyHandlers\\";
-
-constexpr const wchar_t* absent = L"<absent>";
-
-std::wstring Text(HKEY hive, const std::wstring& key, const wchar_t* name = L"")
-{
-    std::array<wchar_t, 2048> text = {};
-    auto bytes = static_cast<DWORD>(sizeof(text));
-    const LSTATUS result = RegGetValueW(hive, key.c_str(), name, RRF_RT_REG_SZ, nullptr, text.data(), &bytes);
-    return result == ERROR_SUCCESS ? text.data() : absent;
-}
-
-std::wstring Text(const std::wstring& key, const wchar_t* name = L"")
-{
-    return Text(HKEY_LOCAL_MACHINE, key, name);
-}
-
-/// The number; -1 when there is none.
-int64_t Number(const std::wstring& key, const wchar_t* name)
-{
-    DWORD number = 0;
-    DWORD bytes = sizeof(number);
-    const LSTATUS result =
-        RegGetValueW(HKEY_LOCAL_MACHINE, key.c_str(), name, RRF_RT_REG_DWORD, nullptr, &number, &bytes);
-    return result == ERROR_SUCCESS ? int64_t{number} : -1;
-}
-
-std::vector<uint8_t> Binary(const std::wstring& key, const wchar_t* name)
-{
-    std::vector<uint8_t> content(1024);
-    auto bytes = static_cast<DWORD>(content.size());
-    const LSTATUS result = RegGetValueW(HKEY_LOCAL_MACHINE, key.c_str(), name, RRF_RT_REG_BINARY, nullptr,
-                                        content.data(), &bytes);
-    content.resize(result == ERROR_SUCCESS ? bytes : 0);
-    return content;
-}
-
-void SetText(const std::wstring& key, const wchar_t* name, const std::wstring& text)
-{
-    ASSERT_EQ(RegSetKeyValueW(HKEY_LOCAL_MACHINE, key.c_str(), name, REG_SZ, text.c_str(),
-                              static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))),
-              ERROR_SUCCESS);
-}
-
-bool Exists(const std::wstring& key)
-{
-    HKEY opened = nullptr;
-    const LSTATUS result = RegOpenKeyExW(HKEY_LOCAL_MACHINE, key.c_str(), 0, KEY_READ, &opened);
-    RegCloseKey(opened);
-    return result == ERROR_SUCCESS;
-}
-
-void MakeKey(HKEY hive, const std::wstring& key, DWORD options = REG_OPTION_NON_VOLATILE)
-{
-    HKEY created = nullptr;
-    ASSERT_EQ(RegCreateKeyExW(hive, key.c_str(), 0, nullptr, options, KEY_READ, nullptr, &created, nullptr),
-              ERROR_SUCCESS);
-    RegCloseKey(created);
-}
-
-/// A registry in which only the keys stand that Windows itself keeps.
-class Registration : public testing::Test
-{
-protected:
-    void SetUp() override
-    {
-        MakeKey(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Classes");
-        MakeKey(HKEY_LOCAL_MACHINE, windows + L"PropertySystem\\PropertyHandlers");
-        MakeKey(HKEY_LOCAL_MACHINE, windows + L"Explorer\\KindMap");
-        MakeKey(HKEY_CURRENT_USER, L"SOFTWARE\\Classes");
-        before = TakeRegistrySnapshot();
-        ASSERT_TRUE(before.contains(L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes"));
-    }
-
-    RegistrySandbox sandbox;
-    RegistrySnapshot before;
-};
 
 TEST_F(Registration, TellsComWhereTheClassesAre)
 {
@@ -225,50 +137,6 @@ TEST_F(Registration, WritesForTheUserOnlyWhatWindowsTakesFromAUser)
     EXPECT_THAT(Differences(before, TakeRegistrySnapshot()), IsEmpty());
 }
 
-TEST_F(Registration, LeavesToOthersWhatTheyHaveSetBefore)
-{
-    const std::wstring foreignHandler = L"{11111111-2222-3333-4444-555555555555}";
-    SetText(handlers + L".rec", L"", foreignHandler);
-    SetText(classes + L".rec", L"Content Type", L"video/x-recording");
-    const RegistrySnapshot withForeign = TakeRegistrySnapshot();
-
-    const RegistrationResult registered = Register(Scope::Machine, dllPath);
-    EXPECT_FALSE(registered.failure);
-    EXPECT_THAT(registered.leftToOthers, ElementsAre(L"HKEY_LOCAL_MACHINE\\" + handlers + L".rec"));
-    EXPECT_EQ(Text(handlers + L".rec"), foreignHandler);
-    EXPECT_EQ(Text(classes + L".rec" + thumbnails), L"{C7657C4A-9F68-40fa-A4DF-96BC08EB3551}");
-
-    const RegistrationResult removed = Unregister(Scope::Machine);
-    EXPECT_FALSE(removed.failure);
-    EXPECT_THAT(removed.leftToOthers, ElementsAre(L"HKEY_LOCAL_MACHINE\\" + handlers + L".rec"));
-    EXPECT_THAT(Differences(withForeign, TakeRegistrySnapshot()), IsEmpty());
-}
-
-TEST_F(Registration, LeavesToOthersWhatTheyHaveSetSince)
-{
-    EXPECT_FALSE(Register(Scope::Machine, dllPath).failure);
-    SetText(classes + L".mrc", L"", L"viewer.volume");
-    SetText(classes + L".mrc", L"PerceivedType", L"document");
-    SetText(classes + L".mrc\\shell\\open\\command", L"", L"viewer.exe \"%1\"");
-
-    const RegistrationResult removed = Unregister(Scope::Machine);
-    EXPECT_FALSE(removed.failure);
-    EXPECT_THAT(removed.leftToOthers,
-                ElementsAre(L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes\\.mrc, PerceivedType"));
-    EXPECT_EQ(Text(classes + L".mrc"), L"viewer.volume");
-    EXPECT_EQ(Text(classes + L".mrc", L"PerceivedType"), L"document");
-    EXPECT_EQ(Text(classes + L".mrc\\shell\\open\\command"), L"viewer.exe \"%1\"");
-    EXPECT_EQ(Text(classes + L".mrc", L"Content Type"), absent);
-    EXPECT_FALSE(Exists(classes + L".mrc\\ShellEx"));
-}
-
-TEST_F(Registration, KeepsAnEmptyKeyThatItNeverFilled)
-{
-    MakeKey(HKEY_LOCAL_MACHINE, classes + L".ali");
-    EXPECT_FALSE(Unregister(Scope::Machine).failure);
-    EXPECT_TRUE(Exists(classes + L".ali"));
-}
-
 TEST_F(Registration, ReplacesAnotherRegistrationOfItsOwn)
 {
     EXPECT_FALSE(Register(Scope::Machine, L"D:\\Old\\Lumora.dll").failure);
@@ -280,47 +148,6 @@ TEST_F(Registration, ReplacesAnotherRegistrationOfItsOwn)
     EXPECT_THAT(result.leftToOthers, IsEmpty());
     EXPECT_EQ(Text(decoder + L"\\InprocServer32"), dllPath);
     EXPECT_FALSE(Exists(decoder + L"\\Patterns\\99"));
-}
-
-TEST_F(Registration, TellsTheFirstKeyThatItCouldNotWriteAndCompletesTheWorkLater)
-{
-    // Below a key that lasts until the next start of Windows, none can be made that lasts longer.
-    MakeKey(HKEY_LOCAL_MACHINE, classes + L".mrcs", REG_OPTION_VOLATILE);
-    const RegistrationResult result = Register(Scope::Machine, dllPath);
-    ASSERT_TRUE(result.failure);
-    EXPECT_EQ(result.failure->key, L"HKEY_LOCAL_MACHINE\\" + classes + L".mrcs" + thumbnails);
-    EXPECT_EQ(result.failure->error, ERROR_CHILD_MUST_BE_VOLATILE);
-
-    ASSERT_EQ(RegDeleteTreeW(HKEY_LOCAL_MACHINE, (classes + L".mrcs").c_str()), ERROR_SUCCESS);
-    EXPECT_FALSE(Register(Scope::Machine, dllPath).failure);
-    EXPECT_TRUE(CheckRegistration(Scope::Machine, dllPath).IsComplete());
-}
-
-TEST_F(Registration, TellsThatRightsAreMissing)
-{
-    MakeKey(HKEY_LOCAL_MACHINE, handlers + L".mrc");
-    const ReadOnlyKey locked(handlers + L".mrc");
-    const RegistrationResult result = Register(Scope::Machine, dllPath);
-    ASSERT_TRUE(result.failure);
-    EXPECT_EQ(result.failure->key, L"HKEY_LOCAL_MACHINE\\" + handlers + L".mrc");
-    EXPECT_EQ(result.failure->error, ERROR_ACCESS_DENIED);
-}
-
-TEST_F(Registration, IsRemovedAsFarAsRightsAllow)
-{
-    EXPECT_FALSE(Register(Scope::Machine, dllPath).failure);
-    {
-        const ReadOnlyKey locked(handlers + L".mrc");
-        const RegistrationResult result = Unregister(Scope::Machine);
-        ASSERT_TRUE(result.failure);
-        EXPECT_EQ(result.failure->key, L"HKEY_LOCAL_MACHINE\\" + handlers + L".mrc");
-        EXPECT_EQ(result.failure->error, ERROR_ACCESS_DENIED);
-        EXPECT_FALSE(Exists(handlers + L".rec"));
-        EXPECT_FALSE(Exists(decoder));
-        EXPECT_FALSE(Exists(handler));
-    }
-    EXPECT_FALSE(Unregister(Scope::Machine).failure);
-    EXPECT_THAT(Differences(before, TakeRegistrySnapshot()), IsEmpty());
 }
 
 TEST_F(Registration, IsCheckedAgainstTheTable)
@@ -341,16 +168,6 @@ TEST_F(Registration, IsCheckedAgainstTheTable)
     EXPECT_THAT(state.missing, IsEmpty());
     EXPECT_THAT(state.outdated, ElementsAre(L"HKEY_LOCAL_MACHINE\\" + decoder + L"\\InprocServer32",
                                             L"HKEY_LOCAL_MACHINE\\" + handler + L"\\InprocServer32"));
-}
-
-TEST_F(Registration, IsCompleteAlthoughAnExtensionHasGoneToAnotherProgram)
-{
-    EXPECT_FALSE(Register(Scope::Machine, dllPath).failure);
-    SetText(handlers + L".mrc", L"", L"{11111111-2222-3333-4444-555555555555}");
-
-    const RegistrationState state = CheckRegistration(Scope::Machine, dllPath);
-    EXPECT_TRUE(state.IsComplete());
-    EXPECT_THAT(state.leftToOthers, ElementsAre(L"HKEY_LOCAL_MACHINE\\" + handlers + L".mrc"));
 }
 
 TEST(RegistrationOfThisMachine, LeavesTheRegistryAsItWas)
@@ -400,13 +217,6 @@ TEST_F(Registration, RemembersWhatIsLeftOut)
     EXPECT_THAT(LeftOutExtensions(Scope::Machine), IsEmpty());
     EXPECT_TRUE(Exists(handlers + L".mrc"));
     EXPECT_EQ(Text(L"SOFTWARE\\Lumora", L"LeftOutExtensions"), absent);
-}
-
-TEST_F(Registration, LeavesALeftOutExtensionToItsOwner)
-{
-    SetText(handlers + L".mrc", L"", L"{11111111-2222-3333-4444-555555555555}");
-    ASSERT_FALSE(Register(Scope::Machine, dllPath, {{L".mrc"}}).failure);
-    EXPECT_EQ(Text(handlers + L".mrc"), L"{11111111-2222-3333-4444-555555555555}");
 }
 
 TEST_F(Registration, TakesARegistrationBackThatLeavesExtensionsOut)

@@ -12,9 +12,6 @@ using namespace Tav::Imaging::RawImage;
 
 namespace {
 
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
-
 const Lines shownAsUnsigned = {
     "[Lumora] MRC: The pixel format is UInt8 while the MRC header specifies Int8 (type 0)"};
 

@@ -160,7 +160,7 @@ TEST(ChosenDisplayConversion, GivesTheReferencePictureOfEveryByte)
     {
         for (uint32_t common = 0; common < 256; common += 5)
         {
-            std::vector<uint8_t> bytes;
+            Bytes bytes;
             for (uint32_t value = 0; value < 256; ++value)
                 bytes.push_back(static_cast<uint8_t>(value));
             bytes.resize(size_t{256} * (1 + common), static_cast<uint8_t>(common));

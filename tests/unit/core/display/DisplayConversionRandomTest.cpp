@@ -102,7 +102,7 @@ private:
         }
     }
 
-    std::vector<uint8_t> Samples(PixelType type, size_t count, ByteOrder order)
+    Bytes Samples(PixelType type, size_t count, ByteOrder order)
     {
         // The wider types are little-endian in every file.
         const bool narrow = BitsPerPixel(type) <= 16 || type == PixelType::Float32;

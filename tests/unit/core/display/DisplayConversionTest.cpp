@@ -12,9 +12,6 @@ using namespace Tav::Imaging::RawImage;
 
 namespace {
 
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
-
 const Lines invalidResolution = {"[Lumora] Invalid resolution"};
 const Lines failedToRead = {"[Lumora] Failed to read the image data into memory"};
 const std::string bigEndian = "[Lumora] Big endian byte ordering";

@@ -14,9 +14,6 @@ using namespace Tav::Imaging::RawImage;
 
 namespace {
 
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
-
 /// A row of samples scaled from the display range (low, high).
 Bytes Scaled(uint32_t low, uint32_t high, const std::vector<uint32_t>& samples)
 {

@@ -15,8 +15,6 @@ using namespace Tav::Imaging::RawImage;
 
 namespace {
 
-using Lines = std::vector<std::string>;
-
 const Lines silence = {};
 const Lines zeroRange = {"[Lumora] The found dynamic range is zero"};
 const Lines wideRange = {"[Lumora] The found dynamic range is larger than 64k"};

@@ -14,9 +14,6 @@ using namespace Tav::Imaging::RawImage;
 
 namespace {
 
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
-
 const std::string bigEndian = "[Lumora] Big endian byte ordering";
 const std::string zeroRange = "[Lumora] The found dynamic range is zero";
 const std::string tooWideRange = "[Lumora] The dynamic range is too high for calculating the exact histogram";

@@ -13,9 +13,6 @@ using namespace Tav::Imaging::RawImage;
 
 namespace {
 
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
-
 const std::string bigEndian = "[Lumora] Big endian byte ordering";
 const std::string zeroRange = "[Lumora] The found dynamic range is zero";
 const std::string wideRange = "[Lumora] The found dynamic range is larger than 64k";

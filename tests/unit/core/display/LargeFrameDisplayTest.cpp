@@ -15,9 +15,6 @@ using namespace Tav::Imaging::RawImage;
 
 namespace {
 
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
-
 constexpr uint32_t value = 500000;
 
 /// One sample in `period` has the value; one is far above it, where no larger step than 1 finds it; the

@@ -14,11 +14,9 @@ using namespace Tav::Imaging::RawImage;
 
 namespace {
 
-using Lines = std::vector<std::string>;
-
 TEST(GetStreamSize, GivesTheSizeThatTheStreamTells)
 {
-    TestStream stream{std::vector<uint8_t>(7)};
+    TestStream stream{Bytes(7)};
     uint64_t size = 0;
     EXPECT_TRUE(GetStreamSize(&stream, &size));
     EXPECT_EQ(size, 7U);
@@ -34,7 +32,7 @@ TEST(GetStreamSize, GivesTheSizeThatTheStreamTells)
 TEST(GetStreamSize, FailsWithoutAStreamOrItsAnswer)
 {
     DiagnosticLines diagnostics;
-    TestStream stream{std::vector<uint8_t>(7), {.failStatAt = 1}};
+    TestStream stream{Bytes(7), {.failStatAt = 1}};
     uint64_t size = 99;
     EXPECT_FALSE(GetStreamSize(nullptr, &size));
     EXPECT_FALSE(GetStreamSize(&stream, &size));

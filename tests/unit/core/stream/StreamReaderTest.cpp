@@ -15,8 +15,6 @@ using namespace Tav::Imaging::RawImage;
 
 namespace {
 
-using Bytes = std::vector<uint8_t>;
-
 constexpr uint64_t windowBytes = 0x400000;
 static_assert(StreamReader::maximumWindowBytes == windowBytes);
 static_assert(std::has_virtual_destructor_v<StreamReader>);
@@ -57,7 +55,7 @@ void ExpectConstructionThrows(IStream* stream, const char* words)
         EXPECT_EQ(typeid(error), typeid(Error));
         EXPECT_STREQ(error.what(), words);
     }
-    EXPECT_EQ(diagnostics.Take(), std::vector<std::string>{});
+    EXPECT_EQ(diagnostics.Take(), Lines{});
 }
 
 TEST(StreamReader, ReadsASmallStreamWholeAtOnce)

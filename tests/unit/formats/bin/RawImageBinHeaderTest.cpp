@@ -1,6 +1,7 @@
 #include "formats/bin/RawImageBin.h"
+#include "support/FileFacts.h"
 #include "support/files/BinFile.h"
-#include "support/streams/FileRead.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,8 +10,6 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
 using BinRead = FileRead<RawImageBin>;
 
 namespace {
@@ -19,46 +18,6 @@ const std::string wrongType = "[Lumora] BIN: Unsupported pixel type";
 const std::string wrongIndex = "[Lumora] BIN: Invalid frame index";
 const std::string wrongFileSize =
     "[Lumora] BIN: File size does not match with the image properties in the header";
-const std::string wrongSize = "[Lumora] Invalid resolution";
-
-TEST(BinReader, FillsInTheFactsOfAFileWithAShortHeader)
-{
-    const BinRead read{BinFile().Size(100, 50).Samples(2, Bytes(10000)).Build(), 0};
-
-    EXPECT_TRUE(read.succeeded);
-    EXPECT_EQ(read.reader.fileType, FileType::Bin);
-    EXPECT_EQ(read.reader.byteOrder, ByteOrder::LittleEndian);
-    EXPECT_EQ(read.reader.readMode, 0U);
-    EXPECT_EQ(read.reader.pixelType, PixelType::UInt16);
-    EXPECT_FALSE(read.reader.flipVertical);
-    EXPECT_EQ(read.reader.software, L"");
-    EXPECT_EQ(read.reader.formatDetails, L"");
-    EXPECT_EQ(read.reader.width, 100U);
-    EXPECT_EQ(read.reader.height, 50U);
-    EXPECT_EQ(read.reader.frameCount, 1U);
-    EXPECT_EQ(read.reader.xStride, 0U);
-    EXPECT_EQ(read.reader.yStride, 0U);
-    EXPECT_THAT(read.reader.displayPixels, IsEmpty());
-    EXPECT_THAT(read.lines, IsEmpty());
-}
-
-TEST(BinReader, FillsInTheFactsOfAFileThatTellsItsHeadersLength)
-{
-    const BinRead read{BinFile().Size(100, 50).HeaderLength(16).Samples(2, Bytes(10000)).Build(), 0};
-
-    EXPECT_TRUE(read.succeeded);
-    EXPECT_EQ(read.reader.fileType, FileType::BinWithDataOffset);
-    EXPECT_EQ(read.reader.byteOrder, ByteOrder::LittleEndian);
-    EXPECT_EQ(read.reader.pixelType, PixelType::UInt16);
-    EXPECT_FALSE(read.reader.flipVertical);
-    EXPECT_EQ(read.reader.software, L"");
-    EXPECT_EQ(read.reader.formatDetails, L"");
-    EXPECT_EQ(read.reader.width, 100U);
-    EXPECT_EQ(read.reader.height, 50U);
-    EXPECT_EQ(read.reader.frameCount, 1U);
-    EXPECT_THAT(read.reader.displayPixels, IsEmpty());
-    EXPECT_THAT(read.lines, IsEmpty());
-}
 
 TEST(BinReader, IsChosenByAPlausibleTypeAndSize)
 {
@@ -92,72 +51,36 @@ TEST(BinReader, IsChosenByAPlausibleTypeAndSize)
     }
 }
 
-TEST(BinReader, KeepsTheReadModeAsGivenAndReadsPixelsUnlessItIsZero)
-{
-    for (const uint32_t mode : {0U, 1U, 2U, 0xFFFFFFFFU})
-    {
-        const BinRead read{BinFile().Size(4, 1).Samples(1, {0, 1, 2, 255}).Build(), mode};
-        EXPECT_TRUE(read.succeeded) << mode;
-        EXPECT_EQ(read.reader.readMode, mode);
-        EXPECT_EQ(read.reader.displayPixels.size(), mode == 0 ? 0U : 4U) << mode;
-    }
-}
-
 TEST(BinReader, RefusesEveryOtherTypeBeforeItLooksFurther)
 {
     constexpr uint16_t types[] = {0, 9, 10, 11, 16, 255, 256, 257, 0x0801, 0x8001, 0xFFFF};
     for (const uint16_t type : types)
         for (const size_t samples : {size_t{4}, size_t{5}, size_t{40}})
             for (const uint32_t frameIndex : {0U, 1U})
-                for (const uint32_t mode : {0U, 1U})
-                {
-                    const BinRead read{BinFile().Size(4, 1).Samples(type, Bytes(samples)).Build(), mode,
-                                       frameIndex};
-                    EXPECT_FALSE(read.succeeded) << type;
-                    EXPECT_THAT(read.lines, ElementsAre(wrongType)) << type;
-                    EXPECT_EQ(read.reader.fileType, FileType::Bin) << type;
-                    EXPECT_EQ(read.reader.pixelType, PixelType::Unknown) << type;
-                    EXPECT_EQ(read.reader.width, 0U) << type;
-                    EXPECT_EQ(read.reader.frameCount, 0U) << type;
-                }
+                ExpectRefusal<RawImageBin>(BinFile().Size(4, 1).Samples(type, Bytes(samples)).Build(),
+                                           {wrongType}, type, HasFacts({.fileType = FileType::Bin}),
+                                           frameIndex);
 }
 
 TEST(BinReader, HoldsASingleFrame)
 {
-    for (const uint32_t mode : {0U, 1U})
-        for (const uint32_t frameIndex : {1U, 2U, 0x80000000U, 0xFFFFFFFFU})
-            for (const size_t samples : {size_t{4}, size_t{8}, size_t{400}})
-            {
-                const BinRead read{BinFile().Size(4, 1).Samples(1, Bytes(samples)).Build(), mode, frameIndex};
-                EXPECT_FALSE(read.succeeded);
-                EXPECT_THAT(read.lines, ElementsAre(wrongIndex));
-                EXPECT_EQ(read.reader.width, 4U);
-                EXPECT_EQ(read.reader.height, 1U);
-                EXPECT_EQ(read.reader.frameCount, 1U);
-                EXPECT_EQ(read.reader.pixelType, PixelType::UInt8);
-                EXPECT_THAT(read.reader.displayPixels, IsEmpty());
-            }
+    for (const uint32_t frameIndex : {1U, 2U, 0x80000000U, 0xFFFFFFFFU})
+        for (const size_t samples : {size_t{4}, size_t{8}, size_t{400}})
+            ExpectRefusal<RawImageBin>(BinFile().Size(4, 1).Samples(1, Bytes(samples)).Build(), {wrongIndex},
+                                       frameIndex, HasFacts({FileType::Bin, PixelType::UInt8, 4, 1, 1}),
+                                       frameIndex);
 }
 
 TEST(BinReader, RefusesAFileThatIsLongerOrShorterThanItsImage)
 {
     for (const bool tellsItsLength : {false, true})
-        for (const int difference : {-4, -1, 0, 1, 4, 10000})
+        for (const int difference : {-4, -1, 1, 4, 10000})
         {
             BinFile bin = BinFile().Size(100, 50).Samples(2, Bytes(static_cast<size_t>(10000 + difference)));
             if (tellsItsLength)
                 bin.HeaderLength(16);
-            for (const uint32_t mode : {0U, 1U})
-            {
-                const BinRead read{bin.Build(), mode};
-                EXPECT_EQ(read.succeeded, difference == 0) << difference;
-                if (difference != 0)
-                {
-                    EXPECT_THAT(read.lines, ElementsAre(wrongFileSize)) << difference;
-                    EXPECT_EQ(read.reader.fileType, FileType::Bin) << difference;
-                    EXPECT_THAT(read.reader.displayPixels, IsEmpty()) << difference;
-                }
-            }
+            ExpectRefusal<RawImageBin>(bin.Build(), {wrongFileSize}, difference,
+                                       HasFacts({FileType::Bin, PixelType::UInt16, 100, 50, 1}));
         }
 }
 
@@ -180,12 +103,8 @@ TEST(BinReader, RefusesASizeThatTheFileDoesNotHave)
         {0x10002, 0x8002},
     };
     for (const auto& [width, height] : sizes)
-        for (const uint32_t mode : {0U, 1U})
-        {
-            const BinRead read{BinFile().Size(width, height).Samples(1, {1, 2, 3, 4}).Build(), mode};
-            EXPECT_FALSE(read.succeeded) << width << " x " << height;
-            EXPECT_THAT(read.lines, ElementsAre(wrongFileSize)) << width << " x " << height;
-        }
+        ExpectRefusal<RawImageBin>(BinFile().Size(width, height).Samples(1, {1, 2, 3, 4}).Build(),
+                                   {wrongFileSize}, testing::Message() << width << " x " << height);
 }
 
 TEST(BinReader, CannotReadImagesOfLessThanFourBytesWithAShortHeader)
@@ -217,21 +136,12 @@ TEST(BinReader, CannotReadImagesOfLessThanFourBytesWithAShortHeader)
 TEST(BinReader, LeavesAnEmptyImageToTheDisplay)
 {
     for (const uint32_t width : {0U, 7U})
-    {
-        const Bytes file = BinFile().Size(width, 0).HeaderLength(20).Build();
-        const BinRead header{file, 0};
-        EXPECT_TRUE(header.succeeded);
-        EXPECT_EQ(header.reader.fileType, FileType::BinWithDataOffset);
-        EXPECT_THAT(header.lines, IsEmpty());
-        const BinRead frame{file, 1};
-        EXPECT_FALSE(frame.succeeded);
-        EXPECT_THAT(frame.lines, ElementsAre(wrongSize));
-    }
-    const Bytes wide = BinFile().Size(65536, 1).Samples(1, Bytes(65536)).Build();
-    EXPECT_TRUE(BinRead(wide, 0).succeeded);
-    const BinRead frame{wide, 1};
-    EXPECT_FALSE(frame.succeeded);
-    EXPECT_THAT(frame.lines, ElementsAre(wrongSize));
+        ExpectFactsWithoutFrame<RawImageBin>(
+            BinFile().Size(width, 0).HeaderLength(20).Build(), 0, invalidResolution,
+            HasFacts({FileType::BinWithDataOffset, PixelType::UInt8, width, 0, 1}));
+    ExpectFactsWithoutFrame<RawImageBin>(BinFile().Size(65536, 1).Samples(1, Bytes(65536)).Build(), 0,
+                                         invalidResolution,
+                                         HasFacts({FileType::Bin, PixelType::UInt8, 65536, 1, 1}));
 }
 
 } // namespace

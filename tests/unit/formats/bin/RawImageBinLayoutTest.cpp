@@ -1,8 +1,9 @@
 #include "formats/bin/RawImageBin.h"
+#include "support/FileFacts.h"
 #include "support/display/ReferenceDisplay.h"
 #include "support/files/BinFile.h"
-#include "support/streams/FileRead.h"
-#include "support/streams/SparseStream.h"
+#include "support/streams/ReaderExpectations.h"
+#include "support/streams/SparseRead.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,15 +12,12 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
 using BinRead = FileRead<RawImageBin>;
 
 namespace {
 
 const std::string wrongFileSize =
     "[Lumora] BIN: File size does not match with the image properties in the header";
-const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
 
 TEST(BinReader, FindsTheSamplesBehindEitherHeader)
 {
@@ -90,40 +88,20 @@ TEST(BinReader, AddsTheHeadersLengthIn64Bits)
     constexpr CoincidenceRow rows[] = {
         {0xFFFFFFFF, 21, 20}, {0xFFFFFFFC, 24, 20}, {0x80000000, 0x80000014, 20}, {0xFFFFFFF6, 30, 20}};
     for (const CoincidenceRow& row : rows)
-        for (const uint32_t mode : {0U, 1U})
-        {
-            ByteWriter file;
-            file.Put(uint16_t{1}).Put(row.width).Put(uint32_t{1}).Put(row.headerLength).PadTo(row.fileBytes);
-            const BinRead read{file.bytes, mode};
-            EXPECT_FALSE(read.succeeded) << row.headerLength;
-            EXPECT_EQ(read.reader.fileType, FileType::Bin) << row.headerLength;
-            EXPECT_THAT(read.lines, ElementsAre(wrongFileSize)) << row.headerLength;
-        }
-}
-
-/// Reads a stream that no vector could hold.
-struct SparseRead
-{
-    SparseRead(uint64_t size, const Bytes& start, uint64_t place, const Bytes& there, uint32_t mode)
-        : stream(size, start, place, there)
     {
-        DiagnosticLines diagnostics;
-        succeeded = reader.Read(&stream, size, mode, 0);
-        lines = diagnostics.Take();
+        ByteWriter file;
+        file.Put(uint16_t{1}).Put(row.width).Put(uint32_t{1}).Put(row.headerLength).PadTo(row.fileBytes);
+        ExpectRefusal<RawImageBin>(file.bytes, {wrongFileSize}, row.headerLength,
+                                   HasFacts({FileType::Bin, PixelType::UInt8, row.width, 1, 1}));
     }
-
-    SparseStream stream;
-    RawImageBin reader;
-    bool succeeded = false;
-    Lines lines;
-};
+}
 
 TEST(BinReader, FindsTheSamplesBehindAHeaderOfAlmost4GiB)
 {
     constexpr uint32_t length = 0xFFFFFFFE;
     ByteWriter header;
     header.Put(uint16_t{1}).Put(uint32_t{4}).Put(uint32_t{1}).Put(length);
-    const SparseRead read{uint64_t{length} + 4, header.bytes, length, {0, 60, 70, 255}, 1};
+    const SparseRead<RawImageBin> read{uint64_t{length} + 4, header.bytes, length, {0, 60, 70, 255}};
     EXPECT_TRUE(read.succeeded);
     EXPECT_EQ(read.reader.fileType, FileType::BinWithDataOffset);
     EXPECT_THAT(read.reader.displayPixels, ElementsAre(0, 60, 70, 255));
@@ -135,33 +113,25 @@ TEST(BinReader, CalculatesTheImagesSizeIn64Bits)
     constexpr uint64_t imageBytes = 34358689800;
     ByteWriter header;
     header.Put(uint16_t{8}).Put(uint32_t{65535}).Put(uint32_t{65535});
-    const SparseRead facts{10 + imageBytes, header.bytes, 0, {}, 0};
+    const SparseRead<RawImageBin> facts{10 + imageBytes, header.bytes, 0, {}, 0};
     EXPECT_TRUE(facts.succeeded);
     EXPECT_EQ(facts.reader.fileType, FileType::Bin);
     EXPECT_EQ(facts.reader.pixelType, PixelType::Double64);
 
     // No frame of 4 GiB is ever read.
-    const SparseRead frame{10 + imageBytes, header.bytes, 0, {}, 1};
+    const SparseRead<RawImageBin> frame{10 + imageBytes, header.bytes, 0, {}, 1};
     EXPECT_FALSE(frame.succeeded);
     EXPECT_THAT(frame.lines, ElementsAre(cannotReadImage));
 
-    const SparseRead cut{10 + (imageBytes & 0xFFFFFFFF), header.bytes, 0, {}, 0};
+    const SparseRead<RawImageBin> cut{10 + (imageBytes & 0xFFFFFFFF), header.bytes, 0, {}, 0};
     EXPECT_FALSE(cut.succeeded);
     EXPECT_THAT(cut.lines, ElementsAre(wrongFileSize));
 }
 
 TEST(BinReader, ReadsNoSamplesForTheFactsOfAFile)
 {
-    const auto bin = BinFile().Size(3000, 2000).Samples(1, Bytes(6000000));
-    const BinRead header{bin.Build(), 0};
-    EXPECT_TRUE(header.succeeded);
-    EXPECT_EQ(header.stream.readCalls, 1U);
-    EXPECT_EQ(header.stream.bytesRead, 0x400000U);
-
-    const BinRead frame{bin.Build(), 1};
-    EXPECT_TRUE(frame.succeeded);
-    EXPECT_EQ(frame.stream.readCalls, 2U);
-    EXPECT_EQ(frame.stream.bytesRead, 0x400000U + 6000000U);
+    ExpectReadsOfOneWindow<RawImageBin>(BinFile().Size(3000, 2000).Samples(1, Bytes(6000000)).Build(), 0,
+                                        6000000);
 }
 
 } // namespace

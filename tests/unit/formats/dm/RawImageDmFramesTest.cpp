@@ -1,14 +1,11 @@
 #include "support/DmReaderTest.h"
-#include "support/streams/SparseStream.h"
+#include "support/streams/ReaderExpectations.h"
+#include "support/streams/SparseRead.h"
 
 #include <gmock/gmock.h>
 
 using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
-using testing::IsEmpty;
-
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
 
 namespace {
 
@@ -102,15 +99,8 @@ TYPED_TEST(DmReader, SetsAsideAThumbnailThatIsTheFirstOfSeveralImages)
                 EXPECT_EQ(read.reader.displayPixels, mode == 0 ? Bytes{} : row.frames[i].picture) << i;
             }
         for (const uint32_t i : {frameCount, frameCount + 1, 0x80000000U, 0xFFFFFFFFU})
-            for (const uint32_t mode : {0U, 1U})
-            {
-                const FileRead<TypeParam> read{file, mode, i};
-                EXPECT_FALSE(read.succeeded) << i;
-                EXPECT_THAT(read.lines, ElementsAre(this->Line("No images found"))) << i;
-                EXPECT_EQ(read.reader.frameCount, 0U) << i;
-                EXPECT_EQ(read.reader.width, 0U) << i;
-                EXPECT_THAT(read.reader.displayPixels, IsEmpty()) << i;
-            }
+            ExpectRefusal<TypeParam>(file, {this->Line("No images found")}, i, HasFacts(DmFacts<TypeParam>()),
+                                     i);
     }
 }
 
@@ -121,9 +111,7 @@ TYPED_TEST(DmReader, ShowsEveryFrameOfAStack)
     {
         const FileRead<TypeParam> read{file, 1, i};
         EXPECT_TRUE(read.succeeded) << +i;
-        EXPECT_EQ(read.reader.frameCount, 10U) << +i;
-        EXPECT_EQ(read.reader.width, 3U) << +i;
-        EXPECT_EQ(read.reader.height, 1U) << +i;
+        EXPECT_THAT(read.reader, HasFacts(DmFacts<TypeParam>(PixelType::UInt16, 3, 1, 10))) << +i;
         EXPECT_THAT(read.reader.displayPixels, ElementsAre(0, 50 + i, 255));
         EXPECT_EQ(read.lines, i == 0 ? Lines{thumbnailIgnored} : Lines{}) << +i;
     }
@@ -152,13 +140,8 @@ TYPED_TEST(DmReader, SaysWhenAFrameIsNotInTheStream)
     // Frames of 6 bytes in a file of little more than 20000.
     const Bytes file = this->FileOf({Stack(NumberedImage(50), 0xFFFFFFFF)});
     for (const uint32_t i : {4000U, 100000U, 0x10000000U})
-    {
-        EXPECT_TRUE(FileRead<TypeParam>(file, 0, i).succeeded) << i;
-        const FileRead<TypeParam> read{file, 1, i};
-        EXPECT_FALSE(read.succeeded) << i;
-        EXPECT_THAT(read.lines, ElementsAre("[Lumora] Failed to read the image data into memory")) << i;
-        EXPECT_EQ(read.reader.frameCount, 0xFFFFFFFFU) << i;
-    }
+        ExpectFactsWithoutFrame<TypeParam>(file, i, cannotReadImage,
+                                           HasFacts(DmFacts<TypeParam>(PixelType::UInt16, 3, 1, 0xFFFFFFFF)));
 }
 
 // Both the frame's size and its distance from the first frame have 32 bits, so the frames of a large stack
@@ -209,7 +192,7 @@ TYPED_TEST(DmReader, StepsFromFrameToFrameIn32Bits)
         EXPECT_EQ(read.succeeded, row.distance < 20000);
         if (row.distance >= 20000)
         {
-            EXPECT_THAT(read.lines, ElementsAre("[Lumora] Failed to read the image data into memory"));
+            EXPECT_THAT(read.lines, ElementsAre(cannotReadImage));
             continue;
         }
         // The same picture as that of an image whose data begin there.
@@ -261,13 +244,10 @@ TEST(Dm3Reader, FindsAnImageBeyond32Bits)
     const uint64_t imageBegin = arrayBegin + 0xFFFFFFFF;
     const uint64_t streamSize = imageBegin + image.size();
 
-    SparseStream stream{streamSize, start, imageBegin, image};
-    RawImageDm3 reader;
-    DiagnosticLines diagnostics;
-    EXPECT_TRUE(reader.Read(&stream, streamSize, 1, 0));
-    EXPECT_THAT(diagnostics.Take(), ElementsAre(noThumbnail));
-    EXPECT_THAT(reader.displayPixels, ElementsAre(0, 7, 255));
-    EXPECT_EQ(stream.references, 0U);
+    const SparseRead<RawImageDm3> read{streamSize, start, imageBegin, image};
+    EXPECT_TRUE(read.succeeded);
+    EXPECT_THAT(read.lines, ElementsAre(noThumbnail));
+    EXPECT_THAT(read.reader.displayPixels, ElementsAre(0, 7, 255));
 }
 
 } // namespace

@@ -1,22 +1,19 @@
 #include "support/DmReaderTest.h"
-#include "support/streams/SparseStream.h"
+#include "support/FileFacts.h"
+#include "support/streams/DamagedFile.h"
+#include "support/streams/ReaderExpectations.h"
+#include "support/streams/SparseRead.h"
 
 #include <gmock/gmock.h>
 
 #include <optional>
-#include <stdexcept>
 
 using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
-using testing::IsEmpty;
-
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
 
 namespace {
 
 const std::string noThumbnail = "[Lumora] DM: No thumbnail image found";
-const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
 
 /// A file of version 3 in every byte: one image of 3 x 1 samples of 16 bits. Its array has 2^30 + 2 elements
 /// of 4 bytes, which are 8 bytes in 32 bits.
@@ -85,75 +82,26 @@ TYPED_TEST(DmReader, ReadsAFileWrittenByHand)
     EXPECT_THAT(open.lines, ElementsAre(noThumbnail));
 }
 
-TYPED_TEST(DmReader, FillsInTheFactsOfAFile)
-{
-    DmImage image = NumberedImage(7);
-    image.width = 0x0102;
-    image.height = 3;
-    const FileRead<TypeParam> read{this->FileOf({image}), 0};
-
-    EXPECT_TRUE(read.succeeded);
-    EXPECT_EQ(read.reader.fileType, this->layout.version == 4 ? FileType::Dm4 : FileType::Dm3);
-    EXPECT_EQ(read.reader.byteOrder, ByteOrder::LittleEndian);
-    EXPECT_EQ(read.reader.readMode, 0U);
-    EXPECT_EQ(read.reader.pixelType, PixelType::UInt16);
-    EXPECT_FALSE(read.reader.flipVertical);
-    EXPECT_EQ(read.reader.software, L"Gatan Digital Micrograph");
-    EXPECT_EQ(read.reader.formatDetails, L"");
-    EXPECT_EQ(read.reader.width, 258U);
-    EXPECT_EQ(read.reader.height, 3U);
-    EXPECT_EQ(read.reader.frameCount, 1U);
-    EXPECT_EQ(read.reader.xStride, 0U);
-    EXPECT_EQ(read.reader.yStride, 0U);
-    EXPECT_THAT(read.reader.displayPixels, IsEmpty());
-    EXPECT_THAT(read.lines, ElementsAre(noThumbnail));
-}
-
-TYPED_TEST(DmReader, KeepsTheReadModeAsGivenAndReadsPixelsUnlessItIsZero)
-{
-    for (const uint32_t mode : {0U, 1U, 2U, 0xFFFFFFFFU})
-    {
-        const FileRead<TypeParam> read{this->FileOf({NumberedImage(7)}), mode};
-        EXPECT_TRUE(read.succeeded) << mode;
-        EXPECT_EQ(read.reader.readMode, mode);
-        EXPECT_EQ(read.reader.displayPixels, mode == 0 ? Bytes{} : Bytes({0, 7, 255})) << mode;
-        EXPECT_THAT(read.lines, ElementsAre(noThumbnail)) << mode;
-    }
-}
-
-/// Expects that the file is refused with the line before anything is known of an image, in both read modes.
+/// Expects that the file is refused before anything is known of an image.
 template <typename Reader>
-void ExpectRefusal(const Bytes& file, const Lines& lines, size_t place)
+void ExpectRefusedHeader(const Bytes& file, const Lines& lines, size_t what)
 {
-    for (const uint32_t mode : {0U, 1U})
-    {
-        const FileRead<Reader> read{file, mode};
-        EXPECT_FALSE(read.succeeded) << place;
-        EXPECT_EQ(read.lines, lines) << place;
-        EXPECT_NE(read.reader.fileType, FileType::None) << place;
-        EXPECT_EQ(read.reader.readMode, mode) << place;
-        EXPECT_EQ(read.reader.software, L"Gatan Digital Micrograph") << place;
-        EXPECT_EQ(read.reader.pixelType, PixelType::Unknown) << place;
-        EXPECT_EQ(read.reader.width, 0U) << place;
-        EXPECT_EQ(read.reader.height, 0U) << place;
-        EXPECT_EQ(read.reader.frameCount, 0U) << place;
-        EXPECT_THAT(read.reader.displayPixels, IsEmpty()) << place;
-    }
+    ExpectRefusal<Reader>(file, lines, what, HasFacts(DmFacts<Reader>()));
 }
 
 TYPED_TEST(DmReader, RefusesEveryOtherVersion)
 {
     for (const uint32_t version :
          {0U, 1U, 2U, 7U - this->layout.version, 5U, 0x103U, 0x104U, 0x03000000U, 0x04000000U, 0xFFFFFFFFU})
-        ExpectRefusal<TypeParam>(this->File(HandWrittenTags(this->layout)).Version(version).Build(),
-                                 {this->Line("Invalid version number")}, version);
+        ExpectRefusedHeader<TypeParam>(this->File(HandWrittenTags(this->layout)).Version(version).Build(),
+                                       {this->Line("Invalid version number")}, version);
 }
 
 TYPED_TEST(DmReader, RefusesBigEndianValuesAndTakesEveryOtherByteOrderWordForLittleEndian)
 {
     DmFile file = this->File(HandWrittenTags(this->layout));
-    ExpectRefusal<TypeParam>(file.ByteOrderWord(0).Build(),
-                             {this->Line("Big endian byte ordering for data is not supported")}, 0);
+    ExpectRefusedHeader<TypeParam>(file.ByteOrderWord(0).Build(),
+                                   {this->Line("Big endian byte ordering for data is not supported")}, 0);
     for (const uint32_t word : {1U, 2U, 0x100U, 0x01000000U, 0x80000000U, 0xFFFFFFFFU})
     {
         const FileRead<TypeParam> read{file.ByteOrderWord(word).Build()};
@@ -166,8 +114,8 @@ TYPED_TEST(DmReader, RefusesBigEndianValuesAndTakesEveryOtherByteOrderWordForLit
 TYPED_TEST(DmReader, ReportsTheFirstOfSeveralFaultsOfTheHeader)
 {
     DmFile file = this->File(HandWrittenTags(this->layout)).ByteOrderWord(0).ClaimRootBytes(0);
-    ExpectRefusal<TypeParam>(file.Build(), {this->Line("Invalid checksum (number of bytes)")}, 0);
-    ExpectRefusal<TypeParam>(file.Version(0).Build(), {this->Line("Invalid version number")}, 0);
+    ExpectRefusedHeader<TypeParam>(file.Build(), {this->Line("Invalid checksum (number of bytes)")}, 0);
+    ExpectRefusedHeader<TypeParam>(file.Version(0).Build(), {this->Line("Invalid version number")}, 0);
 }
 
 TEST(Dm3Reader, TakesARootGroupOfAnySizeUpToTheWholeStream)
@@ -179,7 +127,7 @@ TEST(Dm3Reader, TakesARootGroupOfAnySizeUpToTheWholeStream)
     for (const uint32_t size : {1U, 124U, 125U, 126U, 144U, 145U})
         EXPECT_TRUE(FileRead<RawImageDm3>(file.ClaimRootBytes(size).Build()).succeeded) << size;
     for (const uint32_t size : {0U, 146U, 0x80000000U, 0xFFFFFFFFU})
-        ExpectRefusal<RawImageDm3>(file.ClaimRootBytes(size).Build(), invalid, size);
+        ExpectRefusedHeader<RawImageDm3>(file.ClaimRootBytes(size).Build(), invalid, size);
 }
 
 TEST(Dm4Reader, TakesOnlyTheExactSizeOfTheRootGroup)
@@ -189,7 +137,7 @@ TEST(Dm4Reader, TakesOnlyTheExactSizeOfTheRootGroup)
     ASSERT_EQ(file.Build().size(), 213U + 24U);
     EXPECT_TRUE(FileRead<RawImageDm4>(file.ClaimRootBytes(213).Build()).succeeded);
     for (const uint32_t size : {0U, 1U, 212U, 214U, 237U, 0x80000000U + 213, 0xFFFFFFFFU})
-        ExpectRefusal<RawImageDm4>(file.ClaimRootBytes(size).Build(), invalid, size);
+        ExpectRefusedHeader<RawImageDm4>(file.ClaimRootBytes(size).Build(), invalid, size);
 }
 
 TEST(Dm4Reader, UsesTheLowerHalvesOfWideFieldsOnly)
@@ -216,12 +164,9 @@ template <typename Reader>
 void ExpectOfHugeStream(uint64_t streamSize, Bytes file, const Lines& lines)
 {
     file.insert(file.end(), 32, 0xEE);
-    SparseStream stream{streamSize, file, 0, {}};
-    Reader reader;
-    DiagnosticLines diagnostics;
-    EXPECT_EQ(reader.Read(&stream, streamSize, 0, 0), lines == Lines{noThumbnail}) << streamSize;
-    EXPECT_EQ(diagnostics.Take(), lines) << streamSize;
-    EXPECT_EQ(stream.references, 0U);
+    const SparseRead<Reader> read{streamSize, file, 0, {}, 0};
+    EXPECT_EQ(read.succeeded, lines == Lines{noThumbnail}) << streamSize;
+    EXPECT_EQ(read.lines, lines) << streamSize;
 }
 
 TEST(Dm3Reader, TakesARootGroupOfAnySizeInAStreamOfMoreThan32Bits)
@@ -273,8 +218,7 @@ TEST(Dm3Reader, RefusesAHeaderThatIsCutSilently)
     };
     for (const HeaderLengthRow& row : rows)
         for (size_t length = row.first; length <= row.last; ++length)
-            ExpectRefusal<RawImageDm3>({whole.begin(), whole.begin() + static_cast<ptrdiff_t>(length)},
-                                       row.lines, length);
+            ExpectRefusedHeader<RawImageDm3>(FirstBytes(whole, length), row.lines, length);
 }
 
 TEST(Dm4Reader, RefusesAHeaderThatIsCut)
@@ -289,56 +233,14 @@ TEST(Dm4Reader, RefusesAHeaderThatIsCut)
     };
     for (const HeaderLengthRow& row : rows)
         for (size_t length = row.first; length <= row.last; ++length)
-            ExpectRefusal<RawImageDm4>({whole.begin(), whole.begin() + static_cast<ptrdiff_t>(length)},
-                                       row.lines, length);
+            ExpectRefusedHeader<RawImageDm4>(FirstBytes(whole, length), row.lines, length);
 }
 
 TYPED_TEST(DmReader, ReportsAWrongVersionAsSoonAsItsWordIsThere)
 {
     for (size_t length = 0; length <= 24; ++length)
-        ExpectRefusal<TypeParam>(Bytes(length, 7),
-                                 length < 4 ? Lines{} : Lines{this->Line("Invalid version number")}, length);
-}
-
-TYPED_TEST(DmReader, PassesOnWhatKeepsAStreamFromBeingRead)
-{
-    TypeParam withoutStream;
-    EXPECT_THROW((void)withoutStream.Read(nullptr, 2048, 0, 0), std::invalid_argument);
-    EXPECT_NE(withoutStream.fileType, FileType::None);
-    EXPECT_EQ(withoutStream.readMode, 0U);
-    EXPECT_EQ(withoutStream.software, L"Gatan Digital Micrograph");
-
-    const Bytes file = this->FileOf({SmallNumberedImage(7)});
-    for (const StreamFaults& faults :
-         {StreamFaults{.failStatAt = 1}, StreamFaults{.failSeekAt = 1}, StreamFaults{.failReadAt = 1},
-          StreamFaults{.longestRead = 100}, StreamFaults{.reportedSize = 2048}})
-    {
-        TestStream stream{file, faults};
-        TypeParam reader;
-        EXPECT_THROW((void)reader.Read(&stream, file.size(), 1, 0), std::runtime_error);
-        EXPECT_EQ(stream.references, 0U);
-    }
-}
-
-TYPED_TEST(DmReader, SaysWhenTheFrameCannotBeRead)
-{
-    const Bytes file = this->FileOf({SmallNumberedImage(7)});
-    for (const StreamFaults& faults :
-         {StreamFaults{.failStatAt = 2}, StreamFaults{.failSeekAt = 2}, StreamFaults{.failReadAt = 2}})
-    {
-        const FileRead<TypeParam> read{file, 1, 0, faults};
-        EXPECT_FALSE(read.succeeded);
-        EXPECT_THAT(read.lines, ElementsAre(noThumbnail, cannotReadImage));
-        EXPECT_EQ(read.reader.pixelType, PixelType::UInt16);
-        EXPECT_EQ(read.reader.width, 3U);
-        EXPECT_EQ(read.reader.height, 1U);
-        EXPECT_EQ(read.reader.frameCount, 1U);
-        EXPECT_THAT(read.reader.displayPixels, IsEmpty());
-
-        const FileRead<TypeParam> header{file, 0, 0, faults};
-        EXPECT_TRUE(header.succeeded);
-        EXPECT_THAT(header.lines, ElementsAre(noThumbnail));
-    }
+        ExpectRefusedHeader<TypeParam>(
+            Bytes(length, 7), length < 4 ? Lines{} : Lines{this->Line("Invalid version number")}, length);
 }
 
 } // namespace

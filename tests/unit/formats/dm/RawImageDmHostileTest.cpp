@@ -9,8 +9,6 @@
 using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 
-using Bytes = std::vector<uint8_t>;
-
 namespace {
 
 constexpr uint64_t windowBytes = 0x400000;

@@ -73,82 +73,83 @@ TYPED_TEST(DmReader, TakesAnUnsignedValueBehindItsLabelAsTheTypeOfTheSamples)
         ExpectFound<TypeParam>(this->layout, row);
 }
 
+const SearchRow dimensionRows[] = {
+    {"one", [](TagList& list) { list.Data(10).DataType(10).Dimensions(3).Unsigned("a", 1); }, {}},
+    {"one at the end", [](TagList& list) { list.Data(10).DataType(10).Dimensions(3); }, {}},
+    {"none", [](TagList& list) { list.Data(10).DataType(10).Dimensions(); }, {}},
+    {"one, and a value behind the group",
+     [](TagList& list) { list.Data(10).DataType(10).Dimensions(3).Unsigned("", 1); },
+     {{uint16, 3, 1, 10}}},
+    {"values without a group",
+     [](TagList& list) { list.Data(10).DataType(10).Unsigned("Dimensions", 3).Unsigned("", 1); },
+     {{uint16, 3, 1, 10}}},
+    {"three",
+     [](TagList& list) { list.Data(10).DataType(10).Dimensions(3, 1, 2); },
+     {{uint16, 3, 1, 10}, {uint16, 3, 1, 11}}},
+    {"two, and a value behind the group",
+     [](TagList& list) { list.Data(10).DataType(10).Dimensions(3, 1).Unsigned("", 2); },
+     {{uint16, 3, 1, 10}, {uint16, 3, 1, 11}}},
+    {"two, and a labelled value behind the group",
+     [](TagList& list) { list.Data(10).DataType(10).Dimensions(3, 1).Unsigned("PixelDepth", 2); },
+     {{uint16, 3, 1, 10}}},
+    {"four",
+     [](TagList& list) { list.Data(10).DataType(10).Dimensions(3, 1, 2, 5); },
+     {{uint16, 3, 1, 10}, {uint16, 3, 1, 11}}},
+    {"the first one with a label",
+     [](TagList& list) {
+         const DmTags labelled = list.NewGroup().UInt32("x", 3).UInt32("", 1).UInt32("", 2);
+         list.Data(10).DataType(10).Group("Dimensions", labelled);
+     },
+     {}},
+    {"the second one with a label",
+     [](TagList& list) {
+         const DmTags labelled = list.NewGroup().UInt32("", 3).UInt32("y", 1);
+         list.Data(10).DataType(10).Group("Dimensions", labelled);
+     },
+     {}},
+    {"the third one with a label",
+     [](TagList& list) {
+         const DmTags labelled = list.NewGroup().UInt32("", 3).UInt32("", 1).UInt32("z", 2);
+         list.Data(10).DataType(10).Group("Dimensions", labelled);
+     },
+     {{uint16, 3, 1, 10}}},
+    {"signed ones",
+     [](TagList& list) { list.Data(10).DataType(10).Signed("Dimensions", 3).Signed("", 1); },
+     {}},
+    {"a signed one between, which is not kept",
+     [](TagList& list) {
+         list.Data(10).DataType(10).Unsigned("Dimensions", 3).Signed("", 7).Text("").Unsigned("", 1);
+     },
+     {{uint16, 3, 1, 10}}},
+    {"a large array between the first and the second",
+     [](TagList& list) {
+         list.Data(10).DataType(10).Unsigned("Dimensions", 3);
+         list.tags.Array("", DmType::uint16, 10000, NumberedSamples(50));
+         list.Unsigned("", 1).Text("Name");
+     },
+     {}},
+    {"a large array between the second and the third, which is too late to be the data",
+     [](TagList& list) {
+         list.Data(10).DataType(10).Dimensions(3, 1);
+         list.tags.Array("", DmType::uint16, 10000, NumberedSamples(50));
+         list.Unsigned("", 2);
+     },
+     {{uint16, 3, 1, 10}}},
+    {"dimensions twice, of which the latter count",
+     [](TagList& list) { list.Data(10).Dimensions(9, 9, 2).Dimensions(3, 1).DataType(10); },
+     {{uint16, 3, 1, 10}}},
+    {"a single dimension does not undo two",
+     [](TagList& list) { list.Data(10).Dimensions(3, 1, 2).Dimensions(9).Text("Name").DataType(10); },
+     {{uint16, 3, 1, 10}, {uint16, 3, 1, 11}}},
+    {"no frames", [](TagList& list) { list.Data(10).DataType(10).Dimensions(3, 1, 0); }, {}},
+    {"an image of no frames is done with all the same",
+     [](TagList& list) { list.Data(10).DataType(10).Dimensions(3, 1, 0).DataType(10).Dimensions(3, 1); },
+     {}},
+};
+
 TYPED_TEST(DmReader, TakesTwoOrThreeUnsignedValuesBehindTheirLabelAsTheDimensions)
 {
-    const SearchRow rows[] = {
-        {"one", [](TagList& list) { list.Data(10).DataType(10).Dimensions(3).Unsigned("a", 1); }, {}},
-        {"one at the end", [](TagList& list) { list.Data(10).DataType(10).Dimensions(3); }, {}},
-        {"none", [](TagList& list) { list.Data(10).DataType(10).Dimensions(); }, {}},
-        {"one, and a value behind the group",
-         [](TagList& list) { list.Data(10).DataType(10).Dimensions(3).Unsigned("", 1); },
-         {{uint16, 3, 1, 10}}},
-        {"values without a group",
-         [](TagList& list) { list.Data(10).DataType(10).Unsigned("Dimensions", 3).Unsigned("", 1); },
-         {{uint16, 3, 1, 10}}},
-        {"three",
-         [](TagList& list) { list.Data(10).DataType(10).Dimensions(3, 1, 2); },
-         {{uint16, 3, 1, 10}, {uint16, 3, 1, 11}}},
-        {"two, and a value behind the group",
-         [](TagList& list) { list.Data(10).DataType(10).Dimensions(3, 1).Unsigned("", 2); },
-         {{uint16, 3, 1, 10}, {uint16, 3, 1, 11}}},
-        {"two, and a labelled value behind the group",
-         [](TagList& list) { list.Data(10).DataType(10).Dimensions(3, 1).Unsigned("PixelDepth", 2); },
-         {{uint16, 3, 1, 10}}},
-        {"four",
-         [](TagList& list) { list.Data(10).DataType(10).Dimensions(3, 1, 2, 5); },
-         {{uint16, 3, 1, 10}, {uint16, 3, 1, 11}}},
-        {"the first one with a label",
-         [](TagList& list) {
-             const DmTags labelled = list.NewGroup().UInt32("x", 3).UInt32("", 1).UInt32("", 2);
-             list.Data(10).DataType(10).Group("Dimensions", labelled);
-         },
-         {}},
-        {"the second one with a label",
-         [](TagList& list) {
-             const DmTags labelled = list.NewGroup().UInt32("", 3).UInt32("y", 1);
-             list.Data(10).DataType(10).Group("Dimensions", labelled);
-         },
-         {}},
-        {"the third one with a label",
-         [](TagList& list) {
-             const DmTags labelled = list.NewGroup().UInt32("", 3).UInt32("", 1).UInt32("z", 2);
-             list.Data(10).DataType(10).Group("Dimensions", labelled);
-         },
-         {{uint16, 3, 1, 10}}},
-        {"signed ones",
-         [](TagList& list) { list.Data(10).DataType(10).Signed("Dimensions", 3).Signed("", 1); },
-         {}},
-        {"a signed one between, which is not kept",
-         [](TagList& list) {
-             list.Data(10).DataType(10).Unsigned("Dimensions", 3).Signed("", 7).Text("").Unsigned("", 1);
-         },
-         {{uint16, 3, 1, 10}}},
-        {"a large array between the first and the second",
-         [](TagList& list) {
-             list.Data(10).DataType(10).Unsigned("Dimensions", 3);
-             list.tags.Array("", DmType::uint16, 10000, NumberedSamples(50));
-             list.Unsigned("", 1).Text("Name");
-         },
-         {}},
-        {"a large array between the second and the third, which is too late to be the data",
-         [](TagList& list) {
-             list.Data(10).DataType(10).Dimensions(3, 1);
-             list.tags.Array("", DmType::uint16, 10000, NumberedSamples(50));
-             list.Unsigned("", 2);
-         },
-         {{uint16, 3, 1, 10}}},
-        {"dimensions twice, of which the latter count",
-         [](TagList& list) { list.Data(10).Dimensions(9, 9, 2).Dimensions(3, 1).DataType(10); },
-         {{uint16, 3, 1, 10}}},
-        {"a single dimension does not undo two",
-         [](TagList& list) { list.Data(10).Dimensions(3, 1, 2).Dimensions(9).Text("Name").DataType(10); },
-         {{uint16, 3, 1, 10}, {uint16, 3, 1, 11}}},
-        {"no frames", [](TagList& list) { list.Data(10).DataType(10).Dimensions(3, 1, 0); }, {}},
-        {"an image of no frames is done with all the same",
-         [](TagList& list) { list.Data(10).DataType(10).Dimensions(3, 1, 0).DataType(10).Dimensions(3, 1); },
-         {}},
-    };
-    for (const SearchRow& row : rows)
+    for (const SearchRow& row : dimensionRows)
         ExpectFound<TypeParam>(this->layout, row);
 }
 

@@ -1,6 +1,9 @@
 #include "support/DmReaderTest.h"
+#include "support/FileFacts.h"
+#include "support/display/FourSamples.h"
 #include "support/display/ReferenceDisplay.h"
 #include "support/display/VariedSamples.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include <gmock/gmock.h>
 
@@ -10,9 +13,6 @@
 using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
 
 namespace {
 
@@ -52,6 +52,7 @@ TYPED_TEST(DmReader, ShowsEveryTypeOfSamples)
                             .elementCount = 20000,
                             .samples = VariedSamples(row.pixelType, 20000)};
         const bool isColour = row.pixelType == PixelType::RGBA32;
+        const FileFacts facts = DmFacts<TypeParam>(row.pixelType, 125, 80, 3);
         const Bytes file = this->FileOf({SmallNumberedImage(1), image});
         for (const uint32_t i : {0U, 1U})
         {
@@ -65,77 +66,37 @@ TYPED_TEST(DmReader, ShowsEveryTypeOfSamples)
             // The first image of the file is another one.
             const FileRead<TypeParam> read{file, 1, i + 1};
             EXPECT_TRUE(read.succeeded);
-            EXPECT_EQ(read.reader.pixelType, row.pixelType);
-            EXPECT_EQ(read.reader.width, 125U);
-            EXPECT_EQ(read.reader.height, 80U);
-            EXPECT_EQ(read.reader.frameCount, 3U);
+            EXPECT_THAT(read.reader, HasFacts(facts));
             EXPECT_EQ(read.reader.displayPixels.size(), isColour ? 30000U : 10000U);
             EXPECT_EQ(read.reader.displayPixels, expected.pixels);
             EXPECT_EQ(read.lines, expected.lines);
 
             const FileRead<TypeParam> header{file, 0, i + 1};
             EXPECT_TRUE(header.succeeded);
-            EXPECT_EQ(header.reader.pixelType, row.pixelType);
-            EXPECT_EQ(header.reader.width, 125U);
-            EXPECT_EQ(header.reader.height, 80U);
-            EXPECT_EQ(header.reader.frameCount, 3U);
+            EXPECT_THAT(header.reader, HasFacts(facts));
             EXPECT_THAT(header.reader.displayPixels, IsEmpty());
             EXPECT_THAT(header.lines, IsEmpty());
         }
     }
 }
 
-struct PictureRow
-{
-    const char* what;
-    uint32_t dataType;
-    /// Samples of an image of 2 x 2 pixels, up to 16 bytes.
-    Bytes samples;
-    Bytes picture;
-};
-
-// Numbers span exactly 255 steps, so that the picture is the distance from the smallest one, or, for
-// fractions, 0 to 1: quantised to 65535 steps and then divided by 257.
 TYPED_TEST(DmReader, ShowsTheFirstStoredRowAtTheTopAndTakesSamplesAsLittleEndian)
 {
-    const PictureRow rows[] = {
-        {"-100, -99, 55, 155", 1, {0x9C, 0xFF, 0x9D, 0xFF, 55, 0, 155, 0}, {0, 1, 155, 255}},
-        {"0, 1, 0.5, 0.25",
-         2,
-         {0, 0, 0, 0, 0, 0, 0x80, 0x3F, 0, 0, 0, 0x3F, 0, 0, 0x80, 0x3E},
-         {0, 255, 127, 63}},
-        {"0, 96, 160, 255", 6, {0, 96, 160, 255}, {0, 96, 160, 255}},
-        {"-1, 0, 100, 254",
-         7,
-         {0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0, 100, 0, 0, 0, 254, 0, 0, 0},
-         {0, 1, 101, 255}},
-        {"65000, 65255, 65001, 65128",
-         10,
-         {0xE8, 0xFD, 0xE7, 0xFE, 0xE9, 0xFD, 0x68, 0xFE},
-         {0, 255, 1, 128}},
-        {"2^31, 2^31 + 255, 2^31 + 1, 2^31 + 128",
-         11,
-         {0, 0, 0, 0x80, 0xFF, 0, 0, 0x80, 1, 0, 0, 0x80, 0x80, 0, 0, 0x80},
-         {0, 255, 1, 128}},
-        {"four colours",
-         23,
-         {1, 2, 3, 255, 40, 50, 60, 0, 7, 8, 9, 10, 253, 254, 255, 1},
-         {1, 2, 3, 40, 50, 60, 7, 8, 9, 253, 254, 255}},
-    };
-    for (const PictureRow& row : rows)
+    for (const DataTypeRow& row : shownTypes)
     {
+        const FourSamples samples = FourSamplesOf(row.pixelType);
         DmImage image{.dataType = row.dataType,
                       .width = 2,
                       .height = 2,
                       .elementType = DmType::uint32,
                       .elementCount = 0x40000004,
-                      .samples = row.samples};
+                      .samples = samples.stored};
         image.samples.resize(16);
         const FileRead<TypeParam> read{this->FileOf({image})};
-        EXPECT_TRUE(read.succeeded) << row.what;
-        EXPECT_FALSE(read.reader.flipVertical) << row.what;
-        EXPECT_EQ(read.reader.displayPixels, row.picture) << row.what;
-        EXPECT_EQ(read.lines, row.dataType == 23 ? Lines{} : Lines{noThumbnail}) << row.what;
+        EXPECT_TRUE(read.succeeded) << row.dataType;
+        EXPECT_FALSE(read.reader.flipVertical) << row.dataType;
+        EXPECT_EQ(read.reader.displayPixels, samples.picture) << row.dataType;
+        EXPECT_EQ(read.lines, row.dataType == 23 ? Lines{} : Lines{noThumbnail}) << row.dataType;
     }
 }
 
@@ -148,14 +109,11 @@ TYPED_TEST(DmReader, DoesNotFindImagesOfOtherTypesOfSamples)
         std::erase(others, row.dataType);
     std::erase(others, 9U);
     for (const uint32_t dataType : others)
-        for (const uint32_t mode : {0U, 1U})
-        {
-            DmImage image = SmallNumberedImage(7);
-            image.dataType = dataType;
-            const FileRead<TypeParam> read{this->FileOf({image}), mode};
-            EXPECT_FALSE(read.succeeded) << dataType;
-            EXPECT_THAT(read.lines, ElementsAre(this->Line("No images found"))) << dataType;
-        }
+    {
+        DmImage image = SmallNumberedImage(7);
+        image.dataType = dataType;
+        ExpectRefusal<TypeParam>(this->FileOf({image}), {this->Line("No images found")}, dataType);
+    }
 }
 
 // Such images are found and counted all the same.
@@ -169,19 +127,11 @@ TYPED_TEST(DmReader, RefusesSignedBytes)
                         .samples = VariedSamples(PixelType::Int8, 10000)};
     const Bytes file = this->FileOf({bytes, SmallNumberedImage(7), bytes});
     const std::string unsupported = this->Line("Unsupported pixel type");
+    for (const uint32_t i : {0U, 2U})
+        ExpectRefusal<TypeParam>(file, i == 0 ? Lines{noThumbnail, unsupported} : Lines{unsupported}, i,
+                                 HasFacts(DmFacts<TypeParam>(PixelType::Int8, 125, 80, 3)), i);
     for (const uint32_t mode : {0U, 1U})
     {
-        for (const uint32_t i : {0U, 2U})
-        {
-            const FileRead<TypeParam> read{file, mode, i};
-            EXPECT_FALSE(read.succeeded);
-            EXPECT_EQ(read.lines, i == 0 ? Lines({noThumbnail, unsupported}) : Lines{unsupported});
-            EXPECT_EQ(read.reader.pixelType, PixelType::Int8);
-            EXPECT_EQ(read.reader.width, 125U);
-            EXPECT_EQ(read.reader.height, 80U);
-            EXPECT_EQ(read.reader.frameCount, 3U);
-            EXPECT_THAT(read.reader.displayPixels, IsEmpty());
-        }
         const FileRead<TypeParam> other{file, mode, 1};
         EXPECT_TRUE(other.succeeded);
         EXPECT_EQ(other.reader.pixelType, PixelType::UInt16);
@@ -204,8 +154,8 @@ struct SizeRow
 TYPED_TEST(DmReader, RefusesToShowAnImageOfAnImpossibleSize)
 {
     constexpr uint32_t most = std::numeric_limits<uint32_t>::max();
-    const Lines invalid = {"[Lumora] Invalid resolution"};
-    const Lines cannotRead = {"[Lumora] Failed to read the image data into memory"};
+    const Lines invalid = {invalidResolution};
+    const Lines cannotRead = {cannotReadImage};
     const SizeRow rows[] = {
         {0, 1, invalid},
         {1, 0, invalid},
@@ -265,24 +215,8 @@ TYPED_TEST(DmReader, SaysWhenTheDataOfAnImageReachBeyondTheFile)
         EXPECT_EQ(read.reader.width, width);
         if (width > bytesToTheEnd)
         {
-            EXPECT_THAT(read.lines,
-                        ElementsAre(noThumbnail, "[Lumora] Failed to read the image data into memory"));
+            EXPECT_THAT(read.lines, ElementsAre(noThumbnail, cannotReadImage));
         }
-    }
-}
-
-TYPED_TEST(DmReader, IsWhatOpensAFileOfItsVersion)
-{
-    const Bytes file = this->FileOf({Thumbnail(9), NumberedImage(7)});
-    for (const uint32_t mode : {0U, 1U})
-    {
-        const FileOpen open{file, mode};
-        ASSERT_TRUE(open.succeeded);
-        EXPECT_EQ(open.image.Reader()->fileType, this->layout.version == 4 ? FileType::Dm4 : FileType::Dm3);
-        EXPECT_EQ(open.image.Reader()->software, L"Gatan Digital Micrograph");
-        EXPECT_EQ(open.image.Reader()->frameCount, 1U);
-        EXPECT_EQ(open.image.Reader()->displayPixels, mode == 0 ? Bytes{} : Bytes({0, 7, 255}));
-        EXPECT_THAT(open.lines, ElementsAre("[Lumora] DM: The embedded thumbnail will be ignored"));
     }
 }
 

@@ -4,8 +4,6 @@
 
 using namespace Tav::Imaging::RawImage;
 
-using Bytes = std::vector<uint8_t>;
-
 // Images are found in the list of labels, unsigned values and large arrays. The tree of the tags does not
 // count, only their order.
 

@@ -1,25 +1,20 @@
 #include "formats/RawImageEmi.h"
 #include "support/files/EmiFile.h"
 #include "support/streams/DamagedFile.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <stdexcept>
-
 using namespace Tav::Imaging::RawImage;
-using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
 using EmiRead = FileRead<RawImageEmi>;
 
 namespace {
 
 const std::string noImages = "[Lumora] EMI: No images found";
 const std::string outOfRange = "[Lumora] EMI: Frame index is out of range";
-const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
 
 // Where the items of the file below end.
 constexpr size_t stampAndVersionEnd = 4;
@@ -106,28 +101,8 @@ TEST(DamagedEmiFile, IsReadOrNotWithAnyByteChanged)
     });
 }
 
-TEST(EmiReader, PassesOnWhatKeepsAStreamFromBeingRead)
-{
-    RawImageEmi reader;
-    EXPECT_THROW((void)reader.Read(nullptr, 2048, 0, 0), std::invalid_argument);
-    EXPECT_EQ(reader.fileType, FileType::Emi);
-    EXPECT_EQ(reader.readMode, 0U);
-    EXPECT_EQ(reader.software, L"Pellox");
-
-    for (const StreamFaults& faults :
-         {StreamFaults{.failStatAt = 1}, StreamFaults{.failSeekAt = 1}, StreamFaults{.failReadAt = 1},
-          StreamFaults{.reportedSize = 2048}, StreamFaults{.longestRead = 90}})
-    {
-        TestStream stream{Items(), faults};
-        RawImageEmi emi;
-        EXPECT_THROW((void)emi.Read(&stream, secondImageEnd, 1, 0), std::runtime_error);
-        EXPECT_EQ(stream.references, 0U);
-    }
-}
-
 TEST(EmiReader, KeepsWhatStandsBeforeAWindowThatCannotBeRead)
 {
-    const Bytes nine = {0, 1, 2, 3, 4, 5, 6, 7, 255};
     const Bytes distant =
         EmiFile().Bytes(9, 1, nine).Sized(0x2000, 1, Bytes(0x400000)).Bytes(9, 1, nine).Build();
     ASSERT_EQ(EmiRead(distant, 0).reader.frameCount, 2U);
@@ -138,18 +113,6 @@ TEST(EmiReader, KeepsWhatStandsBeforeAWindowThatCannotBeRead)
         EXPECT_EQ(read.reader.frameCount, 1U);
         EXPECT_EQ(read.reader.displayPixels, nine);
         EXPECT_THAT(read.lines, IsEmpty());
-    }
-}
-
-TEST(EmiReader, SaysWhenTheFrameCannotBeRead)
-{
-    for (const StreamFaults& faults :
-         {StreamFaults{.failStatAt = 2}, StreamFaults{.failSeekAt = 2}, StreamFaults{.failReadAt = 2}})
-    {
-        const EmiRead read{Items(), 1, 1, faults};
-        EXPECT_FALSE(read.succeeded);
-        EXPECT_THAT(read.lines, ElementsAre(cannotReadImage));
-        EXPECT_THAT(read.reader.displayPixels, IsEmpty());
     }
 }
 

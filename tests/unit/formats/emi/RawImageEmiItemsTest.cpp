@@ -1,7 +1,8 @@
 #include "formats/RawImageEmi.h"
+#include "support/FileFacts.h"
 #include "support/files/EmiFile.h"
-#include "support/streams/FileRead.h"
-#include "support/streams/SparseStream.h"
+#include "support/streams/ReaderExpectations.h"
+#include "support/streams/SparseRead.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,16 +11,11 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
 using EmiRead = FileRead<RawImageEmi>;
 
 namespace {
 
 const std::string noImages = "[Lumora] EMI: No images found";
-const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
-
-const Bytes nine = {0, 1, 2, 3, 4, 5, 6, 7, 255};
 
 /// Expects that the walk gets past an item to the image behind it.
 void ExpectStepOver(const EmiFile& start, const char* what, uint32_t number)
@@ -188,28 +184,16 @@ TEST(EmiReader, KeepsAnImageWhoseSamplesAreCut)
     const Bytes claimed = EmiFile().Bytes(9, 1, nine).Array(0x2202, 3, 4, Bytes(11), 20).Build();
     for (const Bytes& each : {file, claimed})
     {
-        const EmiRead header{each, 0, 1};
-        EXPECT_TRUE(header.succeeded);
-        EXPECT_EQ(header.reader.frameCount, 2U);
-        EXPECT_EQ(header.reader.width, 3U);
-        EXPECT_EQ(header.reader.height, 4U);
-        EXPECT_THAT(header.lines, IsEmpty());
-        const EmiRead frame{each, 1, 1};
-        EXPECT_FALSE(frame.succeeded);
-        EXPECT_THAT(frame.lines, ElementsAre(cannotReadImage));
+        ExpectFactsWithoutFrame<RawImageEmi>(
+            each, 1, cannotReadImage, HasFacts({FileType::Emi, PixelType::UInt8, 3, 4, 2, true, L"Pellox"}));
         EXPECT_EQ(EmiRead(each, 1, 0).reader.displayPixels, nine);
     }
 
     // The largest length and size that there are.
     const Bytes largest = EmiFile().Array(0x2202, 65535, 65535, Bytes(100), 0xFFFFFFFF).Build();
-    const EmiRead header{largest, 0};
-    EXPECT_TRUE(header.succeeded);
-    EXPECT_EQ(header.reader.width, 65535U);
-    EXPECT_EQ(header.reader.height, 65535U);
-    EXPECT_EQ(header.reader.pixelType, PixelType::UInt8);
-    const EmiRead frame{largest, 1};
-    EXPECT_FALSE(frame.succeeded);
-    EXPECT_THAT(frame.lines, ElementsAre(cannotReadImage));
+    ExpectFactsWithoutFrame<RawImageEmi>(
+        largest, 0, cannotReadImage,
+        HasFacts({FileType::Emi, PixelType::UInt8, 65535, 65535, 1, true, L"Pellox"}));
 }
 
 TEST(EmiReader, StopsBehindAnArrayThatIsShorterThanItsOwnSize)
@@ -286,14 +270,12 @@ TEST(EmiReader, StepsOverLengthsThatLeadBeyond4GiB)
     constexpr uint64_t place = 8 + 8 + uint64_t{length};
     const Bytes image = EmiFile().Sized(0x2000, 1, Bytes(300)).Bytes(9, 1, nine).Build();
     const Bytes there(image.begin() + 8, image.end());
-    SparseStream stream{place + there.size(), EmiFile().Sized(0x2000, 1, {}, length).Build(), place, there};
-    RawImageEmi reader;
-    DiagnosticLines diagnostics;
-    EXPECT_TRUE(reader.Read(&stream, place + there.size(), 1, 0));
-    EXPECT_EQ(reader.displayPixels, nine);
-    EXPECT_THAT(diagnostics.Take(), IsEmpty());
-    EXPECT_EQ(stream.references, 0U);
-    EXPECT_EQ(stream.readCalls, 3U);
+    const SparseRead<RawImageEmi> read{place + there.size(), EmiFile().Sized(0x2000, 1, {}, length).Build(),
+                                       place, there};
+    EXPECT_TRUE(read.succeeded);
+    EXPECT_EQ(read.reader.displayPixels, nine);
+    EXPECT_THAT(read.lines, IsEmpty());
+    EXPECT_EQ(read.stream.readCalls, 3U);
 }
 
 } // namespace

@@ -1,8 +1,9 @@
 #include "formats/RawImageEmi.h"
+#include "support/FileFacts.h"
 #include "support/display/FrameReader.h"
 #include "support/display/VariedSamples.h"
 #include "support/files/EmiFile.h"
-#include "support/streams/FileRead.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,8 +12,6 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
 using EmiRead = FileRead<RawImageEmi>;
 
 namespace {
@@ -21,9 +20,6 @@ const std::string wrongType = "[Lumora] EMI: Unsupported pixel type";
 const std::string signedBytes = wrongType + " -> Int8 (CharArrayType_2D)";
 const std::string doubles = wrongType + " -> Double64 (DoubleArrayType_2D)";
 const std::string noImages = "[Lumora] EMI: No images found";
-const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
-
-const Bytes nine = {0, 1, 2, 3, 4, 5, 6, 7, 255};
 
 struct TypeRow
 {
@@ -216,12 +212,9 @@ TEST(EmiReader, MistakesBytesForPairsWhereTheLengthSaysSo)
 {
     // Eight bytes and the eight of the size make two bytes for each of eight pixels.
     const auto file = EmiFile().Array(0x2206, 4, 2, Bytes(8));
-    const EmiRead header{file.Build(), 0};
-    EXPECT_TRUE(header.succeeded);
-    EXPECT_EQ(header.reader.pixelType, PixelType::UInt16);
-    const EmiRead frame{file.Build(), 1};
-    EXPECT_FALSE(frame.succeeded);
-    EXPECT_THAT(frame.lines, ElementsAre(cannotReadImage));
+    ExpectFactsWithoutFrame<RawImageEmi>(
+        file.Build(), 0, cannotReadImage,
+        HasFacts({FileType::Emi, PixelType::UInt16, 4, 2, 1, true, L"Pellox"}));
 
     // With more behind it there is something to show.
     const EmiRead followed{EmiFile{file}.Sized(0x2000, 1, Bytes(1)).Build(), 1};

@@ -1,5 +1,6 @@
 #include "support/ComApartment.h"
 #include "support/FileBytes.h"
+#include "support/FileFacts.h"
 #include "support/WriterManifest.h"
 #include "support/display/ReferenceDisplay.h"
 #include "support/streams/FileRead.h"
@@ -12,8 +13,6 @@
 
 using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
-
-using Lines = std::vector<std::string>;
 
 namespace {
 
@@ -44,15 +43,20 @@ std::wstring Wide(const std::string& bytes)
     return text;
 }
 
-/// The facts that the manifest has of one frame of a file that opens.
+/// What the manifest has of one frame of a file that opens.
 struct HdfFrame
 {
-    explicit HdfFrame(WrittenFile& writtenFile) : file(writtenFile)
+    explicit HdfFrame(WrittenFile& writtenFile) : file(writtenFile), facts(file.facts)
     {
+        std::string formatDetails;
+        std::string software;
         uint32_t found = 0;
         file.rest >> index >> offset >> std::quoted(message) >> std::quoted(formatDetails) >>
             std::quoted(software) >> found;
         EXPECT_TRUE(file.rest) << file.name;
+        facts.fileType = FileType::Hdf;
+        facts.software = Wide(software);
+        facts.formatDetails = Wide(formatDetails);
         walkLines = RestAsLines(file);
         lines = walkLines;
         if (found != 0 && index == 0)
@@ -60,32 +64,18 @@ struct HdfFrame
     }
 
     WrittenFile& file;
+    FileFacts facts;
     uint32_t index = 0;
     ptrdiff_t offset = 0;
     /// What is said when the frame's picture is asked for; empty when it is made of the frame's samples.
     std::string message;
-    std::string formatDetails;
-    std::string software;
     /// What is said of the file whichever frame is asked for, and for this one.
     Lines walkLines;
     Lines lines;
 };
 
-void ExpectFacts(const HdfFrame& frame, const RawImageBase& reader)
-{
-    EXPECT_EQ(reader.fileType, FileType::Hdf);
-    EXPECT_EQ(reader.width, frame.file.width);
-    EXPECT_EQ(reader.height, frame.file.height);
-    EXPECT_EQ(reader.frameCount, frame.file.frameCount);
-    EXPECT_EQ(PixelTypeName(reader.pixelType), Wide(frame.file.pixelType));
-    EXPECT_EQ(reader.byteOrder, ByteOrder::LittleEndian);
-    EXPECT_EQ(reader.formatDetails, Wide(frame.formatDetails));
-    EXPECT_EQ(reader.software, Wide(frame.software));
-    EXPECT_FALSE(reader.flipVertical);
-}
-
 /// The picture, made of the samples in NAME.raw; of a thumbnail no more than its size.
-void ExpectPicture(HdfFrame frame, const std::vector<uint8_t>& bytes)
+void ExpectPicture(HdfFrame frame, const Bytes& bytes)
 {
     const FileOpen open{bytes, 1, frame.index};
     if (!frame.message.empty())
@@ -95,15 +85,15 @@ void ExpectPicture(HdfFrame frame, const std::vector<uint8_t>& bytes)
         ASSERT_EQ(open.succeeded, frame.message == thumbnailMessage);
         if (!open.succeeded)
             return;
-        ExpectFacts(frame, *open.image.Reader());
+        EXPECT_THAT(*open.image.Reader(), HasFacts(frame.facts));
         EXPECT_EQ(open.image.Reader()->displayPixels.size(),
-                  size_t{3} * frame.file.width * frame.file.height);
+                  size_t{3} * frame.facts.width * frame.facts.height);
         return;
     }
     ASSERT_TRUE(open.succeeded);
     const RawImageBase& reader = *open.image.Reader();
-    ExpectFacts(frame, reader);
-    const std::vector<uint8_t> samples = FileBytes(folder + frame.file.name + ".raw");
+    EXPECT_THAT(reader, HasFacts(frame.facts));
+    const Bytes samples = FileBytes(folder + frame.file.name + ".raw");
     const DisplayedFrame expected =
         ReferenceDisplay(WrittenFrame(frame.file, reader, {samples.begin() + frame.offset, samples.end()}));
     EXPECT_TRUE(expected.shown);
@@ -115,7 +105,7 @@ void ExpectPicture(HdfFrame frame, const std::vector<uint8_t>& bytes)
 TEST(HdfWriterFiles, OpenWithTheFactsAndPicturesThatTheirWriterKnows)
 {
     const ComApartment apartment;
-    std::set<std::string> shownTypes;
+    std::set<std::wstring> shownTypes;
     std::set<std::string> messages;
     for (WrittenFile& file : ReadManifest(folder))
     {
@@ -123,24 +113,26 @@ TEST(HdfWriterFiles, OpenWithTheFactsAndPicturesThatTheirWriterKnows)
             continue;
         const HdfFrame frame{file};
         SCOPED_TRACE(file.name + ", frame " + std::to_string(frame.index));
-        const std::vector<uint8_t> bytes = FileBytes(folder + file.name);
+        const Bytes bytes = FileBytes(folder + file.name);
         const FileOpen header{bytes, 0, frame.index};
         EXPECT_EQ(header.lines, frame.lines);
         ASSERT_TRUE(header.succeeded);
-        ExpectFacts(frame, *header.image.Reader());
+        EXPECT_THAT(*header.image.Reader(), HasFacts(frame.facts));
         ExpectPicture(frame, bytes);
-        (frame.message.empty() ? shownTypes : messages)
-            .insert(frame.message.empty() ? file.pixelType : frame.message);
+        if (frame.message.empty())
+            shownTypes.insert(PixelTypeName(frame.facts.pixelType));
+        else
+            messages.insert(frame.message);
 
         if (frame.index != 0)
             continue;
-        const FileOpen beyond{bytes, 0, file.frameCount};
+        const FileOpen beyond{bytes, 0, file.facts.frameCount};
         EXPECT_FALSE(beyond.succeeded);
         Lines lines = frame.walkLines;
         lines.push_back(Line("Frame index is out of range"));
         EXPECT_EQ(beyond.lines, lines);
     }
-    EXPECT_THAT(shownTypes, ElementsAre("Float32", "Int16", "Int32", "RGB24", "UInt16", "UInt32"));
+    EXPECT_THAT(shownTypes, ElementsAre(L"Float32", L"Int16", L"Int32", L"RGB24", L"UInt16", L"UInt32"));
     EXPECT_THAT(messages,
                 ElementsAre("Could not read the first frame of the series", "Could not read the image data",
                             "Unsupported pixel type", "Using embedded jpeg thumbnail"));

@@ -1,3 +1,4 @@
+#include "support/FileFacts.h"
 #include "support/files/Hdf5File.h"
 #include "support/streams/FileRead.h"
 
@@ -6,8 +7,6 @@
 
 using namespace Tav::Imaging::RawImage;
 using testing::IsEmpty;
-
-using Bytes = std::vector<uint8_t>;
 
 namespace {
 
@@ -56,9 +55,7 @@ TEST(HdfReader, ShowsColoursAsTheyAreStoredPixelByPixelOrPlaneByPlane)
         const FileOpen open{WithColours(file, interlace).Build()};
         ASSERT_TRUE(open.succeeded);
         EXPECT_THAT(open.lines, IsEmpty());
-        EXPECT_EQ(open.image.Reader()->pixelType, PixelType::RGB24);
-        EXPECT_EQ(open.image.Reader()->width, width);
-        EXPECT_EQ(open.image.Reader()->height, height);
+        EXPECT_THAT(*open.image.Reader(), HasFacts({FileType::Hdf, PixelType::RGB24, width, height, 1}));
         EXPECT_EQ(open.image.Reader()->displayPixels, ColourPicture());
     }
 }

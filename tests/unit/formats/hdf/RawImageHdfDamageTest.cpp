@@ -10,8 +10,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-using Bytes = std::vector<uint8_t>;
-
 namespace {
 
 /// A picture of colours with a text. Colours are shown without a histogram of all possible samples, so that

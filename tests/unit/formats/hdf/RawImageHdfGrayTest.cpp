@@ -1,3 +1,4 @@
+#include "support/display/FourSamples.h"
 #include "support/display/FrameReader.h"
 #include "support/display/ReferenceDisplay.h"
 #include "support/display/VariedSamples.h"
@@ -13,73 +14,19 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Bytes = std::vector<uint8_t>;
-
 namespace {
 
 constexpr uint32_t width = 40;
 constexpr uint32_t height = 32;
 constexpr size_t pixelCount = size_t{width} * height;
 
-/// A frame of the same four samples again and again, so that none of them is too rare to count.
-template <typename Number>
-Bytes FrameOf(std::initializer_list<Number> samples)
+/// The same again and again: in a frame of four samples none of them is too rare to count.
+Bytes Repeated(const Bytes& bytes, size_t times)
 {
-    Bytes frame;
-    for (size_t i = 0; i < pixelCount; i += samples.size())
-    {
-        const Bytes four = Stored<Number>(samples);
-        frame.insert(frame.end(), four.begin(), four.end());
-    }
-    return frame;
-}
-
-Bytes PictureOf(std::initializer_list<uint8_t> four)
-{
-    return FrameOf<uint8_t>(four);
-}
-
-struct GrayRow
-{
-    const char* what;
-    hid_t type;
-    Bytes samples;
-    std::initializer_list<uint8_t> picture;
-};
-
-TEST(HdfReader, ShowsTheGrayTypesThatItReads)
-{
-    // Integers are chosen to span exactly 255 steps, so that the picture is the distance from the smallest
-    // one, and fractions to span 0 to 1: quantised to 65535 steps and then divided by 257.
-    const GrayRow rows[] = {
-        {"UInt16", H5T_STD_U16LE, FrameOf<uint16_t>({65000, 65255, 65001, 65128}), {0, 255, 1, 128}},
-        {"UInt32", H5T_STD_U32LE, FrameOf<uint32_t>({70000, 70255, 70001, 70128}), {0, 255, 1, 128}},
-        {"Int16", H5T_STD_I16LE, FrameOf<int16_t>({-100, -99, 55, 155}), {0, 1, 155, 255}},
-        {"Int32", H5T_STD_I32LE, FrameOf<int32_t>({-100000, -99999, -99845, -99745}), {0, 1, 155, 255}},
-        {"Float32", H5T_IEEE_F32LE, FrameOf<float>({0, 1, 0.5F, 0.25F}), {0, 255, 127, 63}},
-    };
-    for (const GrayRow& row : rows)
-    {
-        SCOPED_TRACE(row.what);
-        const FileOpen open{Hdf5File().DataSet("/image", row.type, {height, width}, row.samples).Build()};
-        ASSERT_TRUE(open.succeeded);
-        EXPECT_THAT(open.lines, IsEmpty());
-        EXPECT_EQ(open.image.Reader()->displayPixels, PictureOf(row.picture));
-    }
-}
-
-TEST(HdfReader, ListsTheOtherGrayTypesButDoesNotReadThem)
-{
-    for (const hid_t type : {H5T_STD_U8LE, H5T_STD_I8LE, H5T_IEEE_F64LE})
-    {
-        const Bytes file = Hdf5File().AnyDataSet("/image", type, {height, width}).Build();
-        const FileOpen header{file, readModeHeader};
-        EXPECT_TRUE(header.succeeded);
-        EXPECT_THAT(header.lines, IsEmpty());
-        const FileOpen frame{file, readModeFrame};
-        EXPECT_FALSE(frame.succeeded);
-        EXPECT_THAT(frame.lines, ElementsAre("[Lumora] HDF: Unsupported pixel type"));
-    }
+    Bytes repeated;
+    for (size_t i = 0; i < times; ++i)
+        repeated.insert(repeated.end(), bytes.begin(), bytes.end());
+    return repeated;
 }
 
 struct StoredRow
@@ -99,6 +46,36 @@ std::vector<StoredRow> StoredRows()
         {PixelType::Int32, H5T_STD_I32LE, H5T_STD_I32BE, 4},
         {PixelType::Float32, H5T_IEEE_F32LE, H5T_IEEE_F32BE, 4},
     };
+}
+
+TEST(HdfReader, ShowsTheGrayTypesThatItReads)
+{
+    for (const StoredRow& row : StoredRows())
+    {
+        SCOPED_TRACE(PixelTypeName(row.pixelType));
+        const FourSamples samples = FourSamplesOf(row.pixelType);
+        const FileOpen open{Hdf5File()
+                                .DataSet("/image", row.littleEndian, {height, width},
+                                         Repeated(samples.stored, pixelCount / 4))
+                                .Build()};
+        ASSERT_TRUE(open.succeeded);
+        EXPECT_THAT(open.lines, IsEmpty());
+        EXPECT_EQ(open.image.Reader()->displayPixels, Repeated(samples.picture, pixelCount / 4));
+    }
+}
+
+TEST(HdfReader, ListsTheOtherGrayTypesButDoesNotReadThem)
+{
+    for (const hid_t type : {H5T_STD_U8LE, H5T_STD_I8LE, H5T_IEEE_F64LE})
+    {
+        const Bytes file = Hdf5File().AnyDataSet("/image", type, {height, width}).Build();
+        const FileOpen header{file, readModeHeader};
+        EXPECT_TRUE(header.succeeded);
+        EXPECT_THAT(header.lines, IsEmpty());
+        const FileOpen frame{file, readModeFrame};
+        EXPECT_FALSE(frame.succeeded);
+        EXPECT_THAT(frame.lines, ElementsAre("[Lumora] HDF: Unsupported pixel type"));
+    }
 }
 
 Bytes BigEndian(Bytes samples, size_t sampleBytes)
@@ -179,10 +156,10 @@ TEST(HdfReader, ShowsTheFramesOfASeriesAsTheReferenceDoes)
 TEST(HdfReader, KeepsTheTinyMaximumOfFramesWithoutAPositiveSample)
 {
     // From -1 to almost nothing there are 65535 steps: 0.00001 above -1 is none of them, 0.00003 the first.
-    const Bytes samples = FrameOf<float>({-1, -0.99999F, -0.99997F, -0.99997F});
+    const Bytes samples = Repeated(Stored<float>({-1, -0.99999F, -0.99997F, -0.99997F}), pixelCount / 4);
     const FileOpen open{Hdf5File().DataSet("/image", H5T_IEEE_F32LE, {height, width}, samples).Build()};
     ASSERT_TRUE(open.succeeded);
-    EXPECT_EQ(open.image.Reader()->displayPixels, PictureOf({0, 0, 255, 255}));
+    EXPECT_EQ(open.image.Reader()->displayPixels, Repeated({0, 0, 255, 255}, pixelCount / 4));
 }
 
 TEST(HdfReader, RefusesDatasetsWithMoreOrFewerSamplesThanTheirStorageSays)

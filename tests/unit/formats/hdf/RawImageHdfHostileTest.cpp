@@ -14,8 +14,6 @@
 using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 
-using Bytes = std::vector<uint8_t>;
-
 namespace {
 
 constexpr size_t largestType = 50000;
@@ -55,7 +53,7 @@ const std::vector<std::pair<std::string, Bytes>> nestingKinds = {
 };
 
 /// What the file's one image gives on a thread with little stack, and what is told.
-void ExpectOneImage(const Bytes& file, const std::vector<std::string>& lines, const std::string& what)
+void ExpectOneImage(const Bytes& file, const Lines& lines, const std::string& what)
 {
     RunOnSmallStack(smallStack, [&] {
         const ComApartment apartment;
@@ -72,7 +70,7 @@ void ExpectOneImage(const Bytes& file, const std::vector<std::string>& lines, co
 class NestedTypes : public testing::TestWithParam<std::pair<std::string, Bytes>>
 {
 protected:
-    static void ExpectOutcome(Hdf5File& file, const std::vector<std::string>& lines = {})
+    static void ExpectOutcome(Hdf5File& file, const Lines& lines = {})
     {
         const auto& [what, kind] = GetParam();
         file.AnyDataSet("/picture image", H5T_STD_U16LE, {40, 50});
@@ -235,8 +233,8 @@ TEST(HdfReader, GivesUpAGroupWhoseFreePlacesForNamesHaveNoEndOrLieOutside)
 TEST(HdfReader, UnpacksNoMoreThanAFileCanNeed)
 {
     // 256 MiB of zeros.
-    std::vector<uint8_t> packed(300000);
-    const std::vector<uint8_t> zeros(0x10000000);
+    Bytes packed(300000);
+    const Bytes zeros(0x10000000);
     auto packedBytes = static_cast<uLongf>(packed.size());
     ASSERT_EQ(compress(packed.data(), &packedBytes, zeros.data(), static_cast<uLong>(zeros.size())), Z_OK);
     packed.resize(packedBytes);

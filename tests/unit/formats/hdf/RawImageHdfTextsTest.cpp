@@ -88,7 +88,7 @@ TEST(HdfReader, ReadsTextsWhateverFollowsThemInTheFile)
 {
     const FileOpen open{Hdf5File()
                             .Strings("/Version", {version})
-                            .DataSet("/image", H5T_STD_U16LE, {512, 512}, std::vector<uint8_t>(512 * 512 * 2))
+                            .DataSet("/image", H5T_STD_U16LE, {512, 512}, Bytes(512 * 512 * 2))
                             .Build(),
                         readModeHeader};
     ASSERT_TRUE(open.succeeded);

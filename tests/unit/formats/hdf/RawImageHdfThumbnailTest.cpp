@@ -1,4 +1,5 @@
 #include "support/ComApartment.h"
+#include "support/FileFacts.h"
 #include "support/JpegFile.h"
 #include "support/files/Hdf5File.h"
 #include "support/streams/FileRead.h"
@@ -10,9 +11,6 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
-
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
 
 namespace {
 
@@ -64,17 +62,13 @@ TEST_F(HdfThumbnail, IsFrame0)
     ASSERT_TRUE(thumbnail.succeeded);
     EXPECT_THAT(thumbnail.lines, ElementsAre(used));
     const RawImageBase& reader = *thumbnail.image.Reader();
-    EXPECT_EQ(reader.width, 16U);
-    EXPECT_EQ(reader.height, 8U);
-    EXPECT_EQ(reader.frameCount, 2U);
-    EXPECT_EQ(reader.pixelType, PixelType::RGB24);
+    EXPECT_THAT(reader, HasFacts({FileType::Hdf, PixelType::RGB24, 16, 8, 2}));
     EXPECT_EQ(reader.displayPixels, TwoBlockPicture());
 
     const FileOpen image{file, readModeFrame, 1};
     ASSERT_TRUE(image.succeeded);
     EXPECT_THAT(image.lines, IsEmpty());
-    EXPECT_EQ(image.image.Reader()->width, 50U);
-    EXPECT_EQ(image.image.Reader()->pixelType, PixelType::UInt16);
+    EXPECT_THAT(*image.image.Reader(), HasFacts({FileType::Hdf, PixelType::UInt16, 50, 40, 2}));
     EXPECT_THAT(image.image.Reader()->displayPixels, SizeIs(40 * 50));
 }
 

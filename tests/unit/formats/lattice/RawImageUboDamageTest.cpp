@@ -1,6 +1,7 @@
 #include "formats/lattice/RawImageUbo.h"
 #include "support/files/LatticeFile.h"
 #include "support/streams/DamagedFile.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,9 +9,6 @@
 #include <numeric>
 
 using namespace Tav::Imaging::RawImage;
-
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
 
 namespace {
 
@@ -44,10 +42,7 @@ TEST(DamagedLatticeFile, OpensOrNotAtEveryLength)
             EXPECT_EQ(frame.succeeded, frameIsThere) << length;
             if (length >= 58)
             {
-                EXPECT_EQ(frame.lines, frameIsThere
-                                           ? Lines{}
-                                           : Lines{"[Lumora] Failed to read the image data into memory"})
-                    << length;
+                EXPECT_EQ(frame.lines, frameIsThere ? Lines{} : Lines{cannotReadImage}) << length;
             }
             ExpectSaneOutcome(file, frameIndex, length);
         }

@@ -1,10 +1,10 @@
 #include "formats/lattice/RawImageUbo.h"
+#include "support/display/FourSamples.h"
 #include "support/display/ReferenceDisplay.h"
 #include "support/display/VariedSamples.h"
 #include "support/files/LatticeFile.h"
-#include "support/streams/DiagnosticLines.h"
-#include "support/streams/FileRead.h"
-#include "support/streams/SparseStream.h"
+#include "support/streams/ReaderExpectations.h"
+#include "support/streams/SparseRead.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -13,50 +13,11 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Bytes = std::vector<uint8_t>;
 using LatticeRead = FileRead<RawImageUbo>;
 
 namespace {
 
 const std::string noSuchFrame = "[Lumora] UBO: Frame index is out of range";
-const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
-
-// Where pictures are given as numbers, the samples span 255 steps, so that the picture is the distance from
-// the smallest one; fractions span 0 to 1, quantised to 65535 steps and then divided by 257.
-
-struct PictureRow
-{
-    const char* word;
-    Bytes samples;
-    Bytes picture;
-};
-
-TEST(LatticeReader, ShowsTheFirstStoredRowAtTheTop)
-{
-    const PictureRow rows[] = {
-        {"byte", {0, 255, 1, 128}, {0, 255, 1, 128}},
-        {"ushort", {0xE8, 0xFD, 0xE7, 0xFE, 0xE9, 0xFD, 0x68, 0xFE}, {0, 255, 1, 128}},
-        {"short", {0x9C, 0xFF, 0x9D, 0xFF, 55, 0, 155, 0}, {0, 1, 155, 255}},
-        {"int",
-         {0x9C, 0xFF, 0xFF, 0xFF, 0x9D, 0xFF, 0xFF, 0xFF, 55, 0, 0, 0, 155, 0, 0, 0},
-         {0, 1, 155, 255}},
-        {"float", {0, 0, 0, 0, 0, 0, 0x80, 0x3F, 0, 0, 0, 0x3F, 0, 0, 0x80, 0x3E}, {0, 255, 127, 63}},
-        {"double",
-         {0, 0, 0, 0, 0, 0, 0,    0,    0, 0, 0, 0, 0, 0, 0xF0, 0x3F,
-          0, 0, 0, 0, 0, 0, 0xE0, 0x3F, 0, 0, 0, 0, 0, 0, 0xD0, 0x3F},
-         {0, 255, 127, 63}},
-    };
-    for (const PictureRow& row : rows)
-        for (const char* magic : {"# Vorna BINARY-BIG", "# PelixMesh ASCII"})
-        {
-            const LatticeRead read{
-                LatticeFile().Magic(magic).Size(2, 2, 1).Type(row.word).Samples(row.samples).Build()};
-            EXPECT_TRUE(read.succeeded) << row.word;
-            EXPECT_EQ(read.reader.byteOrder, ByteOrder::LittleEndian) << row.word;
-            EXPECT_EQ(read.reader.displayPixels, row.picture) << row.word;
-            EXPECT_THAT(read.lines, IsEmpty()) << row.word;
-        }
-}
 
 struct TypeRow
 {
@@ -68,6 +29,21 @@ constexpr TypeRow types[] = {
     {"byte", PixelType::UInt8}, {"ushort", PixelType::UInt16}, {"short", PixelType::Int16},
     {"int", PixelType::Int32},  {"float", PixelType::Float32}, {"double", PixelType::Double64},
 };
+
+TEST(LatticeReader, ShowsTheFirstStoredRowAtTheTop)
+{
+    for (const TypeRow& row : types)
+        for (const char* magic : {"# Vorna BINARY-BIG", "# PelixMesh ASCII"})
+        {
+            const FourSamples samples = FourSamplesOf(row.pixelType);
+            const LatticeRead read{
+                LatticeFile().Magic(magic).Size(2, 2, 1).Type(row.word).Samples(samples.stored).Build()};
+            EXPECT_TRUE(read.succeeded) << row.word;
+            EXPECT_EQ(read.reader.byteOrder, ByteOrder::LittleEndian) << row.word;
+            EXPECT_EQ(read.reader.displayPixels, samples.picture) << row.word;
+            EXPECT_THAT(read.lines, IsEmpty()) << row.word;
+        }
+}
 
 TEST(LatticeReader, OffersTheMiddleSliceOfThreeOrMoreBeforeAllSlices)
 {
@@ -107,13 +83,8 @@ TEST(LatticeReader, OffersTheMiddleSliceOfThreeOrMoreBeforeAllSlices)
                 EXPECT_EQ(read.reader.displayPixels, expected.pixels) << frameIndex;
                 EXPECT_EQ(read.lines, expected.lines) << frameIndex;
             }
-            for (const uint32_t mode : {0U, 1U})
-                for (const uint32_t frameIndex : {static_cast<uint32_t>(slices.size()), 0xFFFFFFFFU})
-                {
-                    const LatticeRead beyond{file, mode, frameIndex};
-                    EXPECT_FALSE(beyond.succeeded) << frameIndex;
-                    EXPECT_THAT(beyond.lines, ElementsAre(noSuchFrame)) << frameIndex;
-                }
+            for (const uint32_t frameIndex : {static_cast<uint32_t>(slices.size()), 0xFFFFFFFFU})
+                ExpectRefusal<RawImageUbo>(file, {noSuchFrame}, frameIndex, testing::_, frameIndex);
         }
 }
 
@@ -163,10 +134,8 @@ TEST(LatticeReader, NeedsTheWholeSliceInTheFile)
         EXPECT_TRUE(LatticeRead(enough, 1, row.frameIndex).succeeded) << row.z << ", " << row.frameIndex;
 
         const Bytes cut = LatticeFile{file}.Samples(Bytes(row.dataBytes - 1)).Build();
-        EXPECT_TRUE(LatticeRead(cut, 0, row.frameIndex).succeeded) << row.z << ", " << row.frameIndex;
-        const LatticeRead read{cut, 1, row.frameIndex};
-        EXPECT_FALSE(read.succeeded) << row.z << ", " << row.frameIndex;
-        EXPECT_THAT(read.lines, ElementsAre(cannotReadImage)) << row.z << ", " << row.frameIndex;
+        SCOPED_TRACE(testing::Message() << row.z << ", " << row.frameIndex);
+        ExpectFactsWithoutFrame<RawImageUbo>(cut, row.frameIndex, cannotReadImage);
     }
 }
 
@@ -237,14 +206,12 @@ TEST(LatticeReader, FindsSlicesFarBehind4GiB)
         const Bytes file = LatticeFile().Size(row.x, row.y, row.z).Type(row.word).Build();
         const Bytes samples = VariedSamples(type, size_t{row.x} * row.y);
         const uint64_t place = file.size() + row.place;
-        SparseStream stream{place + samples.size(), file, place, samples};
-        RawImageUbo reader;
-        DiagnosticLines diagnostics;
-        ASSERT_TRUE(reader.Read(&stream, place + samples.size(), 1, row.frameIndex)) << row.z;
+        const SparseRead<RawImageUbo> read{place + samples.size(), file, place, samples, 1, row.frameIndex};
+        ASSERT_TRUE(read.succeeded) << row.z;
         const DisplayedFrame expected =
             ReferenceDisplay({.pixelType = type, .width = row.x, .height = row.y, .bytes = samples});
-        EXPECT_TRUE(reader.displayPixels == expected.pixels) << row.z;
-        EXPECT_EQ(diagnostics.Take(), expected.lines) << row.z;
+        EXPECT_TRUE(read.reader.displayPixels == expected.pixels) << row.z;
+        EXPECT_EQ(read.lines, expected.lines) << row.z;
     }
 }
 
@@ -255,12 +222,7 @@ TEST(LatticeReader, CannotReadSlicesOf4GiBOrMore)
     {
         const Bytes file = LatticeFile().Size(32768, rows, 0xFFFFFFFF).Type("double").Build();
         for (const uint32_t frameIndex : {0U, 1U, 0xFFFFFFFEU})
-        {
-            EXPECT_TRUE(LatticeRead(file, 0, frameIndex).succeeded);
-            const LatticeRead read{file, 1, frameIndex};
-            EXPECT_FALSE(read.succeeded);
-            EXPECT_THAT(read.lines, ElementsAre(cannotReadImage));
-        }
+            ExpectFactsWithoutFrame<RawImageUbo>(file, frameIndex, cannotReadImage);
     }
 }
 

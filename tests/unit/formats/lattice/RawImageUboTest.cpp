@@ -1,19 +1,16 @@
 #include "formats/lattice/RawImageUbo.h"
+#include "support/FileFacts.h"
 #include "support/files/LatticeFile.h"
 #include "support/streams/DiagnosticLines.h"
-#include "support/streams/FileRead.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <stdexcept>
 
 using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
 using LatticeRead = FileRead<RawImageUbo>;
 
 namespace {
@@ -21,29 +18,6 @@ namespace {
 const std::string unsupportedHeader = "[Lumora] UBO: Unsupported header format";
 const std::string noDimensions = "[Lumora] UBO: No valid image dimensions found";
 const std::string compressed = "[Lumora] UBO: Data compression is not supported";
-const std::string invalidResolution = "[Lumora] Invalid resolution";
-const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
-
-TEST(LatticeReader, FillsInTheFactsOfAFile)
-{
-    const LatticeRead read{LatticeFile().Size(3, 4, 2).Type("ushort").Samples(Bytes(48)).Build(), 0};
-
-    EXPECT_TRUE(read.succeeded);
-    EXPECT_EQ(read.reader.fileType, FileType::VornaMesh);
-    EXPECT_EQ(read.reader.byteOrder, ByteOrder::LittleEndian);
-    EXPECT_EQ(read.reader.readMode, 0U);
-    EXPECT_EQ(read.reader.pixelType, PixelType::UInt16);
-    EXPECT_FALSE(read.reader.flipVertical);
-    EXPECT_EQ(read.reader.software, L"Vorna");
-    EXPECT_EQ(read.reader.formatDetails, L"");
-    EXPECT_EQ(read.reader.width, 3U);
-    EXPECT_EQ(read.reader.height, 4U);
-    EXPECT_EQ(read.reader.frameCount, 2U);
-    EXPECT_EQ(read.reader.xStride, 0U);
-    EXPECT_EQ(read.reader.yStride, 0U);
-    EXPECT_THAT(read.reader.displayPixels, IsEmpty());
-    EXPECT_THAT(read.lines, IsEmpty());
-}
 
 struct MagicRow
 {
@@ -76,30 +50,11 @@ TEST(LatticeReader, TellsThePelixVariantByTheFourthCharacter)
         }
 }
 
-TEST(LatticeReader, OpensFilesOfBothPrograms)
+TEST(LatticeReader, IsNotChosenForAnotherProgram)
 {
-    const FileOpen vorna{LatticeFile().Magic("# Vorna BINARY").Samples({7}).Build()};
-    ASSERT_TRUE(vorna.succeeded);
-    EXPECT_EQ(vorna.image.Reader()->fileType, FileType::VornaMesh);
-
-    const FileOpen pelix{LatticeFile().Magic("# PelixMesh BINARY").Samples({7}).Build()};
-    ASSERT_TRUE(pelix.succeeded);
-    EXPECT_EQ(pelix.image.Reader()->fileType, FileType::PelixMesh);
-
     const FileOpen other{LatticeFile().Magic("# Pelix BINARY").Samples({7}).Build()};
     EXPECT_FALSE(other.succeeded);
     EXPECT_THAT(other.lines, ElementsAre("[Lumora] Could not identify the file format"));
-}
-
-TEST(LatticeReader, KeepsTheReadModeAsGivenAndReadsPixelsUnlessItIsZero)
-{
-    for (const uint32_t mode : {0U, 1U, 2U, 0xFFFFFFFFU})
-    {
-        const LatticeRead read{LatticeFile().Size(2, 3, 1).Samples({1, 2, 3, 4, 5, 6}).Build(), mode};
-        EXPECT_TRUE(read.succeeded) << mode;
-        EXPECT_EQ(read.reader.readMode, mode);
-        EXPECT_EQ(read.reader.displayPixels.size(), mode == 0 ? 0U : 6U) << mode;
-    }
 }
 
 struct TypeRow
@@ -152,16 +107,12 @@ TEST(LatticeReader, SaysWhyItRefusesAFile)
          compressed},
     };
     for (const FailureRow& row : rows)
-        for (const uint32_t mode : {0U, 1U})
-            for (const uint32_t frameIndex : {0U, 100U})
-            {
-                const LatticeRead read{LatticeFile{row.file}.Samples(Bytes(70000)).Build(), mode, frameIndex};
-                EXPECT_FALSE(read.succeeded) << row.what;
-                EXPECT_THAT(read.lines, ElementsAre(row.line)) << row.what;
-                EXPECT_EQ(read.reader.fileType, FileType::VornaMesh) << row.what;
-                EXPECT_EQ(read.reader.readMode, mode) << row.what;
-                EXPECT_EQ(read.reader.software, L"Vorna") << row.what;
-            }
+        for (const uint32_t frameIndex : {0U, 100U})
+            ExpectRefusal<RawImageUbo>(
+                LatticeFile{row.file}.Samples(Bytes(70000)).Build(), {row.line}, row.what,
+                testing::AllOf(testing::Field(&RawImageBase::fileType, FileType::VornaMesh),
+                               testing::Field(&RawImageBase::software, L"Vorna")),
+                frameIndex);
 }
 
 TEST(LatticeReader, LeavesTheLargestPictureToTheConversion)
@@ -171,15 +122,10 @@ TEST(LatticeReader, LeavesTheLargestPictureToTheConversion)
     for (const auto& [x, y, z] : sizes)
     {
         const Bytes file = LatticeFile().Size(x, y, z).Type("double").Samples(Bytes(70000)).Build();
-        const LatticeRead header{file, 0};
-        EXPECT_TRUE(header.succeeded) << x << " x " << y;
-        EXPECT_EQ(header.reader.width, x);
-        EXPECT_EQ(header.reader.height, y);
-        EXPECT_THAT(header.lines, IsEmpty());
-
-        const LatticeRead frame{file, 1};
-        EXPECT_FALSE(frame.succeeded) << x << " x " << y;
-        EXPECT_THAT(frame.lines, ElementsAre(invalidResolution)) << x << " x " << y;
+        const uint32_t frameCount = z > 2 ? z + 1 : z;
+        ExpectFactsWithoutFrame<RawImageUbo>(
+            file, 0, invalidResolution,
+            HasFacts({FileType::VornaMesh, PixelType::Double64, x, y, frameCount, false, L"Vorna"}));
     }
     EXPECT_TRUE(LatticeRead(LatticeFile().Size(65535, 1, 1).Samples(Bytes(65535)).Build()).succeeded);
 }
@@ -194,10 +140,7 @@ TEST(LatticeReader, TakesZeroBytesOfTheHeaderForSpaces)
     const LatticeRead read{file};
 
     EXPECT_TRUE(read.succeeded);
-    EXPECT_EQ(read.reader.width, 4U);
-    EXPECT_EQ(read.reader.height, 3U);
-    EXPECT_EQ(read.reader.frameCount, 2U);
-    EXPECT_EQ(read.reader.pixelType, PixelType::Float32);
+    EXPECT_THAT(read.reader, HasFacts({FileType::VornaMesh, PixelType::Float32, 4, 3, 2, false, L"Vorna"}));
 }
 
 TEST(LatticeReader, TakesLinesThatAreSurroundedByZeroBytes)
@@ -254,10 +197,8 @@ TEST(LatticeReader, ReadsOnBehindAFloodOfAnyCharacterAsFarAsItReadsAtAll)
 
 TEST(LatticeReader, RefusesAnEmptyFile)
 {
-    const LatticeRead read{Bytes{}};
-    EXPECT_FALSE(read.succeeded);
-    EXPECT_THAT(read.lines, ElementsAre(unsupportedHeader));
-    EXPECT_EQ(read.reader.fileType, FileType::VornaMesh);
+    ExpectRefusal<RawImageUbo>({}, {unsupportedHeader}, "",
+                               HasFacts({.fileType = FileType::VornaMesh, .software = L"Vorna"}));
 }
 
 TEST(LatticeReader, FailsSilentlyWhenTheHeaderCannotBeRead)
@@ -269,34 +210,6 @@ TEST(LatticeReader, FailsSilentlyWhenTheHeaderCannotBeRead)
     EXPECT_FALSE(reader.Read(&stream, stream.bytes.size() + 1, 1, 0));
     EXPECT_THAT(diagnostics.Take(), IsEmpty());
     EXPECT_EQ(reader.fileType, FileType::VornaMesh);
-}
-
-TEST(LatticeReader, PassesOnWhatKeepsAStreamFromBeingRead)
-{
-    RawImageUbo reader;
-    EXPECT_THROW((void)reader.Read(nullptr, 2048, 0, 0), std::invalid_argument);
-
-    for (const StreamFaults& faults :
-         {StreamFaults{.failStatAt = 1}, StreamFaults{.failSeekAt = 1}, StreamFaults{.failReadAt = 1},
-          StreamFaults{.longestRead = 50}, StreamFaults{.reportedSize = 2048}})
-    {
-        TestStream stream{LatticeFile().Samples({7}).Build(), faults};
-        RawImageUbo ubo;
-        EXPECT_THROW((void)ubo.Read(&stream, stream.bytes.size(), 1, 0), std::runtime_error);
-        EXPECT_EQ(stream.references, 0U);
-    }
-}
-
-TEST(LatticeReader, SaysWhenTheFrameCannotBeRead)
-{
-    for (const StreamFaults& faults :
-         {StreamFaults{.failStatAt = 2}, StreamFaults{.failSeekAt = 2}, StreamFaults{.failReadAt = 2}})
-    {
-        const LatticeRead read{LatticeFile().Samples({7}).Build(), 1, 0, faults};
-        EXPECT_FALSE(read.succeeded);
-        EXPECT_THAT(read.lines, ElementsAre(cannotReadImage));
-        EXPECT_THAT(read.reader.displayPixels, IsEmpty());
-    }
 }
 
 } // namespace

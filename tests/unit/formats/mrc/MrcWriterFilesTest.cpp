@@ -1,4 +1,5 @@
 #include "support/FileBytes.h"
+#include "support/FileFacts.h"
 #include "support/WriterManifest.h"
 #include "support/display/ReferenceDisplay.h"
 #include "support/streams/FileRead.h"
@@ -18,71 +19,55 @@ namespace {
 
 const std::string folder = LUMORA_MRC_FILES "/";
 
-std::wstring Wide(const std::string& ascii)
+/// All facts of a file, of which the manifest has the rest in this format's own words.
+FileFacts FactsOfMrc(WrittenFile& file)
 {
-    return {ascii.begin(), ascii.end()};
-}
-
-/// The facts that the manifest has of a file in this format alone.
-struct MrcFacts
-{
-    explicit MrcFacts(WrittenFile& file)
-    {
-        file.rest >> byteOrder >> std::quoted(formatDetails) >> std::quoted(software);
-        EXPECT_TRUE(file.rest) << file.name;
-    }
-
     uint32_t byteOrder = 0;
     std::string formatDetails;
     std::string software;
-};
-
-void ExpectFacts(const WrittenFile& file, const MrcFacts& facts, const RawImageBase& reader)
-{
-    EXPECT_EQ(reader.width, file.width);
-    EXPECT_EQ(reader.height, file.height);
-    EXPECT_EQ(reader.frameCount, file.frameCount);
-    EXPECT_EQ(PixelTypeName(reader.pixelType), Wide(file.pixelType));
-    EXPECT_EQ(static_cast<uint32_t>(reader.byteOrder), facts.byteOrder);
-    EXPECT_EQ(reader.formatDetails, Wide(facts.formatDetails));
-    EXPECT_EQ(reader.software, Wide(facts.software));
-    EXPECT_EQ(reader.flipVertical, facts.byteOrder == 1);
-    EXPECT_EQ(reader.fileType,
-              facts.formatDetails.starts_with("MRC2014 ") ? FileType::Mrc2014 : FileType::Mrc);
+    file.rest >> byteOrder >> std::quoted(formatDetails) >> std::quoted(software);
+    EXPECT_TRUE(file.rest) << file.name;
+    FileFacts facts = file.facts;
+    facts.fileType = formatDetails.starts_with("MRC2014 ") ? FileType::Mrc2014 : FileType::Mrc;
+    facts.byteOrder = static_cast<ByteOrder>(byteOrder);
+    facts.flipVertical = facts.byteOrder == ByteOrder::BigEndian;
+    facts.software.assign(software.begin(), software.end());
+    facts.formatDetails.assign(formatDetails.begin(), formatDetails.end());
+    return facts;
 }
 
 TEST(MrcWriterFiles, OpenWithTheFactsAndPicturesThatTheirWriterKnows)
 {
-    std::set<std::string> pixelTypes;
+    std::set<std::wstring> pixelTypes;
     for (WrittenFile& file : ReadManifest(folder))
     {
         if (!file.opens)
             continue;
         SCOPED_TRACE(file.name);
-        const MrcFacts facts{file};
-        const std::vector<uint8_t> bytes = FileBytes(folder + file.name);
+        const FileFacts facts = FactsOfMrc(file);
+        const Bytes bytes = FileBytes(folder + file.name);
         const FileOpen header{bytes, 0};
         ASSERT_TRUE(header.succeeded);
         EXPECT_THAT(header.lines, IsEmpty());
-        ExpectFacts(file, facts, *header.image.Reader());
+        EXPECT_THAT(*header.image.Reader(), HasFacts(facts));
 
-        for (const uint32_t frameIndex : std::set{0U, file.frameCount / 2, file.frameCount - 1})
+        for (const uint32_t frameIndex : std::set{0U, facts.frameCount / 2, facts.frameCount - 1})
         {
             const FileOpen open{bytes, 1, frameIndex};
             ASSERT_TRUE(open.succeeded) << frameIndex;
-            ExpectFacts(file, facts, *open.image.Reader());
+            EXPECT_THAT(*open.image.Reader(), HasFacts(facts));
             const DisplayedFrame expected =
                 ReferenceDisplay(WrittenFrame(folder, file, *open.image.Reader(), frameIndex));
             EXPECT_EQ(open.image.Reader()->displayPixels, expected.pixels) << frameIndex;
             EXPECT_EQ(open.lines, expected.lines) << frameIndex;
         }
 
-        const FileOpen beyond{bytes, 0, file.frameCount};
+        const FileOpen beyond{bytes, 0, facts.frameCount};
         EXPECT_FALSE(beyond.succeeded);
         EXPECT_THAT(beyond.lines, ElementsAre("[Lumora] MRC: Frame index is out of range"));
-        pixelTypes.insert(file.pixelType);
+        pixelTypes.insert(PixelTypeName(facts.pixelType));
     }
-    EXPECT_THAT(pixelTypes, ElementsAre("Float16", "Float32", "Int16", "Int8", "UInt16"));
+    EXPECT_THAT(pixelTypes, ElementsAre(L"Float16", L"Float32", L"Int16", L"Int8", L"UInt16"));
 }
 
 TEST(MrcWriterFiles, OfComplexSamplesAreRefused)

@@ -8,8 +8,6 @@
 
 using namespace Tav::Imaging::RawImage;
 
-using Bytes = std::vector<uint8_t>;
-
 namespace {
 
 /// Two sections of 2 x 2 colours behind every kind of optional header content: 1176 bytes.
@@ -74,9 +72,9 @@ std::set<size_t> MeaningfulPlaces()
 
 void ExpectSaneOutcomeOfEveryChange(const Bytes& whole)
 {
-    std::vector<uint8_t> everyValue(256);
+    Bytes everyValue(256);
     std::iota(everyValue.begin(), everyValue.end(), uint8_t{0});
-    const std::vector<uint8_t> someValues = {0x00, 0x01, 0x7F, 0x80, 0xFF};
+    const Bytes someValues = {0x00, 0x01, 0x7F, 0x80, 0xFF};
 
     const std::set<size_t> meaningful = MeaningfulPlaces();
     for (size_t place = 0; place < 1024 + 128; ++place)

@@ -1,7 +1,8 @@
 #include "formats/mrc/RawImageMrc.h"
+#include "support/FileFacts.h"
 #include "support/files/MrcFile.h"
-#include "support/streams/FileRead.h"
-#include "support/streams/SparseStream.h"
+#include "support/streams/ReaderExpectations.h"
+#include "support/streams/SparseRead.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,16 +11,12 @@
 
 using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
-using Lines = std::vector<std::string>;
-using Bytes = std::vector<uint8_t>;
 using MrcRead = FileRead<RawImageMrc>;
 
 namespace {
 
 constexpr uint64_t windowBytes = 0x400000;
-const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
 
 TEST(MrcReader, RefusesAFrameOfNoBytesSilently)
 {
@@ -35,14 +32,11 @@ TEST(MrcReader, RefusesAFrameOfNoBytesSilently)
     };
     for (const Row& row : rows)
         for (const uint32_t sections : {0U, 1U, 2000U})
-            for (const uint32_t mode : {0U, 1U})
-            {
-                const MrcRead read{
-                    MrcFile().Size(row.columns, row.rows, sections).Mode(row.mode).Samples(Bytes(64)).Build(),
-                    mode};
-                EXPECT_FALSE(read.succeeded) << row.columns << " x " << row.rows;
-                EXPECT_THAT(read.lines, IsEmpty()) << row.columns << " x " << row.rows;
-            }
+        {
+            const auto file =
+                MrcFile().Size(row.columns, row.rows, sections).Mode(row.mode).Samples(Bytes(64));
+            ExpectRefusal<RawImageMrc>(file.Build(), {}, row.columns);
+        }
 }
 
 TEST(MrcReader, ComputesTheFrameSizeIn32Bits)
@@ -52,13 +46,14 @@ TEST(MrcReader, ComputesTheFrameSizeIn32Bits)
         uint32_t columns;
         uint32_t rows;
         uint32_t mode;
+        PixelType pixelType;
         /// Low 32 bits of the frame size.
         size_t frameBytes;
     };
     constexpr Row rows[] = {
-        {54161, 19825, 2, 4},      // 2^30 + 1 samples of four bytes
-        {32768, 32769, 2, 131072}, // 2^30 + 2^15 samples of four bytes
-        {43691, 32768, 16, 32768}, // 2^32 + 2^15 bytes in pixels of three
+        {54161, 19825, 2, PixelType::Float32, 4},      // 2^30 + 1 samples of four bytes
+        {32768, 32769, 2, PixelType::Float32, 131072}, // 2^30 + 2^15 samples of four bytes
+        {43691, 32768, 16, PixelType::RGB24, 32768},   // 2^32 + 2^15 bytes in pixels of three
     };
     for (const Row& row : rows)
     {
@@ -67,18 +62,12 @@ TEST(MrcReader, ComputesTheFrameSizeIn32Bits)
                                .Mode(row.mode)
                                .Samples(Bytes(2 * row.frameBytes))
                                .Build();
-
-        const MrcRead header{file, 0, 1};
-        EXPECT_TRUE(header.succeeded) << row.columns;
-        EXPECT_EQ(header.reader.width, row.columns);
-        EXPECT_EQ(header.reader.height, row.rows);
-        EXPECT_EQ(header.reader.frameCount, 2U) << row.columns;
-        EXPECT_THAT(header.lines, IsEmpty()) << row.columns;
-
         // The picture needs all the bytes.
-        const MrcRead frame{file, 1, 1};
-        EXPECT_FALSE(frame.succeeded) << row.columns;
-        EXPECT_THAT(frame.lines, ElementsAre(cannotReadImage)) << row.columns;
+        SCOPED_TRACE(row.columns);
+        ExpectFactsWithoutFrame<RawImageMrc>(
+            file, 1, cannotReadImage,
+            HasFacts({FileType::Mrc, row.pixelType, row.columns, row.rows, 2, false, L"",
+                      L"MRC Mode " + std::to_wstring(row.mode)}));
 
         Bytes cut = file;
         cut.pop_back();
@@ -134,35 +123,21 @@ TEST(MrcReader, FindsAFrameBeyondFourGigabytes)
     std::fill(frame.begin() + 32768, frame.end(), uint8_t{0x7F});
 
     constexpr uint64_t streamSize = 8192 + 70000 * frameBytes;
-    SparseStream stream{streamSize, MrcFile().Size(256, 256, 70000).Mode(0).Build(), place, frame};
-    RawImageMrc reader;
-    EXPECT_TRUE(reader.Read(&stream, streamSize, 1, frameIndex));
-    ASSERT_EQ(reader.displayPixels.size(), frameBytes);
-    EXPECT_EQ(reader.displayPixels.front(), 0);
-    EXPECT_EQ(reader.displayPixels.back(), 255);
-    EXPECT_EQ(reader.frameCount, 70000U);
-    EXPECT_EQ(stream.references, 0U);
+    const SparseRead<RawImageMrc> read{
+        streamSize, MrcFile().Size(256, 256, 70000).Mode(0).Build(), place, frame, 1, frameIndex};
+    EXPECT_TRUE(read.succeeded);
+    ASSERT_EQ(read.reader.displayPixels.size(), frameBytes);
+    EXPECT_EQ(read.reader.displayPixels.front(), 0);
+    EXPECT_EQ(read.reader.displayPixels.back(), 255);
+    EXPECT_EQ(read.reader.frameCount, 70000U);
 }
 
 TEST(MrcReader, ReadsOneWindowAndTheFrameOfAStack)
 {
     // 80 frames of 256 x 256 bytes are five megabytes, more than a window.
     const Bytes file = MrcFile().Size(256, 256, 80).Mode(0).Samples(Bytes(size_t{80} * 65536, 0x11)).Build();
-
-    const MrcRead header{file, 0, 79};
-    EXPECT_TRUE(header.succeeded);
-    EXPECT_EQ(header.stream.readCalls, 1U);
-    EXPECT_EQ(header.stream.seekCalls, 1U);
-    EXPECT_EQ(header.stream.bytesRead, windowBytes);
-
     for (const uint32_t frameIndex : {0U, 79U})
-    {
-        const MrcRead frame{file, 1, frameIndex};
-        EXPECT_TRUE(frame.succeeded);
-        EXPECT_EQ(frame.stream.readCalls, 2U);
-        EXPECT_EQ(frame.stream.seekCalls, 2U);
-        EXPECT_EQ(frame.stream.bytesRead, windowBytes + 65536);
-    }
+        ExpectReadsOfOneWindow<RawImageMrc>(file, frameIndex, 65536);
 }
 
 TEST(MrcReader, ReadsNoMoreForAnExtendedHeaderLongerThanAWindow)

@@ -1,6 +1,7 @@
 #include "formats/mrc/RawImageMrc.h"
+#include "support/FileFacts.h"
 #include "support/files/MrcFile.h"
-#include "support/streams/FileRead.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,8 +10,6 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Lines = std::vector<std::string>;
-using Bytes = std::vector<uint8_t>;
 using MrcRead = FileRead<RawImageMrc>;
 
 namespace {
@@ -19,7 +18,6 @@ const std::string lessFrames = "[Lumora] MRC: The file contains less frames than
 const std::string noCountInHeader = "[Lumora] MRC: The file contains frames while the header specifies zero";
 const std::string noCompleteFrame = "[Lumora] MRC: No complete frame is present in the file";
 const std::string outOfRange = "[Lumora] MRC: Frame index is out of range";
-const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
 const std::string constantImage = "[Lumora] The found dynamic range is zero";
 
 /// A frame of 3 x 1 samples of 16 bits whose picture is 0, `number`, 255.
@@ -48,34 +46,6 @@ Bytes NumberedFrames(size_t count)
 MrcFile NumberedFile(uint32_t sections, size_t storedFrames)
 {
     return MrcFile().Size(3, 1, sections).Mode(6).Samples(NumberedFrames(storedFrames));
-}
-
-TEST(MrcReader, ShowsTheFrameThatIsAskedFor)
-{
-    const Bytes file = NumberedFile(4, 4).Build();
-    for (uint8_t i = 0; i < 4; ++i)
-    {
-        const MrcRead read{file, 1, i};
-        EXPECT_TRUE(read.succeeded);
-        EXPECT_EQ(read.reader.frameCount, 4U);
-        EXPECT_THAT(read.reader.displayPixels, ElementsAre(0, i, 255));
-        EXPECT_THAT(read.lines, IsEmpty());
-    }
-}
-
-TEST(MrcReader, RefusesAFrameIndexBeyondTheFrames)
-{
-    for (const uint32_t mode : {0U, 1U})
-        for (const uint32_t frameIndex : {4U, 5U, 0x80000000U, 0xFFFFFFFFU})
-        {
-            const MrcRead read{NumberedFile(4, 4).Build(), mode, frameIndex};
-            EXPECT_FALSE(read.succeeded);
-            EXPECT_THAT(read.lines, ElementsAre(outOfRange));
-            EXPECT_EQ(read.reader.width, 3U);
-            EXPECT_EQ(read.reader.height, 1U);
-            EXPECT_EQ(read.reader.frameCount, 4U);
-            EXPECT_THAT(read.reader.displayPixels, IsEmpty());
-        }
 }
 
 TEST(MrcReader, KeepsToTheHeadersCountWhenTheFileHoldsMore)
@@ -285,15 +255,9 @@ TEST(MrcReader, ReadsNothingBeyondTheEndWhenTheLongHeaderIsLongerThanTheFile)
 {
     // 1025 frames of six bytes and the short header are less than 8192 bytes: the difference wraps and
     // seems to hold all frames.
-    const Bytes file = NumberedFile(1025, 1025).Build();
-    const MrcRead header{file, 0};
-    EXPECT_TRUE(header.succeeded);
-    EXPECT_EQ(header.reader.frameCount, 1025U);
-    EXPECT_THAT(header.lines, IsEmpty());
-
-    const MrcRead frame{file, 1};
-    EXPECT_FALSE(frame.succeeded);
-    EXPECT_THAT(frame.lines, ElementsAre(cannotReadImage));
+    ExpectFactsWithoutFrame<RawImageMrc>(
+        NumberedFile(1025, 1025).Build(), 0, cannotReadImage,
+        HasFacts({FileType::Mrc, PixelType::UInt16, 3, 1, 1025, false, L"", L"MRC Mode 6"}));
 }
 
 } // namespace

@@ -1,73 +1,20 @@
 #include "formats/mrc/RawImageMrc.h"
+#include "support/FileFacts.h"
 #include "support/files/MrcFile.h"
-#include "support/streams/FileRead.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using namespace Tav::Imaging::RawImage;
+using testing::AllOf;
 using testing::ElementsAre;
+using testing::Field;
 using testing::IsEmpty;
 
-using Lines = std::vector<std::string>;
 using MrcRead = FileRead<RawImageMrc>;
 
 namespace {
-
-TEST(MrcReader, FillsInTheFactsOfALittleEndianFile)
-{
-    const MrcRead read{MrcFile().Size(3, 2, 2).Mode(6).Samples(std::vector<uint8_t>(24)).Build(), 0};
-
-    EXPECT_TRUE(read.succeeded);
-    EXPECT_EQ(read.reader.fileType, FileType::Mrc);
-    EXPECT_EQ(read.reader.byteOrder, ByteOrder::LittleEndian);
-    EXPECT_EQ(read.reader.readMode, 0U);
-    EXPECT_EQ(read.reader.pixelType, PixelType::UInt16);
-    EXPECT_FALSE(read.reader.flipVertical);
-    EXPECT_EQ(read.reader.software, L"");
-    EXPECT_EQ(read.reader.formatDetails, L"MRC Mode 6");
-    EXPECT_EQ(read.reader.width, 3U);
-    EXPECT_EQ(read.reader.height, 2U);
-    EXPECT_EQ(read.reader.frameCount, 2U);
-    EXPECT_EQ(read.reader.xStride, 0U);
-    EXPECT_EQ(read.reader.yStride, 0U);
-    EXPECT_THAT(read.reader.displayPixels, IsEmpty());
-    EXPECT_THAT(read.lines, IsEmpty());
-}
-
-TEST(MrcReader, AttributesAByteSwappedFileToGatanDigitalMicrographAndFlipsIt)
-{
-    const auto file = MrcFile()
-                          .Order(ByteOrder::BigEndian)
-                          .Size(3, 2, 2)
-                          .Mode(6)
-                          .Version(20140)
-                          .Samples(std::vector<uint8_t>(24));
-    const MrcRead read{file.Build(), 0};
-
-    EXPECT_TRUE(read.succeeded);
-    EXPECT_EQ(read.reader.fileType, FileType::Mrc2014);
-    EXPECT_EQ(read.reader.byteOrder, ByteOrder::BigEndian);
-    EXPECT_EQ(read.reader.pixelType, PixelType::UInt16);
-    EXPECT_TRUE(read.reader.flipVertical);
-    EXPECT_EQ(read.reader.software, L"Gatan Digital Micrograph");
-    EXPECT_EQ(read.reader.formatDetails, L"MRC2014 Mode 6");
-    EXPECT_EQ(read.reader.width, 3U);
-    EXPECT_EQ(read.reader.height, 2U);
-    EXPECT_EQ(read.reader.frameCount, 2U);
-    EXPECT_THAT(read.lines, IsEmpty());
-}
-
-TEST(MrcReader, KeepsTheReadModeAsGivenAndReadsPixelsUnlessItIsZero)
-{
-    for (const uint32_t mode : {0U, 1U, 2U, 0xFFFFFFFFU})
-    {
-        const MrcRead read{MrcFile().Size(2, 2, 1).Mode(16).Samples(std::vector<uint8_t>(12)).Build(), mode};
-        EXPECT_TRUE(read.succeeded) << mode;
-        EXPECT_EQ(read.reader.readMode, mode);
-        EXPECT_EQ(read.reader.displayPixels.size(), mode == 0 ? 0U : 12U) << mode;
-    }
-}
 
 struct SizeRow
 {
@@ -97,11 +44,8 @@ TEST(MrcReader, FindsTheByteOrderFromThePlausibilityOfTheSize)
     };
     for (const SizeRow& row : rows)
     {
-        const auto file = MrcFile()
-                              .Order(row.writtenIn)
-                              .Size(row.columns, row.rows, 0)
-                              .Samples(std::vector<uint8_t>(65536))
-                              .Build();
+        const auto file =
+            MrcFile().Order(row.writtenIn).Size(row.columns, row.rows, 0).Samples(Bytes(65536)).Build();
         const MrcRead read{file, 0};
 
         EXPECT_TRUE(read.succeeded) << row.columns << " x " << row.rows;
@@ -132,18 +76,12 @@ TEST(MrcReader, RefusesASizeThatIsImplausibleInBothOrdersSilently)
     };
     for (const auto& [columns, rows] : sizes)
         for (const ByteOrder order : {ByteOrder::LittleEndian, ByteOrder::BigEndian})
-            for (const uint32_t mode : {0U, 1U})
-            {
-                const auto file =
-                    MrcFile().Order(order).Size(columns, rows, 1).Samples(std::vector<uint8_t>(70000));
-                const MrcRead read{file.Build(), mode};
-
-                EXPECT_FALSE(read.succeeded) << columns << " x " << rows;
-                EXPECT_THAT(read.lines, IsEmpty()) << columns << " x " << rows;
-                EXPECT_EQ(read.reader.fileType, FileType::Mrc);
-                EXPECT_EQ(read.reader.readMode, mode);
-                EXPECT_EQ(read.reader.byteOrder, ByteOrder::BigEndian);
-            }
+        {
+            const auto file = MrcFile().Order(order).Size(columns, rows, 1).Samples(Bytes(70000));
+            ExpectRefusal<RawImageMrc>(file.Build(), {}, testing::Message() << columns << " x " << rows,
+                                       AllOf(Field(&RawImageBase::fileType, FileType::Mrc),
+                                             Field(&RawImageBase::byteOrder, ByteOrder::BigEndian)));
+        }
 }
 
 struct ModeRow
@@ -168,16 +106,16 @@ TEST(MrcReader, MapsEachModeToItsPixelTypeAndFrameSize)
         for (const ByteOrder order : {ByteOrder::LittleEndian, ByteOrder::BigEndian})
         {
             // Seven frames and all but one byte of the eighth; the header does not know how many.
-            const auto file = MrcFile().Order(order).Size(4, 2, 0).Mode(row.mode).Samples(
-                std::vector<uint8_t>(8 * row.frameBytes - 1));
+            const auto file =
+                MrcFile().Order(order).Size(4, 2, 0).Mode(row.mode).Samples(Bytes(8 * row.frameBytes - 1));
             const MrcRead read{file.Build(), 0};
 
+            const bool swapped = order == ByteOrder::BigEndian;
             EXPECT_TRUE(read.succeeded) << row.mode;
-            EXPECT_EQ(read.reader.pixelType, row.pixelType) << row.mode;
-            EXPECT_EQ(read.reader.formatDetails, row.formatDetails);
-            EXPECT_EQ(read.reader.width, 4U) << row.mode;
-            EXPECT_EQ(read.reader.height, 2U) << row.mode;
-            EXPECT_EQ(read.reader.frameCount, 7U) << row.mode;
+            EXPECT_THAT(read.reader,
+                        HasFacts({FileType::Mrc, row.pixelType, 4, 2, 7, swapped,
+                                  swapped ? L"Gatan Digital Micrograph" : L"", row.formatDetails, order}))
+                << row.mode;
         }
 }
 
@@ -187,23 +125,16 @@ TEST(MrcReader, RefusesEveryOtherMode)
                                   14,  15,  17,  18,  32,     100,     102,        103,        256,
                                   257, 357, 512, 513, 0x6500, 0x10000, 0x01000000, 0x80000000, 0xFFFFFFFF};
     for (const uint32_t number : modes)
-        for (const uint32_t mode : {0U, 1U})
-        {
-            const MrcRead read{
-                MrcFile().Size(4, 2, 1).Mode(number).Samples(std::vector<uint8_t>(256)).Build(), mode};
-
-            EXPECT_FALSE(read.succeeded) << number;
-            EXPECT_EQ(read.reader.pixelType, PixelType::Unknown) << number;
-            EXPECT_EQ(read.reader.formatDetails, L"") << number;
-            EXPECT_THAT(read.lines, ElementsAre("[Lumora] MRC: Unsupported pixel type")) << number;
-        }
+        ExpectRefusal<RawImageMrc>(MrcFile().Size(4, 2, 1).Mode(number).Samples(Bytes(256)).Build(),
+                                   {"[Lumora] MRC: Unsupported pixel type"}, number,
+                                   HasFacts({FileType::Mrc, PixelType::Unknown, 4, 2, 1}));
 }
 
 TEST(MrcReader, ComplexModesOfAFileAreNotIdentifiedAtAll)
 {
     for (const uint32_t number : {3U, 4U})
     {
-        const FileOpen open{MrcFile().Size(4, 2, 1).Mode(number).Samples(std::vector<uint8_t>(64)).Build()};
+        const FileOpen open{MrcFile().Size(4, 2, 1).Mode(number).Samples(Bytes(64)).Build()};
         EXPECT_FALSE(open.succeeded) << number;
         EXPECT_THAT(open.lines, ElementsAre("[Lumora] Could not identify the file format")) << number;
     }
@@ -244,11 +175,10 @@ TEST(MrcReader, TellsTheRevisionOf2014FromItsTwoVersionNumbers)
 
 TEST(MrcReader, IgnoresEveryOtherWordOfTheHeader)
 {
-    const auto file =
-        MrcFile().Size(3, 1, 1).Mode(6).Version(20141).ExtendedHeader("ABCD", std::vector<uint8_t>(8, 0x33));
+    const auto file = MrcFile().Size(3, 1, 1).Mode(6).Version(20141).ExtendedHeader("ABCD", Bytes(8, 0x33));
     const MrcRead plain{MrcFile{file}.Numbers<uint16_t>({100, 228, 355}).Build()};
 
-    std::vector<uint8_t> noisy = plain.stream.bytes;
+    Bytes noisy = plain.stream.bytes;
     constexpr size_t otherWords[][2] = {{16, 92}, {96, 108}, {112, 1024}};
     for (const auto& [first, end] : otherWords)
         for (size_t i = first; i < end; ++i)
@@ -258,11 +188,8 @@ TEST(MrcReader, IgnoresEveryOtherWordOfTheHeader)
     for (const MrcRead* each : {&plain, &read})
     {
         EXPECT_TRUE(each->succeeded);
-        EXPECT_EQ(each->reader.fileType, FileType::Mrc2014);
-        EXPECT_EQ(each->reader.byteOrder, ByteOrder::LittleEndian);
-        EXPECT_FALSE(each->reader.flipVertical);
-        EXPECT_EQ(each->reader.software, L"");
-        EXPECT_EQ(each->reader.frameCount, 1U);
+        EXPECT_THAT(each->reader,
+                    HasFacts({FileType::Mrc2014, PixelType::UInt16, 3, 1, 1, false, L"", L"MRC2014 Mode 6"}));
         EXPECT_THAT(each->reader.displayPixels, ElementsAre(0, 128, 255));
         EXPECT_THAT(each->lines, IsEmpty());
     }

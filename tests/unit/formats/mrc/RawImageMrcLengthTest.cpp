@@ -1,28 +1,25 @@
 #include "formats/mrc/RawImageMrc.h"
+#include "support/FileFacts.h"
 #include "support/files/MrcFile.h"
-#include "support/streams/FileRead.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <stdexcept>
 
 using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Lines = std::vector<std::string>;
 using MrcRead = FileRead<RawImageMrc>;
 
 namespace {
 
-const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
 const std::string noCompleteFrame = "[Lumora] MRC: No complete frame is present in the file";
 const std::string packed4Bit =
     "[Lumora] MRC: Non-standard 4-bit pixel format detected while mode 0 is specified";
 
 /// One sample, and every optional fact that a header can tell. The whole file has 1153 bytes.
-std::vector<uint8_t> FileWithEverything()
+Bytes FileWithEverything()
 {
     return MrcFile()
         .Size(1, 1, 1)
@@ -66,42 +63,35 @@ const LengthRow lengths[] = {
     {1108, 1153, true, true, {packed4Bit}, {packed4Bit}, FileType::Mrc2014, PixelType::UInt4, L"Ardix 2.10"},
 };
 
-void ExpectFacts(const LengthRow& row, const RawImageBase& reader, size_t length)
+FileFacts FactsOf(const LengthRow& row)
 {
     const bool packed = row.pixelType == PixelType::UInt4;
-    EXPECT_EQ(reader.fileType, row.fileType) << length;
-    EXPECT_EQ(reader.pixelType, row.pixelType) << length;
-    EXPECT_EQ(reader.software, row.software) << length;
-    EXPECT_EQ(reader.formatDetails, row.fileType == FileType::Mrc2014 ? L"MRC2014 Mode 0" : L"MRC Mode 0")
-        << length;
-    EXPECT_EQ(reader.flipVertical, packed) << length;
-    EXPECT_EQ(reader.width, packed ? 2U : 1U) << length;
-    EXPECT_EQ(reader.height, 1U) << length;
-    EXPECT_EQ(reader.frameCount, 1U) << length;
+    const std::wstring details = row.fileType == FileType::Mrc2014 ? L"MRC2014 Mode 0" : L"MRC Mode 0";
+    return {row.fileType, row.pixelType, packed ? 2U : 1U, 1, 1, packed, row.software, details};
 }
 
-TEST(MrcReader, ReadsAsFarAsTheStreamReaches)
+TEST(MrcReader, ReadsAndOpensAsFarAsTheStreamReaches)
 {
-    const std::vector<uint8_t> whole = FileWithEverything();
+    const Bytes whole = FileWithEverything();
     ASSERT_EQ(whole.size(), 1153U);
     for (const LengthRow& row : lengths)
         for (size_t length = row.first; length <= row.last; ++length)
         {
-            const std::vector<uint8_t> file(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(length));
+            const Bytes file(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(length));
 
             const MrcRead header{file, 0};
             EXPECT_EQ(header.succeeded, row.headerSucceeds) << length;
             EXPECT_EQ(header.lines, row.headerLines) << length;
             EXPECT_THAT(header.reader.displayPixels, IsEmpty()) << length;
             if (row.headerSucceeds)
-                ExpectFacts(row, header.reader, length);
+                EXPECT_THAT(header.reader, HasFacts(FactsOf(row))) << length;
 
             const MrcRead frame{file, 1};
             EXPECT_EQ(frame.succeeded, row.frameSucceeds) << length;
             EXPECT_EQ(frame.lines, row.frameLines) << length;
             if (row.frameSucceeds)
             {
-                ExpectFacts(row, frame.reader, length);
+                EXPECT_THAT(frame.reader, HasFacts(FactsOf(row))) << length;
                 // The sample is found behind the extended header as soon as both fit.
                 if (length == 1153)
                 {
@@ -112,33 +102,22 @@ TEST(MrcReader, ReadsAsFarAsTheStreamReaches)
                     EXPECT_THAT(frame.reader.displayPixels, ElementsAre(0, 0)) << length;
                 }
             }
-        }
-}
 
-TEST(MrcReader, OpensAsFarAsTheStreamReaches)
-{
-    const std::vector<uint8_t> whole = FileWithEverything();
-    for (const LengthRow& row : lengths)
-        for (size_t length = row.first; length <= row.last; ++length)
-        {
-            const std::vector<uint8_t> file(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(length));
-
-            const FileOpen header{file, 0};
-            EXPECT_EQ(header.succeeded, row.headerSucceeds) << length;
-            EXPECT_EQ(header.lines, row.headerLines) << length;
-
-            const FileOpen frame{file, 1};
-            EXPECT_EQ(frame.succeeded, row.frameSucceeds) << length;
-            EXPECT_EQ(frame.lines, row.frameLines) << length;
+            const FileOpen openedHeader{file, 0};
+            EXPECT_EQ(openedHeader.succeeded, row.headerSucceeds) << length;
+            EXPECT_EQ(openedHeader.lines, row.headerLines) << length;
+            const FileOpen openedFrame{file, 1};
+            EXPECT_EQ(openedFrame.succeeded, row.frameSucceeds) << length;
+            EXPECT_EQ(openedFrame.lines, row.frameLines) << length;
         }
 }
 
 TEST(MrcReader, RefusesAnUnknownModeAsSoonAsItsWordIsThere)
 {
-    const std::vector<uint8_t> whole = MrcFile().Size(1, 1, 1).Mode(4).Build();
+    const Bytes whole = MrcFile().Size(1, 1, 1).Mode(4).Build();
     for (size_t length = 0; length <= 1024; ++length)
     {
-        const std::vector<uint8_t> file(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(length));
+        const Bytes file(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(length));
         const MrcRead read{file};
 
         EXPECT_FALSE(read.succeeded) << length;
@@ -153,10 +132,10 @@ TEST(MrcReader, IgnoresTheMaskOfAnAcquisitionProgramThatIsCut)
     for (const uint32_t mask : {0U, 7U})
         for (size_t length = 1025; length <= 1091; ++length)
         {
-            std::vector<uint8_t> file = MrcFile()
-                                            .Size(1, 1, 1)
-                                            .ExtendedHeader("TAV", AcquisitionHeader(mask, "TAV Ardix", ""))
-                                            .Build();
+            Bytes file = MrcFile()
+                             .Size(1, 1, 1)
+                             .ExtendedHeader("TAV", AcquisitionHeader(mask, "TAV Ardix", ""))
+                             .Build();
             file.resize(length);
             const MrcRead read{file, 0};
 
@@ -201,8 +180,7 @@ TEST(MrcReader, CountsFramesWithAnUnsignedDifferenceThatWrapsBeforeTheDataStart)
     };
     for (const WrapRow& row : rows)
     {
-        std::vector<uint8_t> file =
-            MrcFile().Size(row.columns, row.rows, row.sections).Mode(row.mode).Build();
+        Bytes file = MrcFile().Size(row.columns, row.rows, row.sections).Mode(row.mode).Build();
         file.resize(row.streamBytes);
 
         const MrcRead header{file, 0};
@@ -218,39 +196,6 @@ TEST(MrcReader, CountsFramesWithAnUnsignedDifferenceThatWrapsBeforeTheDataStart)
             EXPECT_FALSE(frame.succeeded) << row.streamBytes;
             EXPECT_EQ(frame.lines, lines) << row.streamBytes;
         }
-    }
-}
-
-TEST(MrcReader, PassesOnWhatKeepsAStreamFromBeingRead)
-{
-    RawImageMrc reader;
-    EXPECT_THROW((void)reader.Read(nullptr, 2048, 0, 0), std::invalid_argument);
-    EXPECT_EQ(reader.fileType, FileType::Mrc);
-    EXPECT_EQ(reader.readMode, 0U);
-
-    for (const StreamFaults& faults :
-         {StreamFaults{.failStatAt = 1}, StreamFaults{.failSeekAt = 1}, StreamFaults{.failReadAt = 1},
-          StreamFaults{.longestRead = 1000}, StreamFaults{.reportedSize = 2048}})
-    {
-        TestStream stream{FileWithEverything(), faults};
-        RawImageMrc mrc;
-        EXPECT_THROW((void)mrc.Read(&stream, 1153, 1, 0), std::runtime_error);
-        EXPECT_EQ(stream.references, 0U);
-        EXPECT_EQ(mrc.fileType, FileType::Mrc);
-    }
-}
-
-TEST(MrcReader, SaysWhenTheFrameCannotBeRead)
-{
-    for (const StreamFaults& faults :
-         {StreamFaults{.failStatAt = 2}, StreamFaults{.failSeekAt = 2}, StreamFaults{.failReadAt = 2}})
-    {
-        const auto file = MrcFile().Size(2, 1, 1).Mode(6).Samples(std::vector<uint8_t>(4)).Build();
-        const MrcRead read{file, 1, 0, faults};
-
-        EXPECT_FALSE(read.succeeded);
-        EXPECT_THAT(read.lines, ElementsAre(cannotReadImage));
-        EXPECT_THAT(read.reader.displayPixels, IsEmpty());
     }
 }
 

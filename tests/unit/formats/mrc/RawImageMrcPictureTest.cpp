@@ -1,6 +1,6 @@
 #include "formats/mrc/RawImageMrc.h"
 #include "support/files/MrcFile.h"
-#include "support/streams/FileRead.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,8 +9,6 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Lines = std::vector<std::string>;
-using Bytes = std::vector<uint8_t>;
 using MrcRead = FileRead<RawImageMrc>;
 
 namespace {
@@ -173,7 +171,7 @@ TEST(MrcReader, RefusesToShowPacked4BitSamplesWiderThanAPictureCanBe)
 
     const MrcRead frame{file, 1};
     EXPECT_FALSE(frame.succeeded);
-    EXPECT_THAT(frame.lines, ElementsAre(packed, "[Lumora] Invalid resolution"));
+    EXPECT_THAT(frame.lines, ElementsAre(packed, invalidResolution));
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "formats/mrc/RawImageMrc.h"
+#include "support/FileFacts.h"
 #include "support/files/MrcFile.h"
 #include "support/streams/FileRead.h"
 
@@ -9,7 +10,6 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Lines = std::vector<std::string>;
 using MrcRead = FileRead<RawImageMrc>;
 
 namespace {
@@ -70,7 +70,7 @@ TEST(MrcReader, RecognisesPacked4BitSamplesByTheLabels)
                             .Size(6, 1, 1)
                             .Mode(row.mode)
                             .Labels(row.labels)
-                            .Samples(std::vector<uint8_t>(24, 'd'));
+                            .Samples(Bytes(24, 'd'));
             const MrcRead read{file.Build(), 0};
 
             const bool swapped = order == ByteOrder::BigEndian;
@@ -103,10 +103,8 @@ TEST(MrcReader, DoesNotLookAtTheLabelsOfMode101)
     const auto file = MrcFile().Size(2, 1, 1).Mode(101).Labels("SerialEM 4 bits packed").Samples({0});
     const MrcRead read{file.Build(), 0};
     EXPECT_TRUE(read.succeeded);
-    EXPECT_EQ(read.reader.width, 2U);
-    EXPECT_FALSE(read.reader.flipVertical);
-    EXPECT_EQ(read.reader.software, L"");
-    EXPECT_EQ(read.reader.formatDetails, L"MRC Mode 101");
+    EXPECT_THAT(read.reader,
+                HasFacts({FileType::Mrc, PixelType::UInt4, 2, 1, 1, false, L"", L"MRC Mode 101"}));
     EXPECT_THAT(read.lines, ElementsAre("[Lumora] MRC: Non-standard mode 101 detected (4-bit pixel format)"));
 }
 

@@ -1,4 +1,5 @@
 #include "support/FileBytes.h"
+#include "support/FileFacts.h"
 #include "support/WriterManifest.h"
 #include "support/display/ReferenceDisplay.h"
 #include "support/streams/FileRead.h"
@@ -13,57 +14,44 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Lines = std::vector<std::string>;
-
 namespace {
 
 const std::string folder = LUMORA_NPY_FILES "/";
 
-void ExpectFacts(const WrittenFile& file, const RawImageBase& reader)
-{
-    EXPECT_EQ(reader.fileType, FileType::Npy);
-    EXPECT_EQ(reader.width, file.width);
-    EXPECT_EQ(reader.height, file.height);
-    EXPECT_EQ(reader.frameCount, file.frameCount);
-    EXPECT_EQ(PixelTypeName(reader.pixelType), std::wstring(file.pixelType.begin(), file.pixelType.end()));
-    EXPECT_EQ(reader.byteOrder, ByteOrder::LittleEndian);
-    EXPECT_EQ(reader.formatDetails, L"");
-    EXPECT_EQ(reader.software, L"");
-    EXPECT_FALSE(reader.flipVertical);
-}
-
 TEST(NpyWriterFiles, OpenWithTheFactsAndPicturesThatTheirWriterKnows)
 {
-    std::set<std::string> pixelTypes;
+    std::set<std::wstring> pixelTypes;
     for (const WrittenFile& file : ReadManifest(folder))
     {
         if (!file.opens)
             continue;
         SCOPED_TRACE(file.name);
-        const std::vector<uint8_t> bytes = FileBytes(folder + file.name);
+        const Bytes bytes = FileBytes(folder + file.name);
+        FileFacts facts = file.facts;
+        facts.fileType = FileType::Npy;
         const FileOpen header{bytes, 0};
         ASSERT_TRUE(header.succeeded);
         EXPECT_THAT(header.lines, IsEmpty());
-        ExpectFacts(file, *header.image.Reader());
+        EXPECT_THAT(*header.image.Reader(), HasFacts(facts));
 
-        for (const uint32_t frameIndex : std::set{0U, file.frameCount / 2, file.frameCount - 1})
+        for (const uint32_t frameIndex : std::set{0U, facts.frameCount / 2, facts.frameCount - 1})
         {
             const FileOpen open{bytes, 1, frameIndex};
             ASSERT_TRUE(open.succeeded) << frameIndex;
             const RawImageBase& reader = *open.image.Reader();
-            ExpectFacts(file, reader);
+            EXPECT_THAT(reader, HasFacts(facts));
             const DisplayedFrame expected = ReferenceDisplay(WrittenFrame(folder, file, reader, frameIndex));
             EXPECT_EQ(reader.displayPixels, expected.pixels) << frameIndex;
             EXPECT_EQ(open.lines, expected.lines) << frameIndex;
         }
 
-        const FileOpen beyond{bytes, 0, file.frameCount};
+        const FileOpen beyond{bytes, 0, facts.frameCount};
         EXPECT_FALSE(beyond.succeeded);
         EXPECT_THAT(beyond.lines, ElementsAre("[Lumora] NPY: Frame index is out of range"));
-        pixelTypes.insert(file.pixelType);
+        pixelTypes.insert(PixelTypeName(facts.pixelType));
     }
-    EXPECT_THAT(pixelTypes, ElementsAre("Complex128", "Complex64", "Double64", "Float32", "Int16", "Int32",
-                                        "Int8", "RGB24", "UInt16", "UInt32", "UInt8"));
+    EXPECT_THAT(pixelTypes, ElementsAre(L"Complex128", L"Complex64", L"Double64", L"Float32", L"Int16",
+                                        L"Int32", L"Int8", L"RGB24", L"UInt16", L"UInt32", L"UInt8"));
 }
 
 TEST(NpyWriterFiles, AreRefusedForTheReasonsThatTheirWriterKnows)

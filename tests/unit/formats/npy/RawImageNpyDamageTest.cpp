@@ -11,9 +11,6 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
-
 namespace {
 
 /// Three frames of 8 x 8 bytes behind a header of 80 bytes: 282 bytes. Bytes are shown without a histogram of

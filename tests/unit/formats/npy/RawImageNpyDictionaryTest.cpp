@@ -1,6 +1,7 @@
 #include "formats/RawImageNpy.h"
+#include "support/FileFacts.h"
 #include "support/files/NpyFile.h"
-#include "support/streams/FileRead.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,8 +11,6 @@ using namespace std::string_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
 using NpyRead = FileRead<RawImageNpy>;
 
 namespace {
@@ -59,10 +58,7 @@ TEST(NpyDictionary, IsReadInAnyOrderAndLayout)
     {
         const NpyRead read = ReadHeader(dictionary);
         EXPECT_TRUE(read.succeeded) << dictionary;
-        EXPECT_EQ(read.reader.pixelType, PixelType::UInt16) << dictionary;
-        EXPECT_EQ(read.reader.width, 3U) << dictionary;
-        EXPECT_EQ(read.reader.height, 4U) << dictionary;
-        EXPECT_EQ(read.reader.frameCount, 1U) << dictionary;
+        EXPECT_THAT(read.reader, HasFacts({FileType::Npy, PixelType::UInt16, 3, 4, 1})) << dictionary;
         EXPECT_THAT(read.lines, IsEmpty()) << dictionary;
     }
 }
@@ -118,13 +114,8 @@ TEST(NpyDictionary, IsRefusedSilentlyWhenItIsMalformed)
         "{'descr': '<u2', 'shape'}",
     };
     for (const std::string& dictionary : dictionaries)
-        for (const uint32_t mode : {0U, 1U})
-        {
-            const NpyRead read{NpyFile().Dictionary(dictionary).Samples(Bytes(4096)).Build(), mode};
-            EXPECT_FALSE(read.succeeded) << dictionary;
-            EXPECT_THAT(read.lines, IsEmpty()) << dictionary;
-            EXPECT_EQ(read.reader.fileType, FileType::Npy);
-        }
+        ExpectRefusal<RawImageNpy>(NpyFile().Dictionary(dictionary).Samples(Bytes(4096)).Build(), {},
+                                   dictionary, testing::Field(&RawImageBase::fileType, FileType::Npy));
 }
 
 TEST(NpyDictionary, TakesWhatTheNextQuotesEncloseForTheType)
@@ -285,9 +276,9 @@ TEST(NpyDictionary, KeepsNumbersWithinTheLimitsOfASigned32BitNumber)
     {
         const NpyRead read = ReadShape(row.shape);
         EXPECT_THAT(read.lines, ElementsAre(tooManyFrames)) << row.shape;
-        EXPECT_EQ(read.reader.width, row.width) << row.shape;
-        EXPECT_EQ(read.reader.height, row.height) << row.shape;
-        EXPECT_EQ(read.reader.frameCount, row.frameCount) << row.shape;
+        EXPECT_THAT(read.reader,
+                    HasFacts({FileType::Npy, PixelType::UInt8, row.width, row.height, row.frameCount}))
+            << row.shape;
     }
     // Different numbers beyond a limit have become the same, so the third one counts the frames.
     EXPECT_EQ(ReadShape("(3000000000, 4000000000, 5)").reader.frameCount, 5U);

@@ -1,73 +1,48 @@
 #include "formats/RawImageNpy.h"
+#include "support/FileFacts.h"
+#include "support/display/FourSamples.h"
 #include "support/display/ReferenceDisplay.h"
 #include "support/display/VariedSamples.h"
 #include "support/files/NpyFile.h"
-#include "support/streams/DiagnosticLines.h"
-#include "support/streams/FileRead.h"
-#include "support/streams/SparseStream.h"
+#include "support/streams/ReaderExpectations.h"
+#include "support/streams/SparseRead.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <stdexcept>
 
 using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
 using NpyRead = FileRead<RawImageNpy>;
 
 namespace {
 
 const std::string invalidDataSize = "[Lumora] NPY: Invalid data size";
 const std::string noSuchFrame = "[Lumora] NPY: Frame index is out of range";
-const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
 const std::string zeroRange = "[Lumora] The found dynamic range is zero";
 
-// Where pictures are given as numbers, the samples span 255 steps, so that the picture is the distance from
-// the smallest one; fractions span 0 to 1, quantised to 65535 steps and then divided by 257.
-
-struct PictureRow
+struct TypeRow
 {
     const char* descr;
-    Bytes samples;
-    Bytes picture;
+    PixelType pixelType;
+};
+
+constexpr TypeRow types[] = {
+    {"|u1", PixelType::UInt8},       {"<u2", PixelType::UInt16},   {"<u4", PixelType::UInt32},
+    {"|i1", PixelType::Int8},        {"<i2", PixelType::Int16},    {"<i4", PixelType::Int32},
+    {"<f4", PixelType::Float32},     {"<f8", PixelType::Double64}, {"<c8", PixelType::Complex64},
+    {"<c16", PixelType::Complex128},
 };
 
 TEST(NpyReader, ShowsTheFirstStoredRowAtTheTop)
 {
-    const PictureRow rows[] = {
-        {"|u1", {0, 255, 1, 128}, {0, 255, 1, 128}},
-        {"<u2", {0xE8, 0xFD, 0xE7, 0xFE, 0xE9, 0xFD, 0x68, 0xFE}, {0, 255, 1, 128}},
-        {"<u4", {5, 0, 1, 0, 4, 1, 1, 0, 6, 0, 1, 0, 133, 0, 1, 0}, {0, 255, 1, 128}},
-        {"|i1", {0x80, 0xE0, 0x20, 0x7F}, {0, 96, 160, 255}},
-        {"<i2", {0x9C, 0xFF, 0x9D, 0xFF, 55, 0, 155, 0}, {0, 1, 155, 255}},
-        {"<i4",
-         {0x9C, 0xFF, 0xFF, 0xFF, 0x9D, 0xFF, 0xFF, 0xFF, 55, 0, 0, 0, 155, 0, 0, 0},
-         {0, 1, 155, 255}},
-        {"<f4", {0, 0, 0, 0, 0, 0, 0x80, 0x3F, 0, 0, 0, 0x3F, 0, 0, 0x80, 0x3E}, {0, 255, 127, 63}},
-        {"<f8",
-         {0, 0, 0, 0, 0, 0, 0,    0,    0, 0, 0, 0, 0, 0, 0xF0, 0x3F,
-          0, 0, 0, 0, 0, 0, 0xE0, 0x3F, 0, 0, 0, 0, 0, 0, 0xD0, 0x3F},
-         {0, 255, 127, 63}},
-        // 0, -i, 0.5 and -0.25.
-        {"<c8",
-         {0, 0, 0, 0,    0, 0, 0, 0, 0, 0, 0,    0,    0, 0, 0x80, 0xBF,
-          0, 0, 0, 0x3F, 0, 0, 0, 0, 0, 0, 0x80, 0xBE, 0, 0, 0,    0},
-         {0, 255, 127, 63}},
-        {"<c16",
-         {0, 0, 0, 0, 0, 0, 0, 0, 0,    0,    0,    0,    0, 0, 0, 0, 0,    0,    0, 0, 0, 0,
-          0, 0, 0, 0, 0, 0, 0, 0, 0xF0, 0xBF, 0,    0,    0, 0, 0, 0, 0xE0, 0x3F, 0, 0, 0, 0,
-          0, 0, 0, 0, 0, 0, 0, 0, 0,    0,    0xD0, 0xBF, 0, 0, 0, 0, 0,    0,    0, 0},
-         {0, 255, 127, 63}},
-    };
-    for (const PictureRow& row : rows)
+    for (const TypeRow& row : types)
     {
-        const NpyRead read{NpyFile().Descr(row.descr).Shape("(2, 2)").Samples(row.samples).Build()};
+        const FourSamples samples = FourSamplesOf(row.pixelType);
+        const NpyRead read{NpyFile().Descr(row.descr).Shape("(2, 2)").Samples(samples.stored).Build()};
         EXPECT_TRUE(read.succeeded) << row.descr;
-        EXPECT_EQ(read.reader.displayPixels, row.picture) << row.descr;
+        EXPECT_EQ(read.reader.displayPixels, samples.picture) << row.descr;
         EXPECT_THAT(read.lines, IsEmpty()) << row.descr;
     }
 }
@@ -91,19 +66,6 @@ TEST(NpyReader, TakesBigEndianSamplesAsLittleEndianOnes)
     EXPECT_THAT(read.reader.displayPixels, ElementsAre(0, 127, 255));
     EXPECT_THAT(read.lines, IsEmpty());
 }
-
-struct TypeRow
-{
-    const char* descr;
-    PixelType pixelType;
-};
-
-constexpr TypeRow types[] = {
-    {"|u1", PixelType::UInt8},       {"<u2", PixelType::UInt16},   {"<u4", PixelType::UInt32},
-    {"|i1", PixelType::Int8},        {"<i2", PixelType::Int16},    {"<i4", PixelType::Int32},
-    {"<f4", PixelType::Float32},     {"<f8", PixelType::Double64}, {"<c8", PixelType::Complex64},
-    {"<c16", PixelType::Complex128},
-};
 
 TEST(NpyReader, ShowsEachFrameOfAStackOfEveryType)
 {
@@ -161,9 +123,7 @@ TEST(NpyReader, FindsFrame9Of10BehindTheHeaderAndNineOthers)
 
     const NpyRead last{file, 1, 9};
     EXPECT_TRUE(last.succeeded);
-    EXPECT_EQ(last.reader.width, 256U);
-    EXPECT_EQ(last.reader.height, 256U);
-    EXPECT_EQ(last.reader.frameCount, 10U);
+    EXPECT_THAT(last.reader, HasFacts({FileType::Npy, PixelType::UInt16, 256, 256, 10}));
     const DisplayedFrame expected =
         ReferenceDisplay({.pixelType = PixelType::UInt16,
                           .width = 256,
@@ -173,12 +133,7 @@ TEST(NpyReader, FindsFrame9Of10BehindTheHeaderAndNineOthers)
     EXPECT_EQ(last.lines, expected.lines);
 
     for (const uint32_t frameIndex : {10U, 11U, 0xFFFFFFFFU})
-        for (const uint32_t mode : {0U, 1U})
-        {
-            const NpyRead beyond{file, mode, frameIndex};
-            EXPECT_FALSE(beyond.succeeded) << frameIndex;
-            EXPECT_THAT(beyond.lines, ElementsAre(noSuchFrame)) << frameIndex;
-        }
+        ExpectRefusal<RawImageNpy>(file, {noSuchFrame}, frameIndex, testing::_, frameIndex);
 }
 
 TEST(NpyReader, FindsTheDataByTheStatedHeaderLengthAlone)
@@ -249,23 +204,18 @@ TEST(NpyReader, NeedsTheDataStartInTheFile)
 TEST(NpyReader, TakesTheFrameSizeModulo32BitsAndThenCannotReadTheFrame)
 {
     // 2^32 bytes are none; nothing is missing then but the frame itself.
-    const Bytes file = NpyFile().Descr("<f4").Shape("(32768, 32768)").Build();
-    EXPECT_TRUE(NpyRead(file, 0).succeeded);
-    const NpyRead frame{file, 1};
-    EXPECT_FALSE(frame.succeeded);
-    EXPECT_THAT(frame.lines, ElementsAre(cannotReadImage));
-    EXPECT_THAT(frame.reader.displayPixels, IsEmpty());
+    ExpectFactsWithoutFrame<RawImageNpy>(NpyFile().Descr("<f4").Shape("(32768, 32768)").Build(), 0,
+                                         cannotReadImage);
 
     // 65535 x 65535 samples of two bytes are 262142 bytes less than 2^33, so the header asks for that much
     // less than 2^32.
     constexpr uint64_t needed = 256 + 4294705154;
     for (const uint64_t size : {needed - 1, needed})
     {
-        SparseStream stream{size, NpyFile().Descr("<u2").Shape("(65535, 65535)").Build(), 0, {}};
-        RawImageNpy reader;
-        DiagnosticLines diagnostics;
-        EXPECT_EQ(reader.Read(&stream, size, 0, 0), size == needed) << size;
-        EXPECT_EQ(diagnostics.Take(), size == needed ? Lines{} : Lines{invalidDataSize}) << size;
+        const Bytes file = NpyFile().Descr("<u2").Shape("(65535, 65535)").Build();
+        const SparseRead<RawImageNpy> read{size, file, 0, {}, 0};
+        EXPECT_EQ(read.succeeded, size == needed) << size;
+        EXPECT_EQ(read.lines, size == needed ? Lines{} : Lines{invalidDataSize}) << size;
     }
 }
 
@@ -277,43 +227,13 @@ TEST(NpyReader, FindsFramesFarBehind4GiB)
     const Bytes samples = VariedSamples(PixelType::UInt16, 1024 * 1024);
     const DisplayedFrame expected =
         ReferenceDisplay({.pixelType = PixelType::UInt16, .width = 1024, .height = 1024, .bytes = samples});
-    SparseStream stream{place + 2097152, file, place, samples};
-    RawImageNpy reader;
-    ASSERT_TRUE(reader.Read(&stream, place + 2097152, 1, 4095));
-    EXPECT_TRUE(reader.displayPixels == expected.pixels);
+    const SparseRead<RawImageNpy> read{place + 2097152, file, place, samples, 1, 4095};
+    ASSERT_TRUE(read.succeeded);
+    EXPECT_TRUE(read.reader.displayPixels == expected.pixels);
 
-    RawImageNpy cut;
-    DiagnosticLines diagnostics;
-    EXPECT_FALSE(cut.Read(&stream, place + 2097151, 1, 4095));
-    EXPECT_THAT(diagnostics.Take(), ElementsAre(invalidDataSize));
-}
-
-TEST(NpyReader, PassesOnWhatKeepsAStreamFromBeingRead)
-{
-    RawImageNpy reader;
-    EXPECT_THROW((void)reader.Read(nullptr, 2048, 0, 0), std::invalid_argument);
-
-    for (const StreamFaults& faults :
-         {StreamFaults{.failStatAt = 1}, StreamFaults{.failSeekAt = 1}, StreamFaults{.failReadAt = 1},
-          StreamFaults{.longestRead = 255}, StreamFaults{.reportedSize = 2048}})
-    {
-        TestStream stream{NpyFile().Samples({1}).Build(), faults};
-        RawImageNpy npy;
-        EXPECT_THROW((void)npy.Read(&stream, 257, 1, 0), std::runtime_error);
-        EXPECT_EQ(stream.references, 0U);
-    }
-}
-
-TEST(NpyReader, SaysWhenTheFrameCannotBeRead)
-{
-    for (const StreamFaults& faults :
-         {StreamFaults{.failStatAt = 2}, StreamFaults{.failSeekAt = 2}, StreamFaults{.failReadAt = 2}})
-    {
-        const NpyRead read{NpyFile().Shape("(1, 2)").Samples({1, 2}).Build(), 1, 0, faults};
-        EXPECT_FALSE(read.succeeded);
-        EXPECT_THAT(read.lines, ElementsAre(cannotReadImage));
-        EXPECT_THAT(read.reader.displayPixels, IsEmpty());
-    }
+    const SparseRead<RawImageNpy> cut{place + 2097151, file, place, samples, 1, 4095};
+    EXPECT_FALSE(cut.succeeded);
+    EXPECT_THAT(cut.lines, ElementsAre(invalidDataSize));
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "formats/RawImageNpy.h"
+#include "support/FileFacts.h"
 #include "support/files/NpyFile.h"
-#include "support/streams/FileRead.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,8 +10,6 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
 using NpyRead = FileRead<RawImageNpy>;
 
 namespace {
@@ -23,52 +22,13 @@ const std::string invalidResolution = "[Lumora] NPY: Invalid resolution";
 const std::string tooManyFrames = "[Lumora] NPY: The number of frames is too large";
 const std::string noSuchFrame = "[Lumora] NPY: Frame index is out of range";
 
-TEST(NpyReader, FillsInTheFactsOfAStack)
-{
-    const NpyRead read{NpyFile().Descr("<u2").Shape("(2, 4, 3)").Samples(Bytes(48)).Build(), 0};
-
-    EXPECT_TRUE(read.succeeded);
-    EXPECT_EQ(read.reader.fileType, FileType::Npy);
-    EXPECT_EQ(read.reader.byteOrder, ByteOrder::LittleEndian);
-    EXPECT_EQ(read.reader.readMode, 0U);
-    EXPECT_EQ(read.reader.pixelType, PixelType::UInt16);
-    EXPECT_FALSE(read.reader.flipVertical);
-    EXPECT_EQ(read.reader.software, L"");
-    EXPECT_EQ(read.reader.formatDetails, L"");
-    EXPECT_EQ(read.reader.width, 3U);
-    EXPECT_EQ(read.reader.height, 4U);
-    EXPECT_EQ(read.reader.frameCount, 2U);
-    EXPECT_EQ(read.reader.xStride, 0U);
-    EXPECT_EQ(read.reader.yStride, 0U);
-    EXPECT_THAT(read.reader.displayPixels, IsEmpty());
-    EXPECT_THAT(read.lines, IsEmpty());
-}
-
-TEST(NpyReader, KeepsTheReadModeAsGivenAndReadsPixelsUnlessItIsZero)
-{
-    for (const uint32_t mode : {0U, 1U, 2U, 0xFFFFFFFFU})
-    {
-        const NpyRead read{NpyFile().Shape("(2, 3)").Samples({1, 2, 3, 4, 5, 6}).Build(), mode};
-        EXPECT_TRUE(read.succeeded) << mode;
-        EXPECT_EQ(read.reader.readMode, mode);
-        EXPECT_EQ(read.reader.displayPixels.size(), mode == 0 ? 0U : 6U) << mode;
-    }
-}
-
 TEST(NpyReader, RefusesAFileWithoutTheMagicText)
 {
     for (size_t place = 0; place < 6; ++place)
     {
         Bytes file = NpyFile().Samples({1}).Build();
         file[place] ^= 0x20;
-        for (const uint32_t mode : {0U, 1U})
-        {
-            const NpyRead read{file, mode};
-            EXPECT_FALSE(read.succeeded) << place;
-            EXPECT_THAT(read.lines, ElementsAre(invalidHeader)) << place;
-            EXPECT_EQ(read.reader.fileType, FileType::Npy);
-            EXPECT_EQ(read.reader.readMode, mode);
-        }
+        ExpectRefusal<RawImageNpy>(file, {invalidHeader}, place, HasFacts({.fileType = FileType::Npy}));
     }
 }
 
@@ -76,12 +36,8 @@ TEST(NpyReader, ReadsVersion1Point0Only)
 {
     constexpr uint8_t versions[][2] = {{0, 0}, {0, 1}, {1, 1}, {1, 255}, {2, 0}, {3, 0}, {255, 0}};
     for (const auto& [major, minor] : versions)
-        for (const uint32_t mode : {0U, 1U})
-        {
-            const NpyRead read{NpyFile().Version(major, minor).Samples({1}).Build(), mode};
-            EXPECT_FALSE(read.succeeded) << int{major} << '.' << int{minor};
-            EXPECT_THAT(read.lines, ElementsAre(unsupportedVersion)) << int{major} << '.' << int{minor};
-        }
+        ExpectRefusal<RawImageNpy>(NpyFile().Version(major, minor).Samples({1}).Build(), {unsupportedVersion},
+                                   testing::Message() << int{major} << '.' << int{minor});
     EXPECT_TRUE(NpyRead(NpyFile().Version(1, 0).Samples({1}).Build()).succeeded);
 }
 
@@ -150,12 +106,8 @@ TEST(NpyReader, RefusesEveryOtherElementType)
     for (const char* descr :
          {"<f2", "<u8", "<i8", "|b1", "<f16", "<c32", "|S10", "<U10", "<M8[us]", "<m8[ns]", "|V4", "|O",
           "",    "<",   "u",   "1",   "c1",   "c 8",  "U2",   "I4",   "F8",      "C16",     "8f"})
-        for (const uint32_t mode : {0U, 1U})
-        {
-            const NpyRead read{NpyFile().Descr(descr).Samples(Bytes(16)).Build(), mode};
-            EXPECT_FALSE(read.succeeded) << descr;
-            EXPECT_THAT(read.lines, ElementsAre(unsupportedPixelType)) << descr;
-        }
+        ExpectRefusal<RawImageNpy>(NpyFile().Descr(descr).Samples(Bytes(16)).Build(), {unsupportedPixelType},
+                                   descr);
 }
 
 struct ShapeRow
@@ -203,10 +155,9 @@ TEST(NpyReader, TellsFramesFromRowsByTheShape)
     {
         const NpyRead read{NpyFile().Descr(row.descr).Shape(row.shape).Samples(Bytes(600000)).Build(), 0};
         EXPECT_TRUE(read.succeeded) << row.shape;
-        EXPECT_EQ(read.reader.pixelType, row.pixelType) << row.shape;
-        EXPECT_EQ(read.reader.width, row.width) << row.shape;
-        EXPECT_EQ(read.reader.height, row.height) << row.shape;
-        EXPECT_EQ(read.reader.frameCount, row.frameCount) << row.shape;
+        EXPECT_THAT(read.reader,
+                    HasFacts({FileType::Npy, row.pixelType, row.width, row.height, row.frameCount}))
+            << row.shape;
         EXPECT_THAT(read.lines, IsEmpty()) << row.shape;
     }
 }
@@ -264,34 +215,23 @@ TEST(NpyReader, SaysWhatKeepsAShapeFromBeingShown)
         {"(64, 64, 0)", noSuchFrame},
     };
     for (const RefusedShapeRow& row : rows)
-        for (const uint32_t mode : {0U, 1U})
-        {
-            const NpyRead read{NpyFile().Shape(row.shape).Samples(Bytes(70000)).Build(), mode};
-            EXPECT_FALSE(read.succeeded) << row.shape;
-            EXPECT_THAT(read.lines, ElementsAre(row.line)) << row.shape;
-        }
+        ExpectRefusal<RawImageNpy>(NpyFile().Shape(row.shape).Samples(Bytes(70000)).Build(), {row.line},
+                                   row.shape);
 }
 
 TEST(NpyReader, FillsInTheFactsOfAStackOfNothing)
 {
     const NpyRead read{NpyFile().Shape("(0, 64, 48)").Samples(Bytes(70000)).Build(), 0};
-    EXPECT_EQ(read.reader.width, 48U);
-    EXPECT_EQ(read.reader.height, 64U);
-    EXPECT_EQ(read.reader.frameCount, 0U);
+    EXPECT_THAT(read.reader, HasFacts({FileType::Npy, PixelType::UInt8, 48, 64, 0}));
 }
 
 TEST(NpyReader, KeepsWhatItHasFoundBeforeARefusal)
 {
     const NpyRead colours{NpyFile().Descr("|u1").Shape("(0, 4, 3)").Samples(Bytes(64)).Build(), 0};
-    EXPECT_EQ(colours.reader.pixelType, PixelType::RGB24);
-    EXPECT_EQ(colours.reader.width, 4U);
-    EXPECT_EQ(colours.reader.height, 0U);
-    EXPECT_EQ(colours.reader.frameCount, 1U);
+    EXPECT_THAT(colours.reader, HasFacts({FileType::Npy, PixelType::RGB24, 4, 0, 1}));
 
     const NpyRead line{NpyFile().Descr("<i4").Shape("(5,)").Samples(Bytes(64)).Build(), 0};
-    EXPECT_EQ(line.reader.pixelType, PixelType::Int32);
-    EXPECT_EQ(line.reader.width, 0U);
-    EXPECT_EQ(line.reader.height, 0U);
+    EXPECT_THAT(line.reader, HasFacts({FileType::Npy, PixelType::Int32}));
 }
 
 } // namespace

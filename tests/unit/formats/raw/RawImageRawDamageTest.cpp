@@ -1,18 +1,14 @@
 #include "formats/RawImageRaw.h"
 #include "support/files/RawFile.h"
 #include "support/streams/DamagedFile.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <stdexcept>
-
 using namespace Tav::Imaging::RawImage;
-using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
 using RawRead = FileRead<RawImageRaw>;
 
 namespace {
@@ -21,7 +17,6 @@ const std::string wrongIndex = "[Lumora] RAW: Invalid frame index";
 const std::string notWholeBytes = "[Lumora] RAW: Invalid pixel type (not a multiple of 8-bits)";
 const std::string correctedBits = "[Lumora] RAW: The bits per pixel in the file header is not correct";
 const std::string wrongType = "[Lumora] RAW: Unsupported pixel type";
-const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
 
 constexpr size_t heightEnd = 25;
 constexpr size_t unusedEnd = 29;
@@ -107,37 +102,6 @@ TEST(DamagedRawFile, IsReadOrNotWithAnyByteChanged)
             ExpectSaneRead<RawImageRaw>(changed, 0, place);
             ExpectSaneOutcome(changed, 0, place);
         });
-}
-
-TEST(RawReader, PassesOnWhatKeepsAStreamFromBeingRead)
-{
-    RawImageRaw reader;
-    EXPECT_THROW((void)reader.Read(nullptr, 2048, 0, 0), std::invalid_argument);
-    EXPECT_EQ(reader.fileType, FileType::Raw);
-    EXPECT_EQ(reader.readMode, 0U);
-
-    for (const StreamFaults& faults :
-         {StreamFaults{.failStatAt = 1}, StreamFaults{.failSeekAt = 1}, StreamFaults{.failReadAt = 1},
-          StreamFaults{.reportedSize = 2048}, StreamFaults{.longestRead = 60}})
-    {
-        TestStream stream{Bytes4x4().Build(), faults};
-        RawImageRaw raw;
-        EXPECT_THROW((void)raw.Read(&stream, 65, 1, 0), std::runtime_error);
-        EXPECT_EQ(stream.references, 0U);
-    }
-}
-
-TEST(RawReader, SaysWhenTheFrameCannotBeRead)
-{
-    for (const uint32_t stride : {0U, 1U})
-        for (const StreamFaults& faults :
-             {StreamFaults{.failStatAt = 2}, StreamFaults{.failSeekAt = 2}, StreamFaults{.failReadAt = 2}})
-        {
-            const RawRead read{Bytes4x4().Strides(stride, 4 * stride).Build(), 1, 0, faults};
-            EXPECT_FALSE(read.succeeded);
-            EXPECT_THAT(read.lines, ElementsAre(cannotReadImage));
-            EXPECT_THAT(read.reader.displayPixels, IsEmpty());
-        }
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "formats/RawImageRaw.h"
+#include "support/FileFacts.h"
 #include "support/files/RawFile.h"
-#include "support/streams/FileRead.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,8 +12,6 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
 using RawRead = FileRead<RawImageRaw>;
 
 namespace {
@@ -21,31 +20,6 @@ const std::string wrongIndex = "[Lumora] RAW: Invalid frame index";
 const std::string notWholeBytes = "[Lumora] RAW: Invalid pixel type (not a multiple of 8-bits)";
 const std::string correctedBits = "[Lumora] RAW: The bits per pixel in the file header is not correct";
 const std::string wrongType = "[Lumora] RAW: Unsupported pixel type";
-const std::string wrongSize = "[Lumora] Invalid resolution";
-const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
-
-TEST(RawReader, FillsInTheFactsOfAFile)
-{
-    const Bytes file =
-        RawFile().Size(3, 2).Samples(16, RawFile::Unsigned, Bytes(12)).Strides(2, 6).Gap(5).Build();
-    const RawRead read{file, 0};
-
-    EXPECT_TRUE(read.succeeded);
-    EXPECT_EQ(read.reader.fileType, FileType::Raw);
-    EXPECT_EQ(read.reader.byteOrder, ByteOrder::LittleEndian);
-    EXPECT_EQ(read.reader.readMode, 0U);
-    EXPECT_EQ(read.reader.pixelType, PixelType::UInt16);
-    EXPECT_FALSE(read.reader.flipVertical);
-    EXPECT_EQ(read.reader.software, L"");
-    EXPECT_EQ(read.reader.formatDetails, L"");
-    EXPECT_EQ(read.reader.width, 3U);
-    EXPECT_EQ(read.reader.height, 2U);
-    EXPECT_EQ(read.reader.frameCount, 1U);
-    EXPECT_EQ(read.reader.xStride, 2U);
-    EXPECT_EQ(read.reader.yStride, 6U);
-    EXPECT_THAT(read.reader.displayPixels, IsEmpty());
-    EXPECT_THAT(read.lines, IsEmpty());
-}
 
 TEST(RawReader, IsChosenByItsSignatureAndDoesNotLookAtItAgain)
 {
@@ -67,32 +41,12 @@ TEST(RawReader, IsChosenByItsSignatureAndDoesNotLookAtItAgain)
     }
 }
 
-TEST(RawReader, KeepsTheReadModeAsGivenAndReadsPixelsUnlessItIsZero)
-{
-    for (const uint32_t mode : {0U, 1U, 2U, 0xFFFFFFFFU})
-    {
-        const RawRead read{RawFile().Size(4, 1).Samples(8, 0, {0, 1, 2, 255}).Build(), mode};
-        EXPECT_TRUE(read.succeeded) << mode;
-        EXPECT_EQ(read.reader.readMode, mode);
-        EXPECT_EQ(read.reader.displayPixels.size(), mode == 0 ? 0U : 4U) << mode;
-    }
-}
-
 TEST(RawReader, HoldsASingleFrameHoweverManySamplesFollow)
 {
-    for (const uint32_t mode : {0U, 1U})
-        for (const uint32_t frameIndex : {1U, 2U, 0x80000000U, 0xFFFFFFFFU})
-        {
-            const RawRead read{RawFile().Size(2, 3).Samples(8, 0, Bytes(600)).Build(), mode, frameIndex};
-            EXPECT_FALSE(read.succeeded);
-            EXPECT_THAT(read.lines, ElementsAre(wrongIndex));
-            EXPECT_EQ(read.reader.fileType, FileType::Raw);
-            EXPECT_EQ(read.reader.width, 2U);
-            EXPECT_EQ(read.reader.height, 3U);
-            EXPECT_EQ(read.reader.frameCount, 1U);
-            EXPECT_EQ(read.reader.pixelType, PixelType::Unknown);
-            EXPECT_THAT(read.reader.displayPixels, IsEmpty());
-        }
+    const Bytes file = RawFile().Size(2, 3).Samples(8, 0, Bytes(600)).Build();
+    for (const uint32_t frameIndex : {1U, 2U, 0x80000000U, 0xFFFFFFFFU})
+        ExpectRefusal<RawImageRaw>(file, {wrongIndex}, frameIndex,
+                                   HasFacts({FileType::Raw, PixelType::Unknown, 2, 3, 1}), frameIndex);
 }
 
 TEST(RawReader, LooksAtTheIndexBeforeThePixels)
@@ -203,11 +157,9 @@ TEST(RawReader, DerivesTheSizeOfASampleWhereTheHeaderHasNoWholeBytes)
             RawFile().Size(row.width, row.height).Samples(row.bits, row.kind, Bytes(row.dataBytes));
         const RawRead read{file.Build(), 0};
         EXPECT_EQ(read.succeeded, row.pixelType != PixelType::Unknown) << row.what;
-        EXPECT_EQ(read.reader.pixelType, row.pixelType) << row.what;
         EXPECT_EQ(read.lines, row.lines) << row.what;
-        EXPECT_EQ(read.reader.width, row.width) << row.what;
-        EXPECT_EQ(read.reader.height, row.height) << row.what;
-        EXPECT_EQ(read.reader.frameCount, 1U) << row.what;
+        EXPECT_THAT(read.reader, HasFacts({FileType::Raw, row.pixelType, row.width, row.height, 1}))
+            << row.what;
     }
 }
 
@@ -270,33 +222,23 @@ TEST(RawReader, LeavesTheSizeToTheDisplay)
     {
         uint32_t width;
         uint32_t height;
-        Lines lines;
+        std::string line;
     };
     const Row rows[] = {
-        {0, 1, {wrongSize}},
-        {1, 0, {wrongSize}},
-        {0, 0, {wrongSize}},
-        {65536, 1, {wrongSize}},
-        {1, 65536, {wrongSize}},
-        {0x80000001, 2, {wrongSize}},
-        {0xFFFFFFFF, 0xFFFFFFFF, {wrongSize}},
-        {65535, 65535, {cannotReadImage}},
-        {5, 1, {cannotReadImage}},
+        {0, 1, invalidResolution},
+        {1, 0, invalidResolution},
+        {0, 0, invalidResolution},
+        {65536, 1, invalidResolution},
+        {1, 65536, invalidResolution},
+        {0x80000001, 2, invalidResolution},
+        {0xFFFFFFFF, 0xFFFFFFFF, invalidResolution},
+        {65535, 65535, cannotReadImage},
+        {5, 1, cannotReadImage},
     };
     for (const Row& row : rows)
-    {
-        const Bytes file = RawFile().Size(row.width, row.height).Samples(8, 0, {1, 2, 3, 4}).Build();
-        const RawRead header{file, 0};
-        EXPECT_TRUE(header.succeeded) << row.width << " x " << row.height;
-        EXPECT_EQ(header.reader.width, row.width);
-        EXPECT_EQ(header.reader.height, row.height);
-        EXPECT_THAT(header.lines, IsEmpty()) << row.width << " x " << row.height;
-
-        const RawRead frame{file, 1};
-        EXPECT_FALSE(frame.succeeded) << row.width << " x " << row.height;
-        EXPECT_EQ(frame.lines, row.lines) << row.width << " x " << row.height;
-        EXPECT_THAT(frame.reader.displayPixels, IsEmpty()) << row.width << " x " << row.height;
-    }
+        ExpectFactsWithoutFrame<RawImageRaw>(
+            RawFile().Size(row.width, row.height).Samples(8, 0, {1, 2, 3, 4}).Build(), 0, row.line,
+            HasFacts({FileType::Raw, PixelType::UInt8, row.width, row.height, 1}));
 }
 
 } // namespace

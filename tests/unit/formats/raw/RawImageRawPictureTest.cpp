@@ -2,8 +2,8 @@
 #include "support/display/FrameReader.h"
 #include "support/display/VariedSamples.h"
 #include "support/files/RawFile.h"
-#include "support/streams/FileRead.h"
-#include "support/streams/SparseStream.h"
+#include "support/streams/ReaderExpectations.h"
+#include "support/streams/SparseRead.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -12,13 +12,10 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
 using RawRead = FileRead<RawImageRaw>;
 
 namespace {
 
-const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
 const std::string wideRange = "[Lumora] The dynamic range is too high for calculating the exact histogram";
 
 struct TypeRow
@@ -179,13 +176,8 @@ TEST(RawReader, NeedsTheBytesOfAPackedFrameWhateverTheStrides)
                 const Bytes cut(row.samples.begin(), row.samples.end() - static_cast<ptrdiff_t>(missing));
                 const auto file =
                     RawFile().Size(2, 2).Samples(row.bits, row.kind, cut).Strides(stride, stride);
-                const RawRead header{file.Build(), 0};
-                EXPECT_TRUE(header.succeeded) << row.bits;
-                EXPECT_THAT(header.lines, IsEmpty()) << row.bits;
-                const RawRead frame{file.Build(), 1};
-                EXPECT_FALSE(frame.succeeded) << row.bits;
-                EXPECT_THAT(frame.lines, ElementsAre(cannotReadImage)) << row.bits;
-                EXPECT_THAT(frame.reader.displayPixels, IsEmpty()) << row.bits;
+                SCOPED_TRACE(row.bits);
+                ExpectFactsWithoutFrame<RawImageRaw>(file.Build(), 0, cannotReadImage);
             }
 }
 
@@ -263,10 +255,8 @@ TEST(RawReader, RefusesADataOffsetBeyondTheEnd)
         {
             const auto file =
                 RawFile().Size(4, 1).Samples(8, 0, {0, 1, 2, 3}).DataOffset(word).Strides(stride, stride);
-            EXPECT_TRUE(RawRead(file.Build(), 0).succeeded) << word;
-            const RawRead frame{file.Build(), 1};
-            EXPECT_FALSE(frame.succeeded) << word;
-            EXPECT_THAT(frame.lines, ElementsAre(cannotReadImage)) << word;
+            SCOPED_TRACE(word);
+            ExpectFactsWithoutFrame<RawImageRaw>(file.Build(), 0, cannotReadImage);
         }
 }
 
@@ -274,13 +264,11 @@ TEST(RawReader, FindsTheSamplesJustBelow4GiB)
 {
     constexpr uint32_t word = 0xFFFFFFCE;
     constexpr uint64_t place = 0xFFFFFFFF;
-    SparseStream stream{place + 4, RawFile().Size(4, 1).DataOffset(word).Build(), place, {0, 70, 80, 255}};
-    RawImageRaw reader;
-    DiagnosticLines diagnostics;
-    EXPECT_TRUE(reader.Read(&stream, place + 4, 1, 0));
-    EXPECT_THAT(reader.displayPixels, ElementsAre(0, 70, 80, 255));
-    EXPECT_THAT(diagnostics.Take(), IsEmpty());
-    EXPECT_EQ(stream.references, 0U);
+    const SparseRead<RawImageRaw> read{
+        place + 4, RawFile().Size(4, 1).DataOffset(word).Build(), place, {0, 70, 80, 255}};
+    EXPECT_TRUE(read.succeeded);
+    EXPECT_THAT(read.reader.displayPixels, ElementsAre(0, 70, 80, 255));
+    EXPECT_THAT(read.lines, IsEmpty());
 }
 
 TEST(RawReader, QuantisesFractionsFinelyWhateverTheirRange)
@@ -315,15 +303,7 @@ TEST(RawReader, QuantisesFractionsFinelyWhateverTheirRange)
 TEST(RawReader, ReadsNoSamplesForTheFactsOfAFile)
 {
     const auto file = RawFile().Size(3000, 2000).Samples(8, 0, Bytes(6000000)).Gap(3000000);
-    const RawRead header{file.Build(), 0};
-    EXPECT_TRUE(header.succeeded);
-    EXPECT_EQ(header.stream.readCalls, 1U);
-    EXPECT_EQ(header.stream.bytesRead, 0x400000U);
-
-    const RawRead frame{file.Build(), 1};
-    EXPECT_TRUE(frame.succeeded);
-    EXPECT_EQ(frame.stream.readCalls, 2U);
-    EXPECT_EQ(frame.stream.bytesRead, 0x400000U + 6000000U);
+    ExpectReadsOfOneWindow<RawImageRaw>(file.Build(), 0, 6000000);
 }
 
 } // namespace

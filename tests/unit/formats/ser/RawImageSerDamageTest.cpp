@@ -1,22 +1,18 @@
 #include "formats/RawImageSer.h"
 #include "support/files/SerFile.h"
 #include "support/streams/DamagedFile.h"
+#include "support/streams/ReaderExpectations.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <stdexcept>
 
 using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Bytes = std::vector<uint8_t>;
 using SerRead = FileRead<RawImageSer>;
 
 namespace {
-
-const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
 
 /// Two pictures of 4 x 2 bytes.
 Bytes Series(uint16_t version)
@@ -99,25 +95,6 @@ TEST(DamagedSerFile, OpensOrNotWithAnyByteOfItsHeaderChanged)
                         [](const Bytes& file, size_t place) { ExpectSaneOutcome(file, 0, place); });
 }
 
-TEST(SerReader, PassesOnWhatKeepsAStreamFromBeingRead)
-{
-    RawImageSer reader;
-    EXPECT_THROW((void)reader.Read(nullptr, 2048, 0, 0), std::invalid_argument);
-    EXPECT_EQ(reader.fileType, FileType::Ser);
-    EXPECT_EQ(reader.readMode, 0U);
-    EXPECT_EQ(reader.software, L"Pellox");
-
-    for (const StreamFaults& faults :
-         {StreamFaults{.failStatAt = 1}, StreamFaults{.failSeekAt = 1}, StreamFaults{.failReadAt = 1},
-          StreamFaults{.reportedSize = 2048}, StreamFaults{.longestRead = 100}})
-    {
-        TestStream stream{Series(0x0210), faults};
-        RawImageSer ser;
-        EXPECT_THROW((void)ser.Read(&stream, 150, 1, 0), std::runtime_error);
-        EXPECT_EQ(stream.references, 0U);
-    }
-}
-
 TEST(SerReader, FailsSilentlyWhereALaterWindowCannotBeRead)
 {
     // The element lies in a second window.
@@ -128,18 +105,6 @@ TEST(SerReader, FailsSilentlyWhereALaterWindowCannotBeRead)
         const SerRead read{distant, 0, 1, faults};
         EXPECT_FALSE(read.succeeded);
         EXPECT_THAT(read.lines, IsEmpty());
-    }
-}
-
-TEST(SerReader, SaysWhenTheFrameCannotBeRead)
-{
-    for (const StreamFaults& faults :
-         {StreamFaults{.failStatAt = 2}, StreamFaults{.failSeekAt = 2}, StreamFaults{.failReadAt = 2}})
-    {
-        const SerRead read{Series(0x0220), 1, 1, faults};
-        EXPECT_FALSE(read.succeeded);
-        EXPECT_THAT(read.lines, ElementsAre(cannotReadImage));
-        EXPECT_THAT(read.reader.displayPixels, IsEmpty());
     }
 }
 

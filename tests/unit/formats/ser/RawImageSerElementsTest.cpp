@@ -1,7 +1,8 @@
 #include "formats/RawImageSer.h"
+#include "support/FileFacts.h"
 #include "support/files/SerFile.h"
-#include "support/streams/FileRead.h"
-#include "support/streams/SparseStream.h"
+#include "support/streams/ReaderExpectations.h"
+#include "support/streams/SparseRead.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,16 +11,12 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Bytes = std::vector<uint8_t>;
-using Lines = std::vector<std::string>;
 using SerRead = FileRead<RawImageSer>;
 
 namespace {
 
 const std::string outOfRange = "[Lumora] SER: Frame index is out of range";
 const std::string wrongType = "[Lumora] SER: Unsupported pixel type";
-const std::string wrongSize = "[Lumora] Invalid resolution";
-const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
 
 /// Pictures of 3 x 1 bytes with the element's number in the middle.
 SerFile Numbered(uint16_t version, uint8_t count)
@@ -32,36 +29,14 @@ SerFile Numbered(uint16_t version, uint8_t count)
 
 constexpr uint16_t versions[] = {0x0210, 0x0211, 0x0220};
 
-TEST(SerReader, ShowsTheElementThatIsAskedFor)
+TEST(SerReader, RefusesAnElementThatIsInTheFileButNotValid)
 {
     for (const uint16_t version : versions)
-        for (uint8_t i = 0; i < 3; ++i)
-        {
-            const SerRead read{Numbered(version, 3).Build(), 1, i};
-            EXPECT_TRUE(read.succeeded);
-            EXPECT_EQ(read.reader.frameCount, 3U);
-            EXPECT_THAT(read.reader.displayPixels, ElementsAre(0, i, 255));
-            EXPECT_THAT(read.lines, IsEmpty());
-        }
-}
-
-TEST(SerReader, RefusesAFrameIndexBeyondTheElements)
-{
-    for (const uint16_t version : versions)
-        for (const uint32_t mode : {0U, 1U})
-            for (const uint32_t frameIndex : {3U, 4U, 0x80000000U, 0xFFFFFFFFU})
-            {
-                const SerRead read{Numbered(version, 3).Build(), mode, frameIndex};
-                EXPECT_FALSE(read.succeeded);
-                EXPECT_THAT(read.lines, ElementsAre(outOfRange));
-                // Neither is set before the index has been accepted.
-                EXPECT_EQ(read.reader.frameCount, 0U);
-                EXPECT_FALSE(read.reader.flipVertical);
-            }
-    // The fourth element is in the file but not valid.
-    const SerRead invalid{Numbered(0x0210, 4).ValidCount(3).Build(), 0, 3};
-    EXPECT_FALSE(invalid.succeeded);
-    EXPECT_THAT(invalid.lines, ElementsAre(outOfRange));
+    {
+        const SerRead read{Numbered(version, 4).ValidCount(3).Build(), 0, 3};
+        EXPECT_FALSE(read.succeeded);
+        EXPECT_THAT(read.lines, ElementsAre(outOfRange));
+    }
 }
 
 TEST(SerReader, FindsElementsInAnyOrderAndAnyNumberOfTimes)
@@ -85,13 +60,10 @@ TEST(SerReader, ChecksEveryOffsetWhicheverFrameIsAskedFor)
         for (const size_t damaged : {0U, 1U, 2U})
             for (const uint64_t offset : {size, size + 1, uint64_t{0x7FFFFFFF}, uint64_t{0xFFFFFFFF}})
                 for (const uint32_t frameIndex : {0U, 1U, 2U, 3U})
-                    for (const uint32_t mode : {0U, 1U})
-                    {
-                        const SerRead read{Numbered(version, 3).ElementOffset(damaged, offset).Build(), mode,
-                                           frameIndex};
-                        EXPECT_FALSE(read.succeeded) << version << " " << damaged << " " << frameIndex;
-                        EXPECT_THAT(read.lines, IsEmpty()) << version << " " << damaged << " " << frameIndex;
-                    }
+                    ExpectRefusal<RawImageSer>(
+                        Numbered(version, 3).ElementOffset(damaged, offset).Build(), {},
+                        testing::Message() << version << " " << damaged << " " << frameIndex, testing::_,
+                        frameIndex);
 
         // The last byte is no place for an element, but only the one that is read there suffers.
         const Bytes atLastByte = Numbered(version, 3).ElementOffset(1, size - 1).Build();
@@ -199,12 +171,7 @@ TEST(SerReader, SurvivesAnArrayAnywhere)
         {"where it would wrap", 0xFFFFFFFE, {}},
     };
     for (const PlaceRow& row : rows)
-        for (const uint32_t mode : {0U, 1U})
-        {
-            const SerRead read{SerFile{file}.ArrayOffset(row.place).Build(), mode};
-            EXPECT_FALSE(read.succeeded) << row.what;
-            EXPECT_EQ(read.lines, row.lines) << row.what;
-        }
+        ExpectRefusal<RawImageSer>(SerFile{file}.ArrayOffset(row.place).Build(), row.lines, row.what);
 }
 
 TEST(SerReader, SurvivesAnElementAnywhere)
@@ -227,29 +194,15 @@ TEST(SerReader, SurvivesAnElementAnywhere)
         {"beyond the end", 83, {}},
     };
     for (const PlaceRow& row : rows)
-        for (const uint32_t mode : {0U, 1U})
-        {
-            const SerRead read{SerFile{file}.ElementOffset(0, row.place).Build(), mode};
-            EXPECT_FALSE(read.succeeded) << row.what;
-            EXPECT_EQ(read.lines, row.lines) << row.what;
-        }
+        ExpectRefusal<RawImageSer>(SerFile{file}.ElementOffset(0, row.place).Build(), row.lines, row.what);
 }
 
 TEST(SerReader, RefusesEveryOtherDataType)
 {
     constexpr uint16_t types[] = {0, 11, 12, 15, 32, 255, 256, 257, 0x0200, 0x8001, 0xFFFF};
     for (const uint16_t type : types)
-        for (const uint32_t mode : {0U, 1U})
-        {
-            const SerRead read{SerFile().Element({type, 2, 3, Bytes(200)}).Build(), mode};
-            EXPECT_FALSE(read.succeeded) << type;
-            EXPECT_THAT(read.lines, ElementsAre(wrongType)) << type;
-            EXPECT_EQ(read.reader.pixelType, PixelType::Unknown) << type;
-            EXPECT_EQ(read.reader.width, 2U) << type;
-            EXPECT_EQ(read.reader.height, 3U) << type;
-            EXPECT_EQ(read.reader.frameCount, 1U) << type;
-            EXPECT_TRUE(read.reader.flipVertical) << type;
-        }
+        ExpectRefusal<RawImageSer>(SerFile().Element({type, 2, 3, Bytes(200)}).Build(), {wrongType}, type,
+                                   HasFacts({FileType::Ser, PixelType::Unknown, 2, 3, 1, true, L"Pellox"}));
 }
 
 TEST(SerReader, SaysNothingOfADataTypeBeforeTheElementsHeaderIsComplete)
@@ -286,10 +239,8 @@ TEST(SerReader, KeepsWhatItHasReadOfAnElementThatIsCut)
         const SerRead read{Bytes(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(row.length)), 0};
         EXPECT_FALSE(read.succeeded) << row.length;
         EXPECT_EQ(read.lines, Lines{}) << row.length;
-        EXPECT_EQ(read.reader.pixelType, row.pixelType) << row.length;
-        EXPECT_EQ(read.reader.width, row.width) << row.length;
-        EXPECT_EQ(read.reader.height, 0U) << row.length;
-        EXPECT_EQ(read.reader.frameCount, 1U) << row.length;
+        EXPECT_THAT(read.reader, HasFacts({FileType::Ser, row.pixelType, row.width, 0, 1, true, L"Pellox"}))
+            << row.length;
     }
 }
 
@@ -299,51 +250,29 @@ TEST(SerReader, LeavesTheSizeToTheDisplay)
     {
         uint32_t width;
         uint32_t height;
-        Lines lines;
+        std::string line;
     };
-    const Row rows[] = {{0, 1, {wrongSize}},          {1, 0, {wrongSize}},
-                        {0, 0, {wrongSize}},          {65536, 1, {wrongSize}},
-                        {1, 65536, {wrongSize}},      {0xFFFFFFFF, 0xFFFFFFFF, {wrongSize}},
-                        {4, 1, {cannotReadImage}},    {65535, 65535, {cannotReadImage}},
-                        {65535, 1, {cannotReadImage}}};
+    const Row rows[] = {{0, 1, invalidResolution},     {1, 0, invalidResolution},
+                        {0, 0, invalidResolution},     {65536, 1, invalidResolution},
+                        {1, 65536, invalidResolution}, {0xFFFFFFFF, 0xFFFFFFFF, invalidResolution},
+                        {4, 1, cannotReadImage},       {65535, 65535, cannotReadImage},
+                        {65535, 1, cannotReadImage}};
     for (const Row& row : rows)
-    {
-        const Bytes file = SerFile().Element(row.width, row.height, {1, 2, 3}).Build();
-        const SerRead header{file, 0};
-        EXPECT_TRUE(header.succeeded) << row.width << " x " << row.height;
-        EXPECT_EQ(header.reader.width, row.width);
-        EXPECT_EQ(header.reader.height, row.height);
-        EXPECT_THAT(header.lines, IsEmpty()) << row.width << " x " << row.height;
-
-        const SerRead frame{file, 1};
-        EXPECT_FALSE(frame.succeeded) << row.width << " x " << row.height;
-        EXPECT_EQ(frame.lines, row.lines) << row.width << " x " << row.height;
-        EXPECT_THAT(frame.reader.displayPixels, IsEmpty()) << row.width << " x " << row.height;
-    }
-}
-
-/// Reads a stream that no vector could hold.
-bool ReadSparse(SparseStream& stream, RawImageSer& reader, Lines& lines)
-{
-    DiagnosticLines diagnostics;
-    const bool succeeded = reader.Read(&stream, *stream.faults.reportedSize, 1, 0);
-    lines = diagnostics.Take();
-    EXPECT_EQ(stream.references, 0U);
-    return succeeded;
+        ExpectFactsWithoutFrame<RawImageSer>(
+            SerFile().Element(row.width, row.height, {1, 2, 3}).Build(), 0, row.line,
+            HasFacts({FileType::Ser, PixelType::UInt8, row.width, row.height, 1, true, L"Pellox"}));
 }
 
 TEST(SerReader, ShowsAnElementBeyond4GiB)
 {
     constexpr uint64_t place = 0x140000005;
     const Bytes element = SerElement{1, 3, 1, {0, 77, 255}}.Build();
-    SparseStream stream{place + element.size(), Numbered(0x0220, 1).ElementOffset(0, place).Build(), place,
-                        element};
-    RawImageSer reader;
-    Lines lines;
-    EXPECT_TRUE(ReadSparse(stream, reader, lines));
-    EXPECT_THAT(reader.displayPixels, ElementsAre(0, 77, 255));
-    EXPECT_THAT(lines, IsEmpty());
-    EXPECT_EQ(stream.readCalls, 3U);
+    const Bytes start = Numbered(0x0220, 1).ElementOffset(0, place).Build();
+    const SparseRead<RawImageSer> read{place + element.size(), start, place, element};
+    EXPECT_TRUE(read.succeeded);
+    EXPECT_THAT(read.reader.displayPixels, ElementsAre(0, 77, 255));
+    EXPECT_THAT(read.lines, IsEmpty());
+    EXPECT_EQ(read.stream.readCalls, 3U);
 }
 
 TEST(SerReader, LooksForAnArrayBeyond4GiBInTheFirst4GiB)
@@ -352,23 +281,20 @@ TEST(SerReader, LooksForAnArrayBeyond4GiBInTheFirst4GiB)
     const SerFile file = Numbered(0x0220, 1).ArrayOffset(place);
     ByteWriter array;
     array.Put(uint64_t{file.FirstElement()});
-    SparseStream stream{place + 8, file.Build(), place, array.bytes};
-    RawImageSer reader;
-    Lines lines;
+    const SparseRead<RawImageSer> read{place + 8, file.Build(), place, array.bytes};
     // Zeros at 0x1000 make an element of the file's start, with calibration where its type would be.
-    EXPECT_FALSE(ReadSparse(stream, reader, lines));
-    EXPECT_THAT(lines, ElementsAre(wrongType));
+    EXPECT_FALSE(read.succeeded);
+    EXPECT_THAT(read.lines, ElementsAre(wrongType));
 }
 
 TEST(SerReader, RefusesAnElementWhoseHeaderWouldWrapToTheStart)
 {
     // Ten bytes before the end of all numbers; a stream may claim any size.
     constexpr uint64_t place = 0xFFFFFFFFFFFFFFF5;
-    SparseStream stream{0xFFFFFFFFFFFFFFFF, Numbered(0x0220, 1).ElementOffset(0, place).Build(), 0, {}};
-    RawImageSer reader;
-    Lines lines;
-    EXPECT_FALSE(ReadSparse(stream, reader, lines));
-    EXPECT_THAT(lines, IsEmpty());
+    const Bytes start = Numbered(0x0220, 1).ElementOffset(0, place).Build();
+    const SparseRead<RawImageSer> read{0xFFFFFFFFFFFFFFFF, start, 0, {}};
+    EXPECT_FALSE(read.succeeded);
+    EXPECT_THAT(read.lines, IsEmpty());
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "formats/hdf/inside/HdfObject.h"
+#include "support/FileFacts.h"
 #include "support/files/Hdf5File.h"
 #include "support/streams/FileRead.h"
 
@@ -9,135 +10,97 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Lines = std::vector<std::string>;
-
 namespace {
 
 const Lines noImages = {"[Lumora] HDF: No images found"};
 
-/// One image dataset, the class and interlace that it says it has, and what is made of it.
-struct ImageRow
+/// The facts of a file with one dataset that says that it is an image, and perhaps how it is interlaced.
+FileOpen OpenImage(hid_t type, const std::vector<hsize_t>& sides, const char* interlace)
+{
+    Hdf5File file;
+    file.AnyDataSet("/picture", type, sides).Text("/picture", "CLASS", "IMAGE");
+    if (interlace)
+        file.Text("/picture", "INTERLACE_MODE", interlace);
+    return FileOpen{file.Build(), readModeHeader};
+}
+
+struct ListedRow
 {
     const char* what;
     hid_t type;
     std::vector<hsize_t> sides;
     const char* interlace;
-    /// Frames that are found; 0 for an image that is skipped.
+    PixelType pixelType;
     uint32_t frames;
-    PixelType pixelType = PixelType::Unknown;
-    uint32_t width = 0;
-    uint32_t height = 0;
-    /// Why it is skipped; empty where nothing is said.
-    std::string message = {};
 };
-
-void ExpectOutcome(const ImageRow& row, const FileOpen& open)
-{
-    if (row.frames == 0)
-    {
-        EXPECT_FALSE(open.succeeded);
-        EXPECT_EQ(open.lines,
-                  row.message.empty() ? noImages : (Lines{"[Lumora] HDF: " + row.message, noImages[0]}));
-        return;
-    }
-    ASSERT_TRUE(open.succeeded);
-    EXPECT_THAT(open.lines, IsEmpty());
-    const RawImageBase& reader = *open.image.Reader();
-    EXPECT_EQ(reader.fileType, FileType::Hdf);
-    EXPECT_EQ(reader.pixelType, row.pixelType);
-    EXPECT_EQ(reader.width, row.width);
-    EXPECT_EQ(reader.height, row.height);
-    EXPECT_EQ(reader.frameCount, row.frames);
-    EXPECT_THAT(reader.displayPixels, IsEmpty());
-}
 
 TEST(HdfReader, ListsImagesByTheirTypeAndLayout)
 {
-    const std::string lines = "Skipped image with not supported scan-line interlacing";
-    const std::string unknown = "Skipped image with unknown interlace format";
-    const std::string series = "Skipped not supported image series";
-    const std::string undefined = "Skipped RGB image with undefined interlace format";
-    const ImageRow rows[] = {
-        {"plain", H5T_STD_U16LE, {40, 50}, nullptr, 1, PixelType::UInt16, 50, 40},
-        {"one plane", H5T_STD_U8LE, {40, 50, 1}, nullptr, 1, PixelType::UInt8, 50, 40},
-        {"empty interlace", H5T_STD_U16LE, {40, 50}, "", 1, PixelType::UInt16, 50, 40},
-        {"pixel interlace of a plane",
-         H5T_STD_U16LE,
-         {40, 50},
-         "INTERLACE_PIXEL",
-         1,
-         PixelType::UInt16,
-         50,
-         40},
-        {"RGB pixels", H5T_STD_U8LE, {40, 50, 3}, "INTERLACE_PIXEL", 1, PixelType::RGB24, 50, 40},
-        {"RGB planes", H5T_STD_U8LE, {3, 40, 50}, "INTERLACE_PLANE", 1, PixelType::RGB24, 50, 40},
-        {"four planes of bytes", H5T_STD_U8LE, {4, 40, 50}, "INTERLACE_PLANE", 4, PixelType::UInt8, 50, 40},
-        {"three planes of shorts",
-         H5T_STD_U16LE,
-         {3, 40, 50},
-         "INTERLACE_PLANE",
-         3,
-         PixelType::UInt16,
-         50,
-         40},
-        {"three bytes without a word on the layout",
-         H5T_STD_U8LE,
-         {40, 50, 3},
-         nullptr,
-         0,
-         PixelType::Unknown,
-         0,
-         0,
-         series},
-        {"three shorts to the pixel",
-         H5T_STD_U16LE,
-         {40, 50, 3},
-         "INTERLACE_PIXEL",
-         0,
-         PixelType::Unknown,
-         0,
-         0,
-         series},
-        {"lines", H5T_STD_U8LE, {40, 3, 50}, "INTERLACE_LINE", 0, PixelType::Unknown, 0, 0, lines},
-        {"lines of a plane", H5T_STD_U8LE, {40, 50}, "INTERLACE_LINE", 0, PixelType::Unknown, 0, 0, lines},
-        {"unknown", H5T_STD_U8LE, {40, 50}, "INTERLACE_TILE", 0, PixelType::Unknown, 0, 0, unknown},
-        {"longer than known",
-         H5T_STD_U8LE,
-         {40, 50},
-         "INTERLACE_PIXELS",
-         0,
-         PixelType::Unknown,
-         0,
-         0,
-         unknown},
-        {"other letter case",
-         H5T_STD_U8LE,
-         {40, 50},
-         "interlace_pixel",
-         0,
-         PixelType::Unknown,
-         0,
-         0,
-         unknown},
-        {"planes of a plane", H5T_STD_U8LE, {40, 50}, "INTERLACE_PLANE", 0},
-        {"one dimension", H5T_STD_U16LE, {4000}, nullptr, 0},
-        {"four dimensions", H5T_STD_U16LE, {40, 40, 2, 2}, nullptr, 0},
+    const char* const pixels = "INTERLACE_PIXEL";
+    const char* const planes = "INTERLACE_PLANE";
+    const ListedRow rows[] = {
+        {"plain", H5T_STD_U16LE, {40, 50}, nullptr, PixelType::UInt16, 1},
+        {"one plane", H5T_STD_U8LE, {40, 50, 1}, nullptr, PixelType::UInt8, 1},
+        {"empty interlace", H5T_STD_U16LE, {40, 50}, "", PixelType::UInt16, 1},
+        {"pixel interlace of a plane", H5T_STD_U16LE, {40, 50}, pixels, PixelType::UInt16, 1},
+        {"RGB pixels", H5T_STD_U8LE, {40, 50, 3}, pixels, PixelType::RGB24, 1},
+        {"RGB planes", H5T_STD_U8LE, {3, 40, 50}, planes, PixelType::RGB24, 1},
+        {"four planes of bytes", H5T_STD_U8LE, {4, 40, 50}, planes, PixelType::UInt8, 4},
+        {"three planes of shorts", H5T_STD_U16LE, {3, 40, 50}, planes, PixelType::UInt16, 3},
     };
-    for (const ImageRow& row : rows)
+    for (const ListedRow& row : rows)
     {
         SCOPED_TRACE(row.what);
-        Hdf5File file;
-        file.AnyDataSet("/picture", row.type, row.sides).Text("/picture", "CLASS", "IMAGE");
-        if (row.interlace)
-            file.Text("/picture", "INTERLACE_MODE", row.interlace);
-        ExpectOutcome(row, FileOpen{file.Build(), readModeHeader});
+        const FileOpen open = OpenImage(row.type, row.sides, row.interlace);
+        ASSERT_TRUE(open.succeeded);
+        EXPECT_THAT(open.lines, IsEmpty());
+        EXPECT_THAT(*open.image.Reader(), HasFacts({FileType::Hdf, row.pixelType, 50, 40, row.frames}));
+        EXPECT_THAT(open.image.Reader()->displayPixels, IsEmpty());
+    }
+}
+
+struct SkippedRow
+{
+    const char* what;
+    hid_t type;
+    std::vector<hsize_t> sides;
+    const char* interlace;
+    /// Why it is skipped, where that is said.
+    Lines lines;
+};
+
+TEST(HdfReader, SkipsImagesOfOtherLayouts)
+{
+    const std::string scan = "[Lumora] HDF: Skipped image with not supported scan-line interlacing";
+    const std::string unknown = "[Lumora] HDF: Skipped image with unknown interlace format";
+    const std::string series = "[Lumora] HDF: Skipped not supported image series";
+    const SkippedRow rows[] = {
+        {"three bytes without a word on the layout", H5T_STD_U8LE, {40, 50, 3}, nullptr, {series}},
+        {"three shorts to the pixel", H5T_STD_U16LE, {40, 50, 3}, "INTERLACE_PIXEL", {series}},
+        {"lines", H5T_STD_U8LE, {40, 3, 50}, "INTERLACE_LINE", {scan}},
+        {"lines of a plane", H5T_STD_U8LE, {40, 50}, "INTERLACE_LINE", {scan}},
+        {"unknown", H5T_STD_U8LE, {40, 50}, "INTERLACE_TILE", {unknown}},
+        {"longer than known", H5T_STD_U8LE, {40, 50}, "INTERLACE_PIXELS", {unknown}},
+        {"other letter case", H5T_STD_U8LE, {40, 50}, "interlace_pixel", {unknown}},
+        {"planes of a plane", H5T_STD_U8LE, {40, 50}, "INTERLACE_PLANE", {}},
+        {"one dimension", H5T_STD_U16LE, {4000}, nullptr, {}},
+        {"four dimensions", H5T_STD_U16LE, {40, 40, 2, 2}, nullptr, {}},
+    };
+    for (const SkippedRow& row : rows)
+    {
+        SCOPED_TRACE(row.what);
+        Lines lines = row.lines;
+        lines.push_back(noImages[0]);
+        const FileOpen open = OpenImage(row.type, row.sides, row.interlace);
+        EXPECT_FALSE(open.succeeded);
+        EXPECT_EQ(open.lines, lines);
     }
 }
 
 struct TypeRow
 {
     const char* what;
-    std::vector<uint8_t> file;
+    Bytes file;
     PixelType pixelType;
 };
 
@@ -383,7 +346,7 @@ TEST(HdfReader, FindsAtMost250Frames)
     Hdf5File file;
     for (int i = 0; i < 300; ++i)
         file.AnyDataSet("/images/" + std::to_string(i), H5T_STD_U8LE, {32, 32});
-    const std::vector<uint8_t> bytes = file.Build();
+    const Bytes bytes = file.Build();
     const FileOpen first{bytes, readModeHeader};
     ASSERT_TRUE(first.succeeded);
     EXPECT_EQ(first.image.Reader()->frameCount, 250U);

@@ -18,8 +18,6 @@ using namespace Tav::Imaging::RawImage;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Bytes = std::vector<uint8_t>;
-
 namespace {
 
 /// A file that is open, with what was written on the way.
@@ -44,7 +42,7 @@ struct Opening
     }
 
     bool succeeded;
-    std::vector<std::string> lines;
+    Lines lines;
 };
 
 TEST(HdfContents, ReadsTheWholeStreamOnce)

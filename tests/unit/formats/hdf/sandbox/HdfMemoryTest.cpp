@@ -33,9 +33,9 @@ namespace {
 
 TEST(HdfMemory, MayRunOutWhereverTheSandboxGrows)
 {
-    const std::vector<uint8_t> file =
+    const Bytes file =
         Hdf5File().AnyDataSet("/image", H5T_STD_U16LE, {2048, 2048}).Strings("/Version", {"text"}).Build();
-    std::vector<uint8_t> samples(2048 * 2048 * 2);
+    Bytes samples(2048 * 2048 * 2);
     int refused = 0;
     for (int request = 1;; ++request)
     {

@@ -20,8 +20,6 @@
 
 using namespace Tav::Imaging::RawImage;
 
-using Bytes = std::vector<uint8_t>;
-
 namespace {
 
 constexpr uint64_t enoughMemory = 0x4000000;
