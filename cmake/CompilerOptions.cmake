@@ -7,7 +7,9 @@ target_compile_options(lumora_options INTERFACE
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
   $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local> $<$<CXX_COMPILER_ID:Clang>:-Wshadow>
   # The display arithmetic is bit-exact: a fused multiply-add would round once where two roundings are meant.
-  -ffp-contract=off)
+  -ffp-contract=off
+  # Nobody reads the error numbers of mathematical functions, and without them a square root is an instruction.
+  -fno-math-errno)
 
 if(WIN32)
   # Documented Windows 10 interfaces, and none of the macros that collide with C++ names.

@@ -4,12 +4,13 @@
 #include <utility>
 
 using Tav::Imaging::RawImage::BytesPerPixel;
+using Tav::Imaging::RawImage::FrameBytes;
 using Tav::Imaging::RawImage::PixelType;
 using Tav::Imaging::RawImage::RawImageBase;
 
 WicFrame::WicFrame(std::unique_ptr<Tav::Imaging::RawImage::RawImage> holder) : image(std::move(holder))
 {
-    const RawImageBase* const reader = Reader();
+    RawImageBase* const reader = image ? image->Reader() : nullptr;
     if (!reader)
         return;
     width = reader->width;
@@ -19,9 +20,14 @@ WicFrame::WicFrame(std::unique_ptr<Tav::Imaging::RawImage::RawImage> holder) : i
 
     if (reader->pixelType == PixelType::RGB24 || reader->pixelType == PixelType::RGBA32)
         format = PixelType::RGB24;
-    const std::vector<uint8_t>& picture = reader->displayPixels;
-    pixels.resize(size_t{BytesPerPicturePixel()} * width * height);
-    std::copy_n(picture.begin(), std::min(picture.size(), pixels.size()), pixels.begin());
+    pixels = std::move(reader->displayPixels);
+    const size_t pictureBytes = size_t{BytesPerPicturePixel()} * width * height;
+    if (pixels.size() != pictureBytes)
+    {
+        FrameBytes whole(pictureBytes);
+        std::copy_n(pixels.begin(), std::min(pixels.size(), pictureBytes), whole.data());
+        pixels = std::move(whole);
+    }
 }
 
 const RawImageBase* WicFrame::Reader() const noexcept

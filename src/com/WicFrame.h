@@ -38,7 +38,7 @@ private:
     [[nodiscard]] uint32_t BytesPerPicturePixel() const noexcept;
 
     std::unique_ptr<Tav::Imaging::RawImage::RawImage> image;
-    std::vector<uint8_t> pixels;
+    Tav::Imaging::RawImage::FrameBytes pixels;
     uint32_t width = 0;
     uint32_t height = 0;
     /// UInt8 for a gray picture, RGB24 for a colour picture.

@@ -4,7 +4,9 @@
 #include "core/display/FrameConversion.h"
 #include "core/stream/StreamReader.h"
 
+#include <cstring>
 #include <limits>
+#include <utility>
 
 namespace Tav::Imaging::RawImage {
 
@@ -22,17 +24,54 @@ bool RawImageBase::ConvertToDisplay(IStream* stream, uint64_t streamSize, uint64
     if (BytesPerPixel(pixelType) == 0)
         return false;
 
-    std::vector<uint8_t> frame;
+    FrameBytes frame;
     if (!ReadFramePixels(frame, stream, streamSize, dataOffset))
     {
         WriteDiagnostic(L"Failed to read the image data into memory");
         return false;
     }
-    ConvertFrame(*this, frame);
+    ConvertFrame(*this, std::move(frame));
     return true;
 }
 
-bool RawImageBase::ReadFramePixels(std::vector<uint8_t>& samples, IStream* stream, uint64_t streamSize,
+namespace {
+
+/// Writes the samples of the first frameBytes stored bytes one behind the other. A layout that reaches beyond
+/// these bytes wraps to their start.
+void GatherSamples(const uint8_t* stored, uint64_t frameBytes, const RawImageBase& image,
+                   uint64_t sampleBytes, uint8_t* target)
+{
+    const uint64_t rowBytes = sampleBytes * image.width;
+    const uint64_t step = image.xStride % frameBytes;
+    uint64_t rowBegin = 0;
+    for (uint64_t y = 0; y < image.height; ++y)
+    {
+        if (image.xStride == sampleBytes && rowBytes <= frameBytes - rowBegin)
+        {
+            std::memcpy(target, stored + rowBegin, rowBytes);
+            target += rowBytes;
+        }
+        else
+        {
+            uint64_t position = rowBegin;
+            for (uint64_t x = 0; x < image.width; ++x)
+            {
+                for (uint64_t byte = 0; byte < sampleBytes; ++byte)
+                {
+                    const uint64_t place = position + byte;
+                    *target++ = stored[place < frameBytes ? place : place % frameBytes];
+                }
+                position += step;
+                position -= position < frameBytes ? 0 : frameBytes;
+            }
+        }
+        rowBegin = (rowBegin + image.yStride) % frameBytes;
+    }
+}
+
+} // namespace
+
+bool RawImageBase::ReadFramePixels(FrameBytes& samples, IStream* stream, uint64_t streamSize,
                                    uint64_t dataOffset) const
 {
     const uint64_t sampleBytes = BytesPerPixel(pixelType);
@@ -52,25 +91,15 @@ bool RawImageBase::ReadFramePixels(std::vector<uint8_t>& samples, IStream* strea
         return false;
 
     if (samples.size() < bytesToRead)
-        samples.resize(bytesToRead);
+        samples = FrameBytes(bytesToRead);
     if (!ReadStreamAt(stream, dataOffset, samples.data(), static_cast<uint32_t>(bytesToRead)))
         return false;
     if (isPacked || frameBytes == 0)
         return true;
 
-    const std::vector<uint8_t> stored(samples.begin(),
-                                      samples.begin() + static_cast<std::ptrdiff_t>(frameBytes));
-    auto target = samples.begin();
-    for (uint64_t y = 0; y < height; ++y)
-    {
-        for (uint64_t x = 0; x < width; ++x)
-        {
-            // A layout that reaches beyond the first frameBytes bytes wraps to their start.
-            const uint64_t position = (x * xStride + y * yStride) % frameBytes;
-            for (uint64_t byte = 0; byte < sampleBytes; ++byte)
-                *target++ = stored[(position + byte) % frameBytes];
-        }
-    }
+    FrameBytes stored{frameBytes};
+    std::memcpy(stored.data(), samples.data(), frameBytes);
+    GatherSamples(stored.data(), frameBytes, *this, sampleBytes, samples.data());
     return true;
 }
 

@@ -2,12 +2,12 @@
 
 #include "core/FileType.h"
 #include "core/PixelType.h"
+#include "core/samples/FrameBytes.h"
 #include "core/stream/ByteOrder.h"
 #include "platform/Platform.h"
 
 #include <cstdint>
 #include <string>
-#include <vector>
 
 namespace Tav::Imaging::RawImage {
 
@@ -46,7 +46,7 @@ public:
     uint32_t yStride = 0;
     /// The display picture: one byte per pixel (gray), or three for RGB24 and RGBA32 frames, rows top-down
     /// without padding.
-    std::vector<uint8_t> displayPixels;
+    FrameBytes displayPixels;
 
 protected:
     /// Reads the frame whose first sample is at `dataOffset` and builds `displayPixels` from it. If
@@ -58,7 +58,7 @@ protected:
     /// Fills `samples` with the frame's samples, packed, in the stream's byte order. With strides, bytes from
     /// beyond the frame follow the samples. If the stream does not hold the frame, returns false and
     /// allocates nothing.
-    [[nodiscard]] bool ReadFramePixels(std::vector<uint8_t>& samples, IStream* stream, uint64_t streamSize,
+    [[nodiscard]] bool ReadFramePixels(FrameBytes& samples, IStream* stream, uint64_t streamSize,
                                        uint64_t dataOffset) const;
 };
 

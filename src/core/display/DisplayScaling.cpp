@@ -1,13 +1,24 @@
 #include "core/display/DisplayScaling.h"
 
+#include "core/display/BytePasses.h"
+#include "core/display/DisplayMap.h"
 #include "core/display/DynamicRangeCalculator.h"
-#include "core/display/InterleavedHistogram.h"
+#include "core/display/Histogram.h"
+#include "core/samples/Vectorised.h"
 
 #include <algorithm>
 #include <array>
 #include <stdexcept>
+#include <utility>
 
 namespace Tav::Imaging::RawImage {
+
+namespace {
+
+// Beyond this, a table of display bytes would not be worth its making.
+constexpr uint32_t widestMap = 0xFFFF;
+
+} // namespace
 
 DistanceImage::DistanceImage(const Image<int>& signedSource) noexcept
     : Image(signedSource.width, signedSource.height), source(signedSource)
@@ -15,37 +26,51 @@ DistanceImage::DistanceImage(const Image<int>& signedSource) noexcept
     maximum = static_cast<uint32_t>(source.maximum) - static_cast<uint32_t>(source.minimum);
 }
 
-void DistanceImage::Load(size_t first, std::span<unsigned int> block) const
+void DistanceImage::Load(size_t first, size_t step, std::span<unsigned int> block) const
 {
     const auto smallest = static_cast<uint32_t>(source.minimum);
-    ForEachBlock(source, first, first + block.size(), [&](size_t begin, std::span<const int> samples) {
-        unsigned int* const target = block.data() + (begin - first);
-        for (size_t i = 0; i < samples.size(); ++i)
-            target[i] = static_cast<uint32_t>(samples[i]) - smallest;
+    ForEachBlock(source, first, step, block.size(), [&](size_t index, std::span<const int> samples) {
+        Vectorised([=, from = samples.data(), to = block.data() + index, count = samples.size()] {
+            for (size_t i = 0; i < count; ++i)
+                to[i] = static_cast<uint32_t>(from[i]) - smallest;
+        });
     });
 }
 
-void ScaleToDisplayBytes(const Image<unsigned int>& source, std::vector<uint8_t>& bytes, bool flip)
+void ScaleToDisplayBytes(const Image<unsigned int>& source, FrameBytes& bytes, bool flip)
 {
     const size_t count = source.SampleCount();
     if (count == 0)
         throw std::invalid_argument("The object is empty !");
 
-    const DisplayScale scale{source.minimum, source.maximum};
-    bytes.resize(count);
-    for (size_t row = 0; row < source.height; ++row)
+    if (bytes.size() < count)
+        bytes = FrameBytes(count);
+    const uint32_t low = source.minimum;
+    const uint32_t high = source.maximum;
+    if (low <= high && high - low < count && high - low <= widestMap)
     {
-        const size_t begin = row * source.width;
-        uint8_t* const target = bytes.data() + (flip ? source.height - 1 - row : row) * source.width;
-        ForEachBlock(source, begin, begin + source.width,
-                     [&](size_t first, std::span<const unsigned int> block) {
-                         for (size_t i = 0; i < block.size(); ++i)
-                             target[first - begin + i] = scale(block[i]);
-                     });
+        const DisplayMap map = DisplayMap::OfRange(low, high);
+        ForEachBlock(source, [&](size_t index, std::span<const unsigned int> block) {
+            map.Replace<uint32_t>(reinterpret_cast<const uint8_t*>(block.data()), block.size(),
+                                  bytes.data() + index);
+        });
     }
+    else
+    {
+        ForEachBlock(source, [&](size_t index, std::span<const unsigned int> block) {
+            Vectorised([scale = DisplayScale{low, high}, from = block.data(), to = bytes.data() + index,
+                        size = block.size()] {
+                for (size_t i = 0; i < size; ++i)
+                    to[i] = scale(from[i]);
+            });
+        });
+    }
+    bytes.Truncate(count);
+    if (flip)
+        FlipRows(bytes.data(), source.width, source.height);
 }
 
-void ScaleByDynamicRange(Image<unsigned int>& image, std::vector<uint8_t>& bytes, bool flip)
+void ScaleByDynamicRange(Image<unsigned int>& image, FrameBytes& bytes, bool flip)
 {
     DynamicRangeCalculator calculator{image.minimum, image.maximum};
     calculator.ComputeRange(image);
@@ -54,14 +79,15 @@ void ScaleByDynamicRange(Image<unsigned int>& image, std::vector<uint8_t>& bytes
     ScaleToDisplayBytes(image, bytes, flip);
 }
 
-void StretchContrast(std::vector<uint8_t>& picture, size_t pixelCount)
+void StretchContrast(FrameBytes& picture, size_t pixelCount)
 {
     if (picture.empty() || picture.size() != pixelCount)
         return;
 
     constexpr double threshold = 0.99;
-    std::array<uint32_t, 256> counts = {};
-    CountInterleaved<8>(counts, picture.size(), [&picture](size_t pixel) { return picture[pixel]; });
+    Histogram<uint8_t> histogram{256, pixelCount};
+    histogram.Add(picture.data(), pixelCount);
+    const std::span<const uint32_t> counts = histogram.Sum();
     std::array<double, 256> shares = {};
     std::transform(counts.begin(), counts.end(), shares.begin(),
                    [pixelCount](uint32_t count) { return count / static_cast<double>(pixelCount); });
@@ -93,15 +119,12 @@ void StretchContrast(std::vector<uint8_t>& picture, size_t pixelCount)
         return;
 
     const double factor = 255.0 / (high - low);
-    std::array<uint8_t, 256> stretched = {};
-    for (int level = 0; level < 256; ++level)
-    {
-        const double value = (level - low) * factor;
-        stretched[static_cast<size_t>(level)] =
-            static_cast<uint8_t>(value < 0 ? 0 : (value > 255.0 ? 255 : value));
-    }
-    std::transform(picture.begin(), picture.end(), picture.begin(),
-                   [&stretched](uint8_t level) { return stretched[level]; });
+    // The levels from low on, and one above high, from which on all are white.
+    std::vector<uint8_t> stretched(static_cast<size_t>(high - low + 2), 255);
+    for (int level = low; level <= high; ++level)
+        stretched[static_cast<size_t>(level - low)] = static_cast<uint8_t>((level - low) * factor);
+    DisplayMap{static_cast<uint32_t>(low), std::move(stretched)}.Replace<uint8_t>(picture.data(), pixelCount,
+                                                                                  picture.data());
 }
 
 } // namespace Tav::Imaging::RawImage

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "core/samples/FrameBytes.h"
 #include "core/samples/Image.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <vector>
 
 namespace Tav::Imaging::RawImage {
 
@@ -37,21 +37,22 @@ class DistanceImage final : public Image<unsigned int>
 public:
     explicit DistanceImage(const Image<int>& signedSource) noexcept;
 
-    void Load(size_t first, std::span<unsigned int> block) const override;
+    void Load(size_t first, size_t step, std::span<unsigned int> block) const override;
 
 private:
     const Image<int>& source;
 };
 
-/// Maps the image's display range to 0..255: one byte per sample, in the source's row order or, with
-/// `flip`, with its last row first. Throws std::invalid_argument when the source holds no samples.
-void ScaleToDisplayBytes(const Image<unsigned int>& source, std::vector<uint8_t>& bytes, bool flip);
+/// Maps the image's display range to 0..255: one byte per sample, in the source's row order or, with `flip`,
+/// with its last row first. The bytes may be those that the source's samples are made from: they are written
+/// over them from their beginning on. Throws std::invalid_argument when the source holds no samples.
+void ScaleToDisplayBytes(const Image<unsigned int>& source, FrameBytes& bytes, bool flip);
 
 /// Sets the image's display range to the calculated one and maps it to 0..255, as above.
-void ScaleByDynamicRange(Image<unsigned int>& image, std::vector<uint8_t>& bytes, bool flip);
+void ScaleByDynamicRange(Image<unsigned int>& image, FrameBytes& bytes, bool flip);
 
 /// Stretches the contrast of a gray picture of `pixelCount` pixels in place; a picture with another number of
 /// bytes, or without any, does not change.
-void StretchContrast(std::vector<uint8_t>& picture, size_t pixelCount);
+void StretchContrast(FrameBytes& picture, size_t pixelCount);
 
 } // namespace Tav::Imaging::RawImage

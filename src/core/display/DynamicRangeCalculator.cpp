@@ -1,6 +1,7 @@
 #include "core/display/DynamicRangeCalculator.h"
 
 #include "core/Diagnostics.h"
+#include "core/samples/Vectorised.h"
 
 #include <optional>
 #include <span>
@@ -20,12 +21,14 @@ std::vector<uint32_t> CountSamples(const Image<unsigned int>& image, uint32_t ba
 {
     // One bin more takes what lies outside, so that no sample needs a branch.
     std::vector<uint32_t> counts(size_t{bins} + 1);
-    ForEachBlock(image, 0, image.SampleCount(), [&](size_t, std::span<unsigned int> block) {
-        for (unsigned int& sample : block)
-        {
-            const uint32_t distance = sample - base;
-            sample = distance < bins ? distance : bins;
-        }
+    ForEachBlock(image, [&](size_t, std::span<unsigned int> block) {
+        Vectorised([=, samples = block.data(), count = block.size()] {
+            for (size_t i = 0; i < count; ++i)
+            {
+                const uint32_t distance = samples[i] - base;
+                samples[i] = distance < bins ? distance : bins;
+            }
+        });
         for (const unsigned int bin : block)
             ++counts[bin];
     });
@@ -38,10 +41,10 @@ std::vector<uint32_t> CountCoarsely(const Image<unsigned int>& image, uint32_t b
 {
     // As many bins as any distance can have, so that no sample needs a bounds check.
     std::vector<uint32_t> counts(size_t{1} << (32 - coarseBinShift));
-    static_assert(blockSamples % 16 == 0, "a block begins with a sample that is visited");
-    ForEachBlock(image, 0, image.SampleCount(), [&](size_t, std::span<const unsigned int> block) {
-        for (size_t i = 0; i < block.size(); i += step)
-            ++counts[(block[i] - base) >> coarseBinShift];
+    const size_t visited = (image.SampleCount() + step - 1) / step;
+    ForEachBlock(image, 0, step, visited, [&](size_t, std::span<const unsigned int> block) {
+        for (const unsigned int sample : block)
+            ++counts[(sample - base) >> coarseBinShift];
     });
     counts.resize(((image.maximum - base) >> coarseBinShift) + 1);
     return counts;
@@ -55,7 +58,7 @@ struct Share
 };
 
 /// The shares of the bins that are not empty, in order; the empty ones would add nothing to any sum.
-std::vector<Share> SharesOf(const std::vector<uint32_t>& counts, size_t total)
+std::vector<Share> SharesOf(std::span<const uint32_t> counts, size_t total)
 {
     std::vector<Share> shares;
     for (size_t bin = 0; bin < counts.size(); ++bin)
@@ -116,7 +119,7 @@ void DynamicRangeCalculator::ComputeExactRange(const Image<unsigned int>& image)
                       image.maximum);
 }
 
-void DynamicRangeCalculator::ComputeExactRange(const std::vector<uint32_t>& counts, size_t sampleCount,
+void DynamicRangeCalculator::ComputeExactRange(std::span<const uint32_t> counts, size_t sampleCount,
                                                uint32_t imageLow, uint32_t imageHigh)
 {
     const uint32_t base = low;

@@ -4,7 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <vector>
+#include <span>
 
 namespace Tav::Imaging::RawImage {
 
@@ -29,7 +29,7 @@ public:
 
     /// The same from a histogram that begins at `low`, of an image with `sampleCount` samples and the given
     /// range.
-    void ComputeExactRange(const std::vector<uint32_t>& counts, size_t sampleCount, uint32_t imageLow,
+    void ComputeExactRange(std::span<const uint32_t> counts, size_t sampleCount, uint32_t imageLow,
                            uint32_t imageHigh);
 
     /// One bin for 16384 sample values, on a part of the samples when there are many; goes on with the

@@ -1,56 +1,54 @@
 #include "core/display/FrameConversion.h"
 
 #include "core/Diagnostics.h"
-#include "core/display/CodeFrame.h"
+#include "core/display/BytePasses.h"
+#include "core/display/DisplayMap.h"
 #include "core/display/DisplayScaling.h"
+#include "core/display/DynamicRangeCalculator.h"
+#include "core/display/Histogram.h"
+#include "core/display/SampleRange.h"
 #include "core/samples/RescaleToUInt32.h"
 #include "core/samples/SampleDecoding.h"
 #include "core/samples/StoredImage.h"
+#include "core/samples/Vectorised.h"
 
 #include <algorithm>
-#include <bit>
-#include <cmath>
-#include <cstdlib>
+#include <array>
+#include <cstring>
 #include <limits>
-#include <type_traits>
+#include <span>
 #include <utility>
+#include <vector>
 
 namespace Tav::Imaging::RawImage {
 
 namespace {
 
-using Bytes = std::vector<uint8_t>;
-
-/// Copies rows of `rowBytes` into the picture, the frame's last row first if `flip` is set.
-void CopyRows(const Bytes& frame, Bytes& picture, size_t rowBytes, size_t rows, bool flip)
+template <typename Number>
+struct LoadNumber
 {
-    for (size_t row = 0; row < rows; ++row)
-    {
-        const size_t source = (flip ? rows - 1 - row : row) * rowBytes;
-        std::copy_n(frame.begin() + static_cast<std::ptrdiff_t>(source), rowBytes,
-                    picture.begin() + static_cast<std::ptrdiff_t>(row * rowBytes));
-    }
-}
+    Number operator()(const uint8_t* bytes) const noexcept { return LoadLittleEndian<Number>(bytes); }
+};
 
 /// Turns one frame's samples into the display picture.
 class FrameConverter
 {
 public:
-    FrameConverter(RawImageBase& image, Bytes& frame)
-        : image(image), frame(frame), picture(image.displayPixels),
-          pixelCount(size_t{image.width} * image.height)
+    FrameConverter(const RawImageBase& image, FrameBytes& frame)
+        : image(image), frame(frame), pixelCount(size_t{image.width} * image.height)
     {}
 
     void ConvertUInt4()
     {
-        picture.resize(pixelCount);
-        const auto unpack = [this](size_t source, size_t target, size_t pairs) {
-            for (size_t i = 0; i < pairs; ++i)
-            {
-                const uint8_t pair = frame[source + i];
-                picture[target + 2 * i] = static_cast<uint8_t>((pair & 0x0F) * 17);
-                picture[target + 2 * i + 1] = static_cast<uint8_t>((pair >> 4) * 17);
-            }
+        FrameBytes picture(pixelCount);
+        const auto unpack = [&](size_t source, size_t target, size_t pairs) {
+            Vectorised([=, from = frame.data() + source, to = picture.data() + target] {
+                for (size_t i = 0; i < pairs; ++i)
+                {
+                    to[2 * i] = static_cast<uint8_t>((from[i] & 0x0F) * 17);
+                    to[2 * i + 1] = static_cast<uint8_t>((from[i] >> 4) * 17);
+                }
+            });
         };
         if (image.flipVertical)
         {
@@ -63,164 +61,223 @@ public:
         {
             unpack(0, 0, pixelCount / 2);
         }
-        StretchContrast(picture, pixelCount);
+        frame = std::move(picture);
+        StretchContrast(frame, pixelCount);
     }
 
     /// Also converts RGB24. If such a frame is flipped, its rows are copied as if a pixel had one byte, so
     /// two thirds of the picture stay black.
     void ConvertUInt8()
     {
-        const size_t pictureBytes = pixelCount * BytesPerPixel(image.pixelType);
+        frame.Truncate(pixelCount * BytesPerPixel(image.pixelType));
         if (image.flipVertical)
         {
-            picture.resize(pictureBytes);
-            CopyRows(frame, picture, image.width, image.height, true);
+            FlipRows(frame.data(), image.width, image.height);
+            std::fill(frame.data() + pixelCount, frame.data() + frame.size(), uint8_t{0});
         }
-        else
-        {
-            // The frame is the picture, without the bytes that a strided read has left after it.
-            if (frame.size() > pictureBytes)
-                frame = Bytes(frame.begin(), frame.begin() + static_cast<std::ptrdiff_t>(pictureBytes));
-            picture = std::move(frame);
-        }
-        StretchContrast(picture, pixelCount);
+        StretchContrast(frame, pixelCount);
     }
 
     void ConvertInt8()
     {
-        const size_t zeroBytes = static_cast<size_t>(
-            std::count(frame.begin(), frame.begin() + static_cast<std::ptrdiff_t>(pixelCount), uint8_t{0}));
-        picture.resize(pixelCount);
-        CopyRows(frame, picture, image.width, image.height, image.flipVertical);
-        ShiftBytes();
+        frame.Truncate(pixelCount);
+        const auto zeros = static_cast<double>(ZeroBytes(frame.data(), pixelCount));
+        if (image.flipVertical)
+            FlipRows(frame.data(), image.width, image.height);
+        ShiftBytes(frame.data(), pixelCount);
         // Many old files hold unsigned bytes where the header says signed: their dark pixels are zero and
         // their bright ones jump by more than half the range when they are shifted.
-        if (image.fileType == FileType::Mrc &&
-            (static_cast<double>(zeroBytes) / static_cast<double>(pixelCount) > 0.25 || HasJump()))
+        if (image.fileType == FileType::Mrc && (zeros / static_cast<double>(pixelCount) > 0.25 ||
+                                                HasJump(frame.data(), image.width, image.height)))
         {
             WriteDiagnostic(L"MRC: ",
                             L"The pixel format is UInt8 while the MRC header specifies Int8 (type 0)");
-            ShiftBytes();
+            ShiftBytes(frame.data(), pixelCount);
         }
-        StretchContrast(picture, pixelCount);
+        StretchContrast(frame, pixelCount);
     }
 
-    void ConvertInteger16(CodeFrame::Rank rank)
+    /// If the sign bit is inverted, signed samples have the same order as unsigned ones.
+    void ConvertInteger16(uint16_t turned)
     {
-        CodeFrame{frame, image.width, image.height, rank}.ScaleToDisplayBytes(picture, image.flipVertical);
+        const Range<uint16_t> range = CodeRange(turned);
+        Histogram<uint16_t> histogram{size_t{range.high} - range.low + 1, pixelCount};
+        histogram.Add(frame.data(), pixelCount, turned, range.low);
+        ReplaceCodes(MapOf(histogram.Sum()), turned, range.low);
     }
 
     void ConvertUInt32()
     {
         const auto decode = [](const uint8_t* bytes) { return LoadLittleEndian<uint32_t>(bytes); };
-        StoredImage<unsigned int, 4, decltype(decode)> samples{image.width, image.height, frame, decode};
-        FindRange(samples, std::numeric_limits<uint32_t>::max(), 0);
-        ScaleByDynamicRange(samples, picture, image.flipVertical);
+        StoredImage<unsigned int, 4, decltype(decode)> samples{image.width, image.height, frame.data(),
+                                                               decode};
+        SetRange(samples,
+                 Widened<uint32_t>({std::numeric_limits<uint32_t>::max(), 0}, frame.data(), pixelCount));
+        ScaleByDynamicRange(samples, frame, image.flipVertical);
     }
 
     void ConvertInt32()
     {
-        const auto decode = [](const uint8_t* bytes) { return LoadLittleEndian<int32_t>(bytes); };
-        StoredImage<int, 4, decltype(decode)> samples{image.width, image.height, frame, decode};
-        FindRange(samples, std::numeric_limits<int32_t>::max(), std::numeric_limits<int32_t>::min());
+        StoredImage<int, 4, LoadNumber<int32_t>> samples{image.width, image.height, frame.data(), {}};
+        SetRange(samples,
+                 Widened<int32_t>({std::numeric_limits<int32_t>::max(), std::numeric_limits<int32_t>::min()},
+                                  frame.data(), pixelCount));
         DistanceImage distances{samples};
-        ScaleByDynamicRange(distances, picture, image.flipVertical);
+        ScaleByDynamicRange(distances, frame, image.flipVertical);
     }
 
-    template <size_t sampleBytes, typename Decode>
-    void ConvertFloating(bool force32Bit, Decode decode)
+    template <typename Real>
+    void ConvertFloating(bool force32Bit)
     {
-        StoredImage<double, sampleBytes, Decode> samples{image.width, image.height, frame, std::move(decode)};
-        // The maximum starts at the smallest positive number: a frame of negative samples keeps it.
-        FindRange(samples, std::numeric_limits<double>::max(), std::numeric_limits<double>::min());
+        StoredImage<double, sizeof(Real), LoadNumber<Real>> samples{
+            image.width, image.height, frame.data(), {}};
+        ConvertFloating(samples, RealRange<Real>(frame.data(), pixelCount), force32Bit);
+    }
+
+    /// Half-precision numbers have only 65536 codes, so the arithmetic is done once for each code.
+    void ConvertFloat16(bool force32Bit)
+    {
+        const Range<uint16_t> range = CodeRange(0);
+        Histogram<uint16_t> histogram{size_t{range.high} - range.low + 1, pixelCount};
+        histogram.Add(frame.data(), pixelCount, 0, range.low);
+        const std::span<const uint32_t> counts = histogram.Sum();
+
+        // Codes that do not occur have the value 0 of one that does, or of none, and count for nothing.
+        std::vector<float> values(65536);
+        std::vector<float> present;
+        for (size_t code = range.low; code <= range.high; ++code)
+        {
+            if (counts[code - range.low] == 0)
+                continue;
+            values[code] = DecodeHalf(static_cast<uint16_t>(code));
+            present.push_back(values[code]);
+        }
+        const Range<double> realRange =
+            RealRange<float>(reinterpret_cast<const uint8_t*>(present.data()), present.size());
+        const auto decode = [table = values.data()](const uint8_t* bytes) {
+            return table[LoadLittleEndian<uint16_t>(bytes)];
+        };
+        StoredImage<double, 2, decltype(decode)> samples{image.width, image.height, frame.data(), decode};
+        SetRange(samples, realRange);
         const RescaleToUInt32 rescale{samples, force32Bit};
-        if (rescale.FitsIn16Bit())
-        {
-            CodeFrame{samples, rescale, frame}.ScaleToDisplayBytes(picture, image.flipVertical);
-        }
-        else
-        {
-            RescaledImage quantised{samples, rescale};
-            ScaleByDynamicRange(quantised, picture, image.flipVertical);
-        }
+        if (!rescale.FitsIn16Bit())
+            return ConvertFloating(samples, realRange, force32Bit);
+
+        std::vector<uint32_t> quantisedCounts(65536);
+        for (size_t code = range.low; code <= range.high; ++code)
+            quantisedCounts[Quantised(rescale, values[code])] += counts[code - range.low];
+        const DisplayMap map = MapOf(std::span(quantisedCounts).first(size_t{rescale.Highest()} + 1));
+        std::vector<uint8_t> bytes(counts.size());
+        for (size_t code = range.low; code <= range.high; ++code)
+            bytes[code - range.low] = map.ByteOf(Quantised(rescale, values[code]));
+        ReplaceCodes(DisplayMap{0, std::move(bytes)}, 0, range.low);
     }
 
     void ConvertRgba32()
     {
-        picture.resize(pixelCount * 3);
+        uint8_t* const bytes = frame.data();
+        // Each pixel's fourth byte is written over by the next pixel, and that of the last one is cut off.
         for (size_t pixel = 0; pixel < pixelCount; ++pixel)
-        {
-            for (size_t channel = 0; channel < 3; ++channel)
-                picture[pixel * 3 + channel] = frame[pixel * 4 + channel];
-        }
+            std::memcpy(bytes + 3 * pixel, bytes + 4 * pixel, 4);
+        frame.Truncate(3 * pixelCount);
     }
 
 private:
     template <typename T>
-    static void FindRange(Image<T>& samples, std::type_identity_t<T> lowStart,
-                          std::type_identity_t<T> highStart)
+    static void SetRange(Image<T>& samples, const Range<T>& range)
     {
-        samples.minimum = lowStart;
-        samples.maximum = highStart;
-        IncludeSamples(samples);
+        samples.minimum = range.low;
+        samples.maximum = range.high;
     }
 
-    /// Converts signed bytes to unsigned ones, or unsigned bytes to signed ones.
-    void ShiftBytes()
+    /// The smallest and the largest of the frame's 16-bit words, with the bits of `turned` turned.
+    [[nodiscard]] Range<uint16_t> CodeRange(uint16_t turned) const
     {
-        for (uint8_t& byte : picture)
-            byte ^= 0x80;
+        if (turned == 0)
+            return Widened<uint16_t>({0xFFFF, 0}, frame.data(), pixelCount);
+        const Range<int16_t> range = Widened<int16_t>({0x7FFF, -0x8000}, frame.data(), pixelCount);
+        return {static_cast<uint16_t>(range.low ^ turned), static_cast<uint16_t>(range.high ^ turned)};
     }
 
-    [[nodiscard]] bool HasJump() const
+    /// The range of real numbers. The maximum starts at the smallest positive number: a frame of negative
+    /// samples keeps it.
+    template <typename Real>
+    [[nodiscard]] static Range<double> RealRange(const uint8_t* stored, size_t count)
     {
-        int widest = 0;
-        for (size_t row = 0; row < image.height && widest <= 127; ++row)
-        {
-            const uint8_t* const pixels = picture.data() + row * image.width;
-            for (size_t column = 1; column < image.width; ++column)
-                widest = std::max(widest, std::abs(pixels[column] - pixels[column - 1]));
-        }
-        return widest > 127;
+        constexpr Real infinity = std::numeric_limits<Real>::infinity();
+        const auto [low, high] = Widened<Real>({infinity, -infinity}, stored, count);
+        return {std::min<double>(low, std::numeric_limits<double>::max()),
+                std::max<double>(high, std::numeric_limits<double>::min())};
+    }
+
+    void ConvertFloating(Image<double>& samples, const Range<double>& range, bool force32Bit)
+    {
+        SetRange(samples, range);
+        const RescaleToUInt32 rescale{samples, force32Bit};
+        if (rescale.FitsIn16Bit())
+            return ConvertQuantised(samples, rescale);
+        RescaledImage quantised{samples, rescale};
+        ScaleByDynamicRange(quantised, frame, image.flipVertical);
+    }
+
+    static uint16_t Quantised(const RescaleToUInt32& rescale, double sample)
+    {
+        return static_cast<uint16_t>(static_cast<int32_t>(rescale(sample)));
+    }
+
+    /// Quantises the samples to codes of 16 bits and shows these. The codes are written over the frame from
+    /// its beginning on: its samples are as wide, and are read before a code reaches them.
+    void ConvertQuantised(const Image<double>& samples, const RescaleToUInt32& rescale)
+    {
+        Histogram<uint16_t> histogram{65536, pixelCount};
+        std::array<uint16_t, blockSamples> codes;
+        ForEachBlock(samples, [&](size_t index, std::span<const double> block) {
+            Vectorised([=, from = block.data(), count = block.size(), to = codes.data()] {
+                for (size_t i = 0; i < count; ++i)
+                    to[i] = Quantised(rescale, from[i]);
+            });
+            const auto* const stored = reinterpret_cast<const uint8_t*>(codes.data());
+            histogram.Add(stored, block.size());
+            std::memcpy(frame.data() + 2 * index, stored, 2 * block.size());
+        });
+        ReplaceCodes(MapOf(histogram.Sum().first(size_t{rescale.Highest()} + 1)), 0, 0);
+    }
+
+    /// The display bytes of codes, from how often each occurs.
+    [[nodiscard]] DisplayMap MapOf(std::span<const uint32_t> counts) const
+    {
+        const auto highest = static_cast<uint32_t>(counts.size() - 1);
+        DynamicRangeCalculator calculator{0, highest};
+        calculator.ComputeExactRange(counts, pixelCount, 0, highest);
+        return DisplayMap::OfRange(calculator.low, calculator.high);
+    }
+
+    /// Writes the display bytes of 16-bit words over them.
+    void ReplaceCodes(const DisplayMap& map, uint16_t turned, uint16_t lowest)
+    {
+        map.Replace(frame.data(), pixelCount, frame.data(), turned, lowest);
+        frame.Truncate(pixelCount);
+        if (image.flipVertical)
+            FlipRows(frame.data(), image.width, image.height);
     }
 
     const RawImageBase& image;
-    Bytes& frame;
-    Bytes& picture;
+    FrameBytes& frame;
     size_t pixelCount;
 };
 
-float Float32FromBits(uint32_t bits) noexcept
-{
-    return std::bit_cast<float>(bits);
-}
-
-template <typename Real>
-double Magnitude(const uint8_t* bytes) noexcept
-{
-    const double real = LoadLittleEndian<Real>(bytes);
-    const double imaginary = LoadLittleEndian<Real>(bytes + sizeof(Real));
-    return std::sqrt(real * real + imaginary * imaginary);
-}
-
-/// The value of every half-precision code. The table saves time because frames repeat their codes.
-std::vector<float> HalfTable(ByteOrder order)
-{
-    std::vector<float> values(65536);
-    for (uint32_t stored = 0; stored < values.size(); ++stored)
-    {
-        const auto code = static_cast<uint16_t>(stored);
-        values[stored] = DecodeHalf(order == ByteOrder::BigEndian ? __builtin_bswap16(code) : code);
-    }
-    return values;
-}
-
 } // namespace
 
-void ConvertFrame(RawImageBase& image, std::vector<uint8_t>& frame)
+void ConvertFrame(RawImageBase& image, FrameBytes frame)
 {
+    const size_t pixelCount = size_t{image.width} * image.height;
+    // Wider types are little-endian in every file that has them, and so are 32-bit integers.
+    if (image.byteOrder == ByteOrder::BigEndian && BytesPerPixel(image.pixelType) == 2)
+        SwapBytes<uint16_t>(frame.data(), pixelCount);
+    else if (image.byteOrder == ByteOrder::BigEndian && image.pixelType == PixelType::Float32)
+        SwapBytes<uint32_t>(frame.data(), pixelCount);
+
     FrameConverter converter{image, frame};
-    const bool isBigEndian = image.byteOrder == ByteOrder::BigEndian;
     const bool force32Bit = image.fileType == FileType::Raw;
     switch (image.pixelType)
     {
@@ -235,17 +292,11 @@ void ConvertFrame(RawImageBase& image, std::vector<uint8_t>& frame)
         converter.ConvertInt8();
         break;
     case PixelType::UInt16:
-        converter.ConvertInteger16(isBigEndian ? [](uint16_t code) { return __builtin_bswap16(code); }
-                                               : [](uint16_t code) { return code; });
+        converter.ConvertInteger16(0);
         break;
     case PixelType::Int16:
-        // If the sign bit is inverted, signed samples have the same order as unsigned ones.
-        converter.ConvertInteger16(
-            isBigEndian
-                ? [](uint16_t code) { return static_cast<uint16_t>(__builtin_bswap16(code) ^ 0x8000); }
-                : [](uint16_t code) { return static_cast<uint16_t>(code ^ 0x8000); });
+        converter.ConvertInteger16(0x8000);
         break;
-    // 32-bit integers and everything wider than Float32 is little-endian in every file that has them.
     case PixelType::UInt32:
         converter.ConvertUInt32();
         break;
@@ -253,34 +304,29 @@ void ConvertFrame(RawImageBase& image, std::vector<uint8_t>& frame)
         converter.ConvertInt32();
         break;
     case PixelType::Float16:
-        converter.ConvertFloating<2>(force32Bit, [values = HalfTable(image.byteOrder)](const uint8_t* bytes) {
-            return values[LoadLittleEndian<uint16_t>(bytes)];
-        });
+        converter.ConvertFloat16(force32Bit);
         break;
     case PixelType::Float32:
-        if (isBigEndian)
-            converter.ConvertFloating<4>(
-                force32Bit, [](const uint8_t* bytes) { return Float32FromBits(LoadBigEndian32(bytes)); });
-        else
-            converter.ConvertFloating<4>(force32Bit,
-                                         [](const uint8_t* bytes) { return LoadLittleEndian<float>(bytes); });
+        converter.ConvertFloating<float>(force32Bit);
         break;
     case PixelType::Double64:
-        converter.ConvertFloating<8>(force32Bit,
-                                     [](const uint8_t* bytes) { return LoadLittleEndian<double>(bytes); });
+        converter.ConvertFloating<double>(force32Bit);
         break;
     case PixelType::Complex64:
-        converter.ConvertFloating<8>(false, [](const uint8_t* bytes) { return Magnitude<float>(bytes); });
+        ReplaceByMagnitudes<float>(frame.data(), pixelCount);
+        converter.ConvertFloating<double>(false);
         break;
     case PixelType::Complex128:
-        converter.ConvertFloating<16>(false, [](const uint8_t* bytes) { return Magnitude<double>(bytes); });
+        ReplaceByMagnitudes<double>(frame.data(), pixelCount);
+        converter.ConvertFloating<double>(false);
         break;
     case PixelType::RGBA32:
         converter.ConvertRgba32();
         break;
     case PixelType::Unknown:
-        break;
+        return;
     }
+    image.displayPixels = std::move(frame);
 }
 
 } // namespace Tav::Imaging::RawImage

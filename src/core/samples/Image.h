@@ -20,8 +20,8 @@ public:
     Image& operator=(const Image&) = delete;
     virtual ~Image() = default;
 
-    /// Fills the block with the samples from number `first` on; the image holds that many.
-    virtual void Load(size_t first, std::span<T> block) const = 0;
+    /// Fills the block with every `step`-th sample from number `first` on; the image holds that many.
+    virtual void Load(size_t first, size_t step, std::span<T> block) const = 0;
 
     [[nodiscard]] size_t SampleCount() const noexcept { return size_t{width} * height; }
 
@@ -35,45 +35,25 @@ public:
 /// How many samples are widened at a time: few enough for the processor's nearest cache.
 constexpr size_t blockSamples = 2048;
 
-/// Calls `use(first, block)` for the image's samples from `begin` to `end`, block by block.
+/// Calls `use(index, block)` for `count` of the image's samples, every `step`-th from number `first` on,
+/// block by block. The index counts the samples before the block.
 template <typename T, typename Use>
-void ForEachBlock(const Image<T>& image, size_t begin, size_t end, const Use& use)
+void ForEachBlock(const Image<T>& image, size_t first, size_t step, size_t count, const Use& use)
 {
     std::array<T, blockSamples> memory;
-    for (size_t first = begin; first < end; first += blockSamples)
+    for (size_t index = 0; index < count; index += blockSamples)
     {
-        const std::span<T> block{memory.data(), std::min(blockSamples, end - first)};
-        image.Load(first, block);
-        use(first, block);
+        const std::span<T> block{memory.data(), std::min(blockSamples, count - index)};
+        image.Load(first + index * step, step, block);
+        use(index, block);
     }
 }
 
-/// Widens the image's range until it holds every sample; NaN changes nothing.
-template <typename T>
-void IncludeSamples(Image<T>& image)
+/// The same for all samples of the image.
+template <typename T, typename Use>
+void ForEachBlock(const Image<T>& image, const Use& use)
 {
-    // Several independent extremes keep the loop from waiting for the last comparison.
-    constexpr size_t lanes = 8;
-    std::array<T, lanes> low;
-    std::array<T, lanes> high;
-    low.fill(image.minimum);
-    high.fill(image.maximum);
-    ForEachBlock(image, 0, image.SampleCount(), [&](size_t, std::span<const T> block) {
-        const auto take = [&](size_t lane, T sample) {
-            low[lane] = sample < low[lane] ? sample : low[lane];
-            high[lane] = sample > high[lane] ? sample : high[lane];
-        };
-        const size_t whole = block.size() / lanes * lanes;
-        for (size_t index = 0; index < whole; index += lanes)
-        {
-            for (size_t lane = 0; lane < lanes; ++lane)
-                take(lane, block[index + lane]);
-        }
-        for (size_t index = whole; index < block.size(); ++index)
-            take(0, block[index]);
-    });
-    image.minimum = *std::min_element(low.begin(), low.end());
-    image.maximum = *std::max_element(high.begin(), high.end());
+    ForEachBlock(image, 0, 1, image.SampleCount(), use);
 }
 
 } // namespace Tav::Imaging::RawImage

@@ -1,5 +1,7 @@
 #include "core/samples/RescaleToUInt32.h"
 
+#include "core/samples/Vectorised.h"
+
 #include <cmath>
 
 namespace Tav::Imaging::RawImage {
@@ -17,6 +19,16 @@ uint32_t WholePartModulo32Bit(double value) noexcept
         return 0;
     const double remainder = std::fmod(std::trunc(value), twoTo32);
     return static_cast<uint32_t>(remainder < 0 ? remainder + twoTo32 : remainder);
+}
+
+/// A number from 0 to 2^32 - 1 without its fraction. Processors convert signed numbers only, so the upper
+/// half is moved down and back.
+uint32_t WholeNumber(double value) noexcept
+{
+    constexpr double half = 2147483648.0;
+    const bool isUpper = value >= half;
+    const auto whole = static_cast<uint32_t>(static_cast<int32_t>(value - (isUpper ? half : 0)));
+    return whole ^ (isUpper ? 0x80000000 : 0);
 }
 
 } // namespace
@@ -42,12 +54,14 @@ RescaledImage::RescaledImage(const Image<double>& floatingSource, const RescaleT
     maximum = rescale.Highest();
 }
 
-void RescaledImage::Load(size_t first, std::span<unsigned int> block) const
+void RescaledImage::Load(size_t first, size_t step, std::span<unsigned int> block) const
 {
-    ForEachBlock(source, first, first + block.size(), [&](size_t begin, std::span<const double> samples) {
-        unsigned int* const target = block.data() + (begin - first);
-        for (size_t i = 0; i < samples.size(); ++i)
-            target[i] = static_cast<uint32_t>(static_cast<int64_t>(rescale(samples[i])));
+    ForEachBlock(source, first, step, block.size(), [&](size_t index, std::span<const double> samples) {
+        Vectorised(
+            [rescaled = rescale, from = samples.data(), to = block.data() + index, count = samples.size()] {
+                for (size_t i = 0; i < count; ++i)
+                    to[i] = WholeNumber(rescaled(from[i]));
+            });
     });
 }
 

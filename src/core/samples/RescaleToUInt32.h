@@ -44,7 +44,7 @@ class RescaledImage final : public Image<unsigned int>
 public:
     RescaledImage(const Image<double>& floatingSource, const RescaleToUInt32& sourceRescale);
 
-    void Load(size_t first, std::span<unsigned int> block) const override;
+    void Load(size_t first, size_t step, std::span<unsigned int> block) const override;
 
 private:
     const Image<double>& source;

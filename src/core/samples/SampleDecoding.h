@@ -6,8 +6,7 @@
 
 namespace Tav::Imaging::RawImage {
 
-// Decoders of one stored sample. The loops over a whole frame are fast only if a decoder is a single load. So
-// decoders copy the bytes unchanged, and swap them if the stream has the other order.
+// Decoders of one stored sample. The loops over a whole frame live on them being a single load.
 static_assert(std::endian::native == std::endian::little);
 
 template <typename Word>
@@ -16,11 +15,6 @@ template <typename Word>
     Word word;
     std::memcpy(&word, bytes, sizeof(word));
     return word;
-}
-
-[[nodiscard]] inline uint32_t LoadBigEndian32(const uint8_t* bytes) noexcept
-{
-    return __builtin_bswap32(LoadLittleEndian<uint32_t>(bytes));
 }
 
 /// The value of a half-precision code. Infinities and NaN of either sign count as the brightest value,

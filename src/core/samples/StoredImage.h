@@ -1,12 +1,12 @@
 #pragma once
 
 #include "core/samples/Image.h"
+#include "core/samples/Vectorised.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <utility>
-#include <vector>
 
 namespace Tav::Imaging::RawImage {
 
@@ -16,20 +16,27 @@ template <typename T, size_t sampleBytes, typename Decode>
 class StoredImage final : public Image<T>
 {
 public:
-    StoredImage(uint32_t frameWidth, uint32_t frameHeight, const std::vector<uint8_t>& frameBytes,
-                Decode sampleDecode)
+    StoredImage(uint32_t frameWidth, uint32_t frameHeight, const uint8_t* frameBytes, Decode sampleDecode)
         : Image<T>(frameWidth, frameHeight), frame(frameBytes), decode(std::move(sampleDecode))
     {}
 
-    void Load(size_t first, std::span<T> block) const override
+    void Load(size_t first, size_t step, std::span<T> block) const override
     {
-        const uint8_t* const stored = frame.data() + first * sampleBytes;
-        for (size_t i = 0; i < block.size(); ++i)
-            block[i] = decode(stored + i * sampleBytes);
+        const uint8_t* const stored = frame + first * sampleBytes;
+        const auto load = [=, target = block.data(), count = block.size(),
+                           decodeOne = decode](size_t distance) {
+            for (size_t i = 0; i < count; ++i)
+                target[i] = decodeOne(stored + i * distance);
+        };
+        // Neighbours are loaded together.
+        if (step == 1)
+            Vectorised([=] { load(sampleBytes); });
+        else
+            load(step * sampleBytes);
     }
 
 private:
-    const std::vector<uint8_t>& frame;
+    const uint8_t* frame;
     Decode decode;
 };
 

@@ -11,6 +11,7 @@
 #include "formats/hdf/inside/HdfNames.h"
 
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -66,7 +67,7 @@ bool RawImageHdf::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
 bool RawImageHdf::ReadFile(HdfContents& file, uint32_t frameIndex)
 {
     HdfDiscovery discovery{file};
-    displayPixels = std::move(discovery.thumbnail.pixels);
+    displayPixels = FrameBytes(discovery.thumbnail.pixels);
     entries = discovery.found.Entries(frameIndex == 0);
     if (entries.empty())
         return hdfLog.Fail(L"No images found");
@@ -90,7 +91,7 @@ bool RawImageHdf::ReadFile(HdfContents& file, uint32_t frameIndex)
         std::optional<JpegPicture> picture = DecodeHdfThumbnail(file, entry.path);
         if (!picture || picture->width != width || picture->height != height)
             return hdfLog.Fail(L"Could not read jpeg image");
-        displayPixels = std::move(picture->pixels);
+        displayPixels = FrameBytes(picture->pixels);
         return true;
     }
     if (pixelType == PixelType::RGB24)
@@ -125,17 +126,18 @@ void RawImageHdf::ReadTexts(HdfContents& file)
 
 bool RawImageHdf::ReadGrayFrame(HdfContents& file, const HdfImageEntry& entry)
 {
-    std::vector<uint8_t> frame(size_t{BytesPerPixel(pixelType)} * width * height);
+    FrameBytes frame{size_t{BytesPerPixel(pixelType)} * width * height};
+    const std::span<uint8_t> samples{frame.data(), frame.size()};
     if (entry.seriesFrames < 2 || entry.interlace != HdfInterlace::Plane)
     {
-        if (!file.ReadDataset(entry.path, pixelType, frame))
+        if (!file.ReadDataset(entry.path, pixelType, samples))
             return hdfLog.Fail(L"Could not read the image data");
     }
-    else if (!file.ReadSeriesFrame(entry, frame))
+    else if (!file.ReadSeriesFrame(entry, samples))
     {
         return hdfLog.Fail(L"Could not read the first frame of the series");
     }
-    ConvertFrame(*this, frame);
+    ConvertFrame(*this, std::move(frame));
     return true;
 }
 
@@ -144,15 +146,15 @@ bool RawImageHdf::ReadColourFrame(HdfContents& file, const HdfImageEntry& entry)
     const size_t pixelCount = size_t{width} * height;
     if (entry.interlace != HdfInterlace::Pixel && entry.interlace != HdfInterlace::Plane)
         return hdfLog.Fail(L"Unsupported interlace format");
-    std::vector<uint8_t> stored(3 * pixelCount);
-    if (!file.ReadDataset(entry.path, PixelType::UInt8, stored))
+    FrameBytes stored(3 * pixelCount);
+    if (!file.ReadDataset(entry.path, PixelType::UInt8, {stored.data(), stored.size()}))
         return hdfLog.Fail(L"Could not read the image data");
     if (entry.interlace == HdfInterlace::Pixel)
     {
         displayPixels = std::move(stored);
         return true;
     }
-    displayPixels.resize(3 * pixelCount);
+    displayPixels = FrameBytes(3 * pixelCount);
     for (size_t pixel = 0; pixel < pixelCount; ++pixel)
     {
         for (size_t colour = 0; colour < 3; ++colour)

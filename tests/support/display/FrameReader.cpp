@@ -39,7 +39,7 @@ DisplayedFrame ConvertFrame(const StoredFrame& frame)
     DiagnosticLines diagnostics;
     const bool shown = reader.ConvertToDisplay(&stream, stream.bytes.size(), headerBytes);
     EXPECT_EQ(stream.references, 0U);
-    return {shown, std::move(reader.displayPixels), diagnostics.Take()};
+    return {shown, {reader.displayPixels.begin(), reader.displayPixels.end()}, diagnostics.Take()};
 }
 
 void ExpectDisplay(const StoredFrame& frame, const Bytes& pixels, const Lines& lines)

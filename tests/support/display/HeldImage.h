@@ -21,9 +21,13 @@ public:
         this->maximum = high;
     }
 
-    void Load(size_t first, std::span<T> block) const override
+    void Load(size_t first, size_t step, std::span<T> block) const override
     {
-        std::copy_n(samples.begin() + static_cast<std::ptrdiff_t>(first), block.size(), block.begin());
+        for (T& sample : block)
+        {
+            sample = samples[first];
+            first += step;
+        }
     }
 
 private:

@@ -68,7 +68,7 @@ void ExpectPicture(const Bytes& file, const FramePicture& expected)
     const FileOpen open{file, 1, expected.frameIndex};
     ASSERT_TRUE(open.succeeded) << expected.frameIndex;
     EXPECT_THAT(open.lines, IsEmpty()) << expected.frameIndex;
-    const Bytes& pixels = open.image.Reader()->displayPixels;
+    const FrameBytes& pixels = open.image.Reader()->displayPixels;
     ASSERT_GE(pixels.size(), 16U);
     EXPECT_TRUE(std::equal(expected.first.begin(), expected.first.end(), pixels.begin()))
         << expected.frameIndex;

@@ -1,11 +1,14 @@
+#include "core/samples/Vectorised.h"
 #include "support/RandomSeed.h"
 #include "support/display/FrameReader.h"
+#include "support/display/TypeName.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 #include <random>
+#include <tuple>
 
 using namespace Tav::Imaging::RawImage;
 
@@ -21,9 +24,17 @@ public:
 
     StoredFrame Next(PixelType type)
     {
+        StoredFrame size;
+        ChooseSize(size);
+        return Next(type, size.width, size.height);
+    }
+
+    StoredFrame Next(PixelType type, uint32_t width, uint32_t height)
+    {
         StoredFrame frame;
         frame.pixelType = type;
-        ChooseSize(frame);
+        frame.width = width;
+        frame.height = height;
         frame.byteOrder = Chance(3) ? ByteOrder::BigEndian : ByteOrder::LittleEndian;
         frame.flipVertical = Chance(3);
         frame.fileType = fileTypes[Below(std::size(fileTypes))];
@@ -157,8 +168,21 @@ private:
     std::mt19937_64 random;
 };
 
-class RandomDisplayConversion : public testing::TestWithParam<uint32_t>
-{};
+/// A pixel type and the vectors that the loops are run with.
+class RandomDisplayConversion : public testing::TestWithParam<std::tuple<uint32_t, Vectors>>
+{
+protected:
+    void SetUp() override
+    {
+        if (!UseVectors(std::get<Vectors>(GetParam())))
+            GTEST_SKIP() << "this processor has no such vectors";
+    }
+
+    ~RandomDisplayConversion() override { UseVectors(before); }
+
+    const PixelType type = static_cast<PixelType>(std::get<uint32_t>(GetParam()));
+    const Vectors before = VectorsInUse();
+};
 
 TEST_P(RandomDisplayConversion, GivesTheReferencePicture)
 {
@@ -166,19 +190,42 @@ TEST_P(RandomDisplayConversion, GivesTheReferencePicture)
     for (int i = 0; i < 120 && !HasFailure(); ++i)
     {
         SCOPED_TRACE(i);
-        ExpectReferenceDisplay(maker.Next(static_cast<PixelType>(GetParam())));
+        ExpectReferenceDisplay(maker.Next(type));
     }
 }
 
-std::string TypeName(const testing::TestParamInfo<uint32_t>& type)
+// Where a vector ends and single samples follow.
+TEST_P(RandomDisplayConversion, GivesTheReferencePictureOfEveryNumberOfSamples)
 {
-    const std::wstring name = PixelTypeName(static_cast<PixelType>(type.param));
-    std::string narrow;
-    for (const wchar_t character : name)
-        narrow.push_back(static_cast<char>(character));
-    return narrow;
+    FrameMaker maker{RandomSeed()};
+    for (uint32_t count = 1; count <= 200 && !HasFailure(); ++count)
+    {
+        SCOPED_TRACE(count);
+        ExpectReferenceDisplay(maker.Next(type, count, 1));
+        ExpectReferenceDisplay(maker.Next(type, count, 3));
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(AllTypes, RandomDisplayConversion, testing::Range(1U, 15U), TypeName);
+// More samples than 16 bits have codes: these are counted in several tables and replaced through one.
+TEST_P(RandomDisplayConversion, GivesTheReferencePictureOfManySamples)
+{
+    FrameMaker maker{RandomSeed()};
+    for (int i = 0; i < 4 && !HasFailure(); ++i)
+    {
+        SCOPED_TRACE(i);
+        ExpectReferenceDisplay(maker.Next(type, 331, 211));
+    }
+}
+
+std::string ParameterName(const testing::TestParamInfo<std::tuple<uint32_t, Vectors>>& parameter)
+{
+    return TypeName(static_cast<PixelType>(std::get<uint32_t>(parameter.param))) +
+           (std::get<Vectors>(parameter.param) == Vectors::Avx2 ? "_Avx2" : "_Baseline");
+}
+
+INSTANTIATE_TEST_SUITE_P(AllTypes, RandomDisplayConversion,
+                         testing::Combine(testing::Range(1U, 15U),
+                                          testing::Values(Vectors::Baseline, Vectors::Avx2)),
+                         ParameterName);
 
 } // namespace

@@ -24,7 +24,7 @@ struct Conversion
 {
     Conversion(FrameReader& reader, IStream* stream, uint64_t streamSize, uint64_t dataOffset)
     {
-        reader.displayPixels = earlierPicture;
+        reader.displayPixels = FrameBytes(earlierPicture);
         DiagnosticLines diagnostics;
         shown = reader.ConvertToDisplay(stream, streamSize, dataOffset);
         lines = diagnostics.Take();

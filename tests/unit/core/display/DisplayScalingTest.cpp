@@ -15,12 +15,12 @@ using namespace Tav::Imaging::RawImage;
 namespace {
 
 /// A row of samples scaled from the display range (low, high).
-Bytes Scaled(uint32_t low, uint32_t high, const std::vector<uint32_t>& samples)
+FrameBytes Scaled(uint32_t low, uint32_t high, const std::vector<uint32_t>& samples)
 {
     HeldImage<unsigned int> image{static_cast<uint32_t>(samples.size()), 1, samples};
     image.minimum = low;
     image.maximum = high;
-    Bytes bytes;
+    FrameBytes bytes;
     ScaleToDisplayBytes(image, bytes, false);
     return bytes;
 }
@@ -65,7 +65,7 @@ TEST(ScaleToDisplayBytes, FlipsRows)
 {
     HeldImage<unsigned int> image{2, 3, {0, 1, 2, 3, 254, 255}};
     image.maximum = 255;
-    Bytes bytes;
+    FrameBytes bytes;
     ScaleToDisplayBytes(image, bytes, true);
     EXPECT_EQ(bytes, (Bytes{254, 255, 2, 3, 0, 1}));
     ScaleToDisplayBytes(image, bytes, false);
@@ -76,7 +76,7 @@ TEST(ScaleToDisplayBytes, GivesOneByteForEachSample)
 {
     HeldImage<unsigned int> image{2, 1, {0, 255}};
     image.maximum = 255;
-    Bytes longer(9, 77);
+    FrameBytes longer{Bytes(9, 77)};
     ScaleToDisplayBytes(image, longer, false);
     EXPECT_EQ(longer, (Bytes{0, 255}));
 }
@@ -88,7 +88,7 @@ TEST(ScaleToDisplayBytes, ThrowsWithoutSamples)
         for (const uint32_t width : {0U, 4U})
         {
             const HeldImage<unsigned int> image{width, 0, {}};
-            Bytes bytes;
+            FrameBytes bytes;
             try
             {
                 ScaleToDisplayBytes(image, bytes, flip);
@@ -119,7 +119,7 @@ TEST(ScaleByDynamicRange, ScalesFromTheCalculatedRangeAndLeavesItInTheImage)
     expected[999] = 255;
     expected[1000] = 0;
 
-    Bytes bytes;
+    FrameBytes bytes;
     DiagnosticLines diagnostics;
     ScaleByDynamicRange(image, bytes, true);
     EXPECT_EQ(diagnostics.Take(), Lines{});
@@ -130,13 +130,13 @@ TEST(ScaleByDynamicRange, ScalesFromTheCalculatedRangeAndLeavesItInTheImage)
 
 TEST(StretchContrast, LeavesPicturesOfAnotherSizeAlone)
 {
-    Bytes picture = {7, 7, 7};
+    FrameBytes picture{Bytes{7, 7, 7}};
     StretchContrast(picture, 1);
     StretchContrast(picture, 2);
     StretchContrast(picture, 4);
     EXPECT_EQ(picture, (Bytes{7, 7, 7}));
 
-    Bytes empty;
+    FrameBytes empty;
     StretchContrast(empty, 0);
     EXPECT_EQ(empty, Bytes{});
 }
@@ -176,8 +176,9 @@ TEST(StretchContrast, CutsTheEndsByTheirShares)
     for (const StretchRow& row : stretchRows)
     {
         SCOPED_TRACE(row.what);
-        Bytes picture(row.firstCount, row.first);
-        picture.insert(picture.end(), row.secondCount, row.second);
+        Bytes values(row.firstCount, row.first);
+        values.insert(values.end(), row.secondCount, row.second);
+        FrameBytes picture{values};
         StretchContrast(picture, picture.size());
         Bytes expected(row.firstCount, row.firstShown);
         expected.insert(expected.end(), row.secondCount, row.secondShown);
@@ -188,7 +189,7 @@ TEST(StretchContrast, CutsTheEndsByTheirShares)
 TEST(StretchContrast, TruncatesBetweenTheEnds)
 {
     // Six values of equal share: low is 0 by the darkest value 0, high 60, the factor 4.25.
-    Bytes picture = {0, 10, 20, 30, 50, 60};
+    FrameBytes picture{Bytes{0, 10, 20, 30, 50, 60}};
     StretchContrast(picture, 6);
     EXPECT_EQ(picture, (Bytes{0, 42, 85, 127, 212, 255}));
 }

@@ -44,7 +44,7 @@ void ExpectPeriodicDisplay(uint32_t width, uint32_t height, size_t period, uint8
     DiagnosticLines diagnostics;
     EXPECT_TRUE(reader.Read(&stream, stream.bytes.size(), readModeFrame, 0));
     EXPECT_EQ(diagnostics.Take(), lines);
-    EXPECT_TRUE(reader.displayPixels == expected) << "first pixel: " << +reader.displayPixels.at(0);
+    EXPECT_TRUE(reader.displayPixels == expected) << "first pixel: " << +reader.displayPixels[0];
 }
 
 // When only the samples of the value are counted, bin 30 holds all: the range is 491520 to 507903, and

@@ -84,7 +84,7 @@ TEST(RescaleToUInt32, QuantisesTheRangeTo16Or32Bits)
         EXPECT_EQ(target.minimum, 0U);
         EXPECT_EQ(target.maximum, row.highest);
         std::vector<uint32_t> quantised(count);
-        target.Load(0, quantised);
+        target.Load(0, 1, quantised);
         EXPECT_EQ(quantised, row.quantised);
     }
 }

@@ -127,8 +127,8 @@ TEST(MrcReader, FindsAFrameBeyondFourGigabytes)
         streamSize, MrcFile().Size(256, 256, 70000).Mode(0).Build(), place, frame, 1, frameIndex};
     EXPECT_TRUE(read.succeeded);
     ASSERT_EQ(read.reader.displayPixels.size(), frameBytes);
-    EXPECT_EQ(read.reader.displayPixels.front(), 0);
-    EXPECT_EQ(read.reader.displayPixels.back(), 255);
+    EXPECT_EQ(read.reader.displayPixels[0], 0);
+    EXPECT_EQ(read.reader.displayPixels[frameBytes - 1], 255);
     EXPECT_EQ(read.reader.frameCount, 70000U);
 }
 
