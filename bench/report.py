@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
-"""Prints the benchmark's results as a table: report.py RESULTS [--python FIGURES] [--compare BASELINE].
+"""Prints the benchmark's results as a table: report.py RESULTS [--python FIGURES] [--compare BASELINE] [--save FILE].
 
-RESULTS is what the benchmark writes with --benchmark_out. FIGURES is the output of python_frames.py. BASELINE is an
-earlier RESULTS, whose times stand beside the new ones.
+RESULTS is what the benchmark writes with --benchmark_out. FIGURES is the output of python_frames.py. The times of
+BASELINE, earlier results, stand beside the new ones. --save writes what a later run can be compared with: the figures
+without the name of the machine.
 """
 
 import argparse
@@ -19,6 +20,7 @@ parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
 parser.add_argument("results")
 parser.add_argument("--python")
 parser.add_argument("--compare")
+parser.add_argument("--save")
 arguments = parser.parse_args()
 
 python = {}
@@ -41,3 +43,10 @@ for name, each in results(arguments.results).items():
     if kind[0] == "Decode" and kind[2] == "4096" and kind[1] in python:
         row += f"{python[kind[1]]:9.1f}"
     print(row)
+
+if arguments.save:
+    kept = [{key: each[key] for key in ("name", "real_time", "x_memcpy") if key in each}
+            for each in results(arguments.results).values()]
+    with open(arguments.save, "w", encoding="utf-8") as file:
+        json.dump({"benchmarks": kept}, file, indent=1)
+        file.write("\n")

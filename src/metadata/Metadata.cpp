@@ -68,6 +68,8 @@ try
         return isSet[SoftwareFact] && SetText(variant, software);
     case MetadataProperty::FormatDetails:
         return isSet[FormatDetailsFact] && SetText(variant, formatDetails);
+    case MetadataProperty::Count:
+        break;
     }
     return false;
 }

@@ -21,9 +21,11 @@ enum class MetadataProperty
     PixelFormat = 5,
     Software = 6,
     FormatDetails = 7,
+    /// No property: how many there are.
+    Count,
 };
 
-constexpr size_t metadataPropertyCount = static_cast<size_t>(MetadataProperty::FormatDetails) + 1;
+constexpr size_t metadataPropertyCount = static_cast<size_t>(MetadataProperty::Count);
 
 /// The facts of one opened image, kept after its reader is gone.
 class Metadata
@@ -39,7 +41,8 @@ public:
     [[nodiscard]] bool Get(MetadataProperty prop, PROPVARIANT& variant) const noexcept;
 
 private:
-    /// Indices of `values`, and of the flags that say which facts are known.
+    /// Indices of `values`, which are the numbers before the texts, and of the flags that say which facts are
+    /// known.
     enum Fact : size_t
     {
         WidthFact,
@@ -58,7 +61,7 @@ private:
     [[nodiscard]] std::wstring DimensionsText() const;
     [[nodiscard]] std::wstring PixelFormatText() const;
 
-    std::array<uint32_t, 6> values = {};
+    std::array<uint32_t, SoftwareFact> values = {};
     std::wstring software;
     std::wstring formatDetails;
     std::bitset<FactCount> isSet;

@@ -35,7 +35,22 @@ constexpr std::array<KeyedProperty, metadataPropertyCount> keyedProperties = {{
     {{documentSummary, 6}, MetadataProperty::FormatDetails}, // System.Comment
 }};
 
-/// The key of a property. A property without one does not compile.
+/// Whether each property has a row.
+consteval bool AreAllKeyed()
+{
+    for (size_t property = 0; property < metadataPropertyCount; ++property)
+    {
+        if (std::count_if(keyedProperties.begin(), keyedProperties.end(),
+                          [property](const KeyedProperty& keyed) {
+                              return keyed.property == static_cast<MetadataProperty>(property);
+                          }) != 1)
+            return false;
+    }
+    return true;
+}
+static_assert(AreAllKeyed());
+
+/// The key of a property.
 consteval PROPERTYKEY KeyOf(MetadataProperty property)
 {
     return std::find_if(keyedProperties.begin(), keyedProperties.end(),

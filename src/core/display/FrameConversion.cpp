@@ -271,11 +271,13 @@ private:
 void ConvertFrame(RawImageBase& image, FrameBytes frame)
 {
     const size_t pixelCount = size_t{image.width} * image.height;
-    // Wider types are little-endian in every file that has them, and so are 32-bit integers.
-    if (image.byteOrder == ByteOrder::BigEndian && BytesPerPixel(image.pixelType) == 2)
-        SwapBytes<uint16_t>(frame.data(), pixelCount);
-    else if (image.byteOrder == ByteOrder::BigEndian && image.pixelType == PixelType::Float32)
-        SwapBytes<uint32_t>(frame.data(), pixelCount);
+    if (image.byteOrder == ByteOrder::BigEndian && !IsAlwaysLittleEndian(image.pixelType))
+    {
+        if (image.pixelType == PixelType::Float32)
+            SwapBytes<uint32_t>(frame.data(), pixelCount);
+        else if (BytesPerPixel(image.pixelType) == 2)
+            SwapBytes<uint16_t>(frame.data(), pixelCount);
+    }
 
     FrameConverter converter{image, frame};
     const bool force32Bit = image.fileType == FileType::Raw;

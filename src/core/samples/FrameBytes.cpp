@@ -10,8 +10,8 @@ namespace Tav::Imaging::RawImage {
 
 namespace {
 
-// Below this, the heap is quicker than the system.
-constexpr size_t largeBytes = size_t{1} << 20;
+// Below this, the system gives no large pages, and the heap is quicker.
+constexpr size_t largeBytes = size_t{4} << 20;
 
 } // namespace
 

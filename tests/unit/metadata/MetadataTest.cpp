@@ -24,6 +24,7 @@ constexpr MetadataProperty allProperties[] = {
     MetadataProperty::FrameCount, MetadataProperty::BitDepth,      MetadataProperty::PixelFormat,
     MetadataProperty::Software,   MetadataProperty::FormatDetails,
 };
+static_assert(std::size(allProperties) == metadataPropertyCount);
 
 /// A variant as a careless caller might leave it, and whether it has come back empty.
 struct Variant

@@ -3,9 +3,21 @@
 #include "core/stream/StreamReader.h"
 #include "formats/hdf/inside/HdfNames.h"
 
+#include <algorithm>
 #include <string_view>
 
 namespace Tav::Imaging::RawImage {
+
+namespace {
+
+/// Whether a name can be compared with names in lowercase.
+constexpr bool IsLowercase(std::string_view name)
+{
+    return std::ranges::none_of(name, [](char letter) { return letter >= 'A' && letter <= 'Z'; });
+}
+static_assert(IsLowercase(hdfThumbnailPath) && IsLowercase(hdfImageGroup));
+
+} // namespace
 
 bool IsThumbnailPath(const std::string& path)
 {
