@@ -1,6 +1,7 @@
 #include "Measurement.h"
 #include "Micrograph.h"
 #include "core/RawImageBase.h"
+#include "core/samples/Vectorised.h"
 #include "support/streams/TestStream.h"
 
 #include <string>
@@ -26,27 +27,35 @@ public:
     }
 };
 
-void DecodeFrame(benchmark::State& state, PixelType type, uint32_t edge)
+void DecodeFrame(benchmark::State& state, PixelType type, uint32_t edge, Vectors vectors)
 {
+    const Vectors before = VectorsInUse();
+    if (!UseVectors(vectors))
+        return state.SkipWithError("this processor has no such vectors");
     TestStream stream{MicrographFrame(type, edge)};
     RunDecode(state, stream.bytes, edge, [&] {
         FrameReader reader{type, edge};
         return reader.Read(&stream, stream.bytes.size(), readModeFrame, 0);
     });
+    UseVectors(before);
+}
+
+void Register(const std::string& group, PixelType type, uint32_t edge, Vectors vectors)
+{
+    const std::wstring name = PixelTypeName(type);
+    const std::string label =
+        group + '/' + std::string(name.begin(), name.end()) + '/' + std::to_string(edge);
+    benchmark::RegisterBenchmark(label.c_str(), [=](benchmark::State& state) {
+        DecodeFrame(state, type, edge, vectors);
+    })->Unit(benchmark::kMillisecond);
 }
 
 [[maybe_unused]] const int registered = [] {
-    const auto add = [](PixelType type, uint32_t edge) {
-        const std::wstring name = PixelTypeName(type);
-        const std::string label =
-            "Decode/" + std::string(name.begin(), name.end()) + '/' + std::to_string(edge);
-        benchmark::RegisterBenchmark(label.c_str(), [type, edge](benchmark::State& state) {
-            DecodeFrame(state, type, edge);
-        })->Unit(benchmark::kMillisecond);
-    };
     for (uint32_t value = 1; value <= 14; ++value)
-        add(static_cast<PixelType>(value), 4096);
-    add(PixelType::UInt16, 192);
+        Register("Decode", static_cast<PixelType>(value), 4096, VectorsInUse());
+    Register("Decode", PixelType::UInt16, 192, VectorsInUse());
+    for (uint32_t value = 1; value <= 14; ++value)
+        Register("DecodeWithBaselineVectors", static_cast<PixelType>(value), 4096, Vectors::Baseline);
     return 0;
 }();
 
