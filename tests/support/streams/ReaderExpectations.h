@@ -12,8 +12,9 @@
 using FactsMatcher = testing::Matcher<const Tav::Imaging::RawImage::RawImageBase&>;
 
 /// The lines for a frame that the stream does not hold, and for a size that no picture has.
-inline const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
-inline const std::string invalidResolution = "[Lumora] Invalid resolution";
+// Not inline: tables of tests are made from these, and inline variables may be made after them.
+const std::string cannotReadImage = "[Lumora] Failed to read the image data into memory";
+const std::string invalidResolution = "[Lumora] Invalid resolution";
 
 /// Expects that a frame is refused with these lines whether it is wanted or its header alone, and the facts
 /// that are known by then. `what` tells in a report which file it was.

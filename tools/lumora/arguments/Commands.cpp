@@ -125,58 +125,85 @@ constexpr std::wstring_view everyReadableFile =
     L"registers. Lumora must be registered.";
 
 constexpr CommandDescription program = {
-    Command::None,
-    L"",
-    L"Show electron-microscopy files as pictures",
-    L"",
-    false,
-    L"",
-    L"The exit code is 0 on success, 1 when something failed and 2 for a usage error.\n",
-    programOptions,
+    .summary = L"Show electron-microscopy files as pictures",
+    .details = L"The exit code is 0 on success, 1 when something failed and 2 for a usage error.\n",
+    .options = programOptions,
 };
 
 constexpr CommandDescription commands[] = {
-    {Command::Info, L"info", L"Print what files hold: size, frames, pixel type, software", L"PATH", true,
-     everyReadableFile, L"", infoOptions},
-    {Command::Render, L"render", L"Write frames as PNG pictures", L"PATH", true, everyReadableFile,
-     L"The picture of NAME.mrc is NAME.png. It is NAME-N.png for a frame other than the first, and for every "
-     L"frame when all are written. Files from the subfolders of a PATH go to subfolders of the same names.\n"
-     L"An earlier picture is replaced, a source never, and no two pictures of one run get the same name. The "
-     L"names of the pictures are printed.\n",
-     renderOptions},
-    {Command::Sheet, L"sheet", L"Write one PNG picture that shows the first frame of many files", L"PATH",
-     true, everyReadableFile,
-     L"Below each picture are the file's name, with its subfolder of the PATH, its size in pixels, its pixel "
-     L"type "
-     L"and its number of frames. A file that cannot be shown has an empty place; the reason is printed on "
-     L"standard "
-     L"error.\n"
-     L"An earlier sheet is replaced, a source never. The name of the sheet is printed.\n",
-     sheetOptions},
-    {Command::Doctor, L"doctor", L"Find out why there is no thumbnail, and change nothing", L"FILE", false,
-     L"every file below it with an extension that Lumora registers.",
-     L"Doctor looks at the registration of Lumora and at the DLL that it names, starts Lumora's classes, "
-     L"looks at "
-     L"Explorer's settings, and opens each FILE as Explorer does. Each line is \"ok\", \"note\" or "
-     L"\"problem\". The "
-     L"sentence at the end says what is wrong, the most fundamental problem first, and what to do. The exit "
-     L"code "
-     L"is 0 when all is well and 1 otherwise.\n"
-     L"A registration for all users is enough. One for yourself only also works, but Windows takes no "
-     L"properties "
-     L"from it. If both exist and differ, yours hides the other; that is a problem.\n"
-     L"A value that another program has set is a note. It is a problem if it concerns the extension of a "
-     L"FILE.\n"
-     L"Run doctor without administrator rights, as Explorer runs. With them, Windows ignores a registration "
-     L"for "
-     L"yourself only.\n",
-     doctorOptions},
-    {Command::Register, L"register", L"Register Lumora with Windows, for pictures, thumbnails and properties",
-     L"", false, L"",
-     L"What another program has set for a file name extension is left to that program, and listed.\n",
-     registerOptions},
-    {Command::Unregister, L"unregister", L"Remove the registration of Lumora", L"", false, L"",
-     L"What another program has set for a file name extension stays.\n", unregisterOptions},
+    {
+        .command = Command::Info,
+        .needsPath = true,
+        .name = L"info",
+        .summary = L"Print what files hold: size, frames, pixel type, software",
+        .pathName = L"PATH",
+        .filesOfFolder = everyReadableFile,
+        .options = infoOptions,
+    },
+    {
+        .command = Command::Render,
+        .needsPath = true,
+        .name = L"render",
+        .summary = L"Write frames as PNG pictures",
+        .pathName = L"PATH",
+        .filesOfFolder = everyReadableFile,
+        .details =
+            L"The picture of NAME.mrc is NAME.png. It is NAME-N.png for a frame other than the first, and "
+            L"for every frame when all are written. Files from the subfolders of a PATH go to subfolders "
+            L"of the same names.\n"
+            L"An earlier picture is replaced, a source never, and no two pictures of one run get the same "
+            L"name. The names of the pictures are printed.\n",
+        .options = renderOptions,
+    },
+    {
+        .command = Command::Sheet,
+        .needsPath = true,
+        .name = L"sheet",
+        .summary = L"Write one PNG picture that shows the first frame of many files",
+        .pathName = L"PATH",
+        .filesOfFolder = everyReadableFile,
+        .details =
+            L"Below each picture are the file's name, with its subfolder of the PATH, its size in pixels, "
+            L"its pixel type and its number of frames. A file that cannot be shown has a sign in its "
+            L"place; the reason is printed on standard error.\n"
+            L"An earlier sheet is replaced, a source never. The name of the sheet is printed.\n",
+        .options = sheetOptions,
+    },
+    {
+        .command = Command::Doctor,
+        .name = L"doctor",
+        .summary = L"Find out why there is no thumbnail, and change nothing",
+        .pathName = L"FILE",
+        .filesOfFolder = L"every file below it with an extension that Lumora registers.",
+        .details =
+            L"Doctor looks at the registration of Lumora and at the DLL that it names, starts Lumora's "
+            L"classes, looks at Explorer's settings, and opens each FILE as Explorer does. Each line is "
+            L"\"ok\", \"note\" or \"problem\". The sentence at the end says what is wrong, the most "
+            L"fundamental problem first, and what to do. The exit code is 0 when all is well and 1 "
+            L"otherwise.\n"
+            L"A registration for all users is enough. One for yourself only also works, but Windows takes "
+            L"no properties from it. If both exist and differ, yours hides the other; that is a problem.\n"
+            L"A value that another program has set is a note. It is a problem if it concerns the extension "
+            L"of a FILE.\n"
+            L"Run doctor without administrator rights, as Explorer runs. With them, Windows ignores a "
+            L"registration for yourself only.\n",
+        .options = doctorOptions,
+    },
+    {
+        .command = Command::Register,
+        .name = L"register",
+        .summary = L"Register Lumora with Windows, for pictures, thumbnails and properties",
+        .details =
+            L"What another program has set for a file name extension is left to that program, and listed.\n",
+        .options = registerOptions,
+    },
+    {
+        .command = Command::Unregister,
+        .name = L"unregister",
+        .summary = L"Remove the registration of Lumora",
+        .details = L"What another program has set for a file name extension stays.\n",
+        .options = unregisterOptions,
+    },
 };
 
 } // namespace

@@ -21,16 +21,17 @@ struct Option
 /// A command, or the program itself.
 struct CommandDescription
 {
-    Command command;
-    std::wstring_view name;
+    Command command = Command::None;
+    /// Whether at least one file or folder must follow the command.
+    bool needsPath = false;
+    std::wstring_view name = {};
     std::wstring_view summary;
     /// What the help calls a file or folder that follows the command; empty for a command that takes none.
-    std::wstring_view pathName;
-    bool needsPath;
+    std::wstring_view pathName = {};
     /// Which files of a folder are taken.
-    std::wstring_view filesOfFolder;
+    std::wstring_view filesOfFolder = {};
     /// Paragraphs, each with a line feed at its end.
-    std::wstring_view details;
+    std::wstring_view details = {};
     std::span<const Option> options;
 };
 
