@@ -25,6 +25,8 @@ public:
     explicit FrameBytes(size_t byteCount);
     explicit FrameBytes(std::span<const uint8_t> bytes);
 
+    FrameBytes(const FrameBytes&) = delete;
+    FrameBytes& operator=(const FrameBytes&) = delete;
     FrameBytes(FrameBytes&& other) noexcept;
     FrameBytes& operator=(FrameBytes&& other) noexcept;
     ~FrameBytes();
