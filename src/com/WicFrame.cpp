@@ -30,14 +30,14 @@ WicFrame::WicFrame(std::unique_ptr<Tav::Imaging::RawImage::RawImage> holder) : i
     }
 }
 
-const RawImageBase* WicFrame::Reader() const noexcept
-{
-    return image ? image->Reader() : nullptr;
-}
-
 uint32_t WicFrame::BytesPerPicturePixel() const noexcept
 {
     return BytesPerPixel(format);
+}
+
+const RawImageBase* WicFrame::Reader() const noexcept
+{
+    return image ? image->Reader() : nullptr;
 }
 
 HRESULT WicFrame::QueryInterface(REFIID riid, void** ppv)

@@ -13,11 +13,11 @@
 class WicFrame final : public ComObjectBase<IWICBitmapFrameDecode>
 {
 public:
-    /// Takes over the holder and copies its reader's display picture. Without a reader or a picture the
-    /// frame is empty. Throws when memory is exhausted.
+    /// Takes over the holder and its reader's display picture, which the reader then lacks. Without a reader
+    /// or a picture the frame is empty. Throws when memory is exhausted.
     explicit WicFrame(std::unique_ptr<Tav::Imaging::RawImage::RawImage> holder);
 
-    /// The reader that the frame was made from, or null.
+    /// The reader that the frame was made from, for its facts, or null.
     [[nodiscard]] const Tav::Imaging::RawImage::RawImageBase* Reader() const noexcept;
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** ppv) override;

@@ -108,9 +108,8 @@ public:
 
     void ConvertUInt32()
     {
-        const auto decode = [](const uint8_t* bytes) { return LoadLittleEndian<uint32_t>(bytes); };
-        StoredImage<unsigned int, 4, decltype(decode)> samples{image.width, image.height, frame.data(),
-                                                               decode};
+        StoredImage<unsigned int, 4, LoadNumber<uint32_t>> samples{
+            image.width, image.height, frame.data(), {}};
         SetRange(samples,
                  Widened<uint32_t>({std::numeric_limits<uint32_t>::max(), 0}, frame.data(), pixelCount));
         ScaleByDynamicRange(samples, frame, image.flipVertical);
@@ -142,7 +141,7 @@ public:
         histogram.Add(frame.data(), pixelCount, 0, range.low);
         const std::span<const uint32_t> counts = histogram.Sum();
 
-        // Codes that do not occur have the value 0 of one that does, or of none, and count for nothing.
+        // A code that does not occur has the value 0 here, and counts for nothing.
         std::vector<float> values(65536);
         std::vector<float> present;
         for (size_t code = range.low; code <= range.high; ++code)
@@ -178,7 +177,10 @@ public:
         uint8_t* const bytes = frame.data();
         // Each pixel's fourth byte is written over by the next pixel, and that of the last one is cut off.
         for (size_t pixel = 0; pixel < pixelCount; ++pixel)
-            std::memcpy(bytes + 3 * pixel, bytes + 4 * pixel, 4);
+        {
+            const auto colours = LoadLittleEndian<uint32_t>(bytes + 4 * pixel);
+            std::memcpy(bytes + 3 * pixel, &colours, sizeof(colours));
+        }
         frame.Truncate(3 * pixelCount);
     }
 

@@ -14,7 +14,8 @@
 
 inline constexpr const wchar_t* dllPath = L"C:\\Program Files\\Lumora\\Lumora.dll";
 inline constexpr const wchar_t* thumbnails = L"\\ShellEx\\{e357fccd-a995-4576-b01f-234630154e96}";
-// Not inline: each of these needs those before it, and inline variables are not made in the order in which they stand.
+// Not inline: each of these needs those before it, and inline variables are not made in the order in which
+// they stand.
 const std::wstring classes = L"SOFTWARE\\Classes\\";
 const std::wstring windows = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\";
 const std::wstring decoder = classes + L"CLSID\\{0B6C4D37-1F0E-4E5B-9C57-6A3D2C9E41F8}";
