@@ -2,12 +2,12 @@
 
 #include "com/ComObjectBase.h"
 #include "core/RawImage.h"
+#include "core/samples/FrameBytes.h"
 
 #include <wincodec.h>
 
 #include <cstdint>
 #include <memory>
-#include <vector>
 
 /// One decoded frame as WIC sees it. Nothing changes after construction, so any thread may call it.
 class WicFrame final : public ComObjectBase<IWICBitmapFrameDecode>

@@ -97,8 +97,7 @@ bool RawImageBase::ReadFramePixels(FrameBytes& samples, IStream* stream, uint64_
     if (isPacked || frameBytes == 0)
         return true;
 
-    FrameBytes stored{frameBytes};
-    std::memcpy(stored.data(), samples.data(), frameBytes);
+    const FrameBytes stored{std::span<const uint8_t>(samples.data(), frameBytes)};
     GatherSamples(stored.data(), frameBytes, *this, sampleBytes, samples.data());
     return true;
 }

@@ -7,12 +7,16 @@ size_t RoundedUp(size_t bytes, size_t unit) noexcept
     return (bytes + unit - 1) / unit * unit;
 }
 
-constexpr size_t pageBytes = 4096;
-
 } // namespace
 
 #ifdef _WIN32
 #include <windows.h>
+
+namespace {
+
+constexpr size_t pageBytes = 4096;
+
+} // namespace
 
 uint8_t* ReservePages(size_t bytes) noexcept
 {
@@ -43,6 +47,7 @@ void ReleasePages(uint8_t* first, size_t) noexcept
 
 #else
 #include <sys/mman.h>
+#include <unistd.h>
 
 uint8_t* ReservePages(size_t bytes) noexcept
 {
@@ -52,6 +57,7 @@ uint8_t* ReservePages(size_t bytes) noexcept
 
 namespace {
 
+const auto pageBytes = static_cast<size_t>(sysconf(_SC_PAGESIZE));
 constexpr size_t largePageBytes = size_t{2} << 20;
 
 /// Asks for large pages where at least two of them fit. It does not matter whether they are given.

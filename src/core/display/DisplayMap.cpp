@@ -34,8 +34,8 @@ bool GivesAll(float factor, const std::vector<uint8_t>& bytes)
     return isEqual;
 }
 
-/// A factor whose products with the distances are the bytes; 0 where there is none near 255 steps for all of
-/// them but the last.
+/// A factor whose products with the distances are the bytes. It is looked for near 255 divided by the length
+/// of the range, which is two less than the number of bytes; 0 where there is none.
 float FactorOf(const std::vector<uint8_t>& bytes)
 {
     if (bytes.size() < 3)
@@ -81,9 +81,9 @@ DisplayMap DisplayMap::OfRange(uint32_t low, uint32_t high)
 {
     const DisplayScale scale{low, high};
     // One sample more than the range: what lies above it is white, its end need not be.
-    std::vector<uint8_t> bytes(size_t{high - low} + 2);
+    std::vector<uint8_t> bytes(size_t{high - low} + 2, 255);
     Vectorised([=, size = bytes.size(), data = bytes.data()] {
-        for (size_t distance = 0; distance < size; ++distance)
+        for (size_t distance = 0; distance + 1 < size; ++distance)
             data[distance] = scale(low + static_cast<uint32_t>(distance));
     });
     return {low, std::move(bytes)};

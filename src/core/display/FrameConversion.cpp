@@ -81,7 +81,8 @@ public:
     void ConvertInt8()
     {
         frame.Truncate(pixelCount);
-        const auto zeros = static_cast<double>(ZeroBytes(frame.data(), pixelCount));
+        const bool isOldMrc = image.fileType == FileType::Mrc;
+        const auto zeros = static_cast<double>(isOldMrc ? ZeroBytes(frame.data(), pixelCount) : 0);
         if (image.flipVertical)
             FlipRows(frame.data(), image.width, image.height);
         ShiftBytes(frame.data(), pixelCount);
@@ -228,7 +229,7 @@ private:
     }
 
     /// Quantises the samples to codes of 16 bits and shows these. The codes are written over the frame from
-    /// its beginning on: its samples are as wide, and are read before a code reaches them.
+    /// its beginning on: its samples are wider, and are read before a code reaches them.
     void ConvertQuantised(const Image<double>& samples, const RescaleToUInt32& rescale)
     {
         Histogram<uint16_t> histogram{65536, pixelCount};
@@ -273,7 +274,9 @@ private:
 void ConvertFrame(RawImageBase& image, FrameBytes frame)
 {
     const size_t pixelCount = size_t{image.width} * image.height;
-    if (image.byteOrder == ByteOrder::BigEndian && !IsAlwaysLittleEndian(image.pixelType))
+    static_assert(!IsAlwaysLittleEndian(PixelType::UInt16) && !IsAlwaysLittleEndian(PixelType::Int16) &&
+                  !IsAlwaysLittleEndian(PixelType::Float16) && !IsAlwaysLittleEndian(PixelType::Float32));
+    if (image.byteOrder == ByteOrder::BigEndian)
     {
         if (image.pixelType == PixelType::Float32)
             SwapBytes<uint32_t>(frame.data(), pixelCount);

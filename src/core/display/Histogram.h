@@ -62,7 +62,7 @@ public:
 private:
     static constexpr size_t wordsAtOnce = sizeof(uint64_t) / sizeof(Code);
 
-    /// As many as the nearest cache holds; one where the tables would take longer than the samples.
+    /// As many as the near caches hold; one where the tables would take longer than the samples.
     static size_t TablesFor(size_t codes, size_t samples) noexcept
     {
         if (samples < wordsAtOnce * codes)

@@ -10,7 +10,7 @@ namespace Tav::Imaging::RawImage {
 
 /// The bytes of a stored frame, and then of its picture, which takes their place. Memory from the system
 /// costs more time than the arithmetic on a frame. So it is not written with zeros first, as that of a vector
-/// is: large blocks come as zeros. And no second block is needed for the picture.
+/// is: large blocks come as zeros. And most pictures need no second block.
 class FrameBytes
 {
 public:

@@ -10,8 +10,8 @@ enum class Vectors
     Avx2,
 };
 
-/// The vectors in use: the widest that the processor and the operating system have, unless others were
-/// chosen.
+/// The vectors in use: the wider of those that the processor and the operating system have, unless others
+/// were chosen.
 [[nodiscard]] Vectors VectorsInUse() noexcept;
 
 /// Chooses the vectors for the whole process, so that a test can compare them. Returns false, and changes

@@ -68,6 +68,7 @@ bool RawImageHdf::ReadFile(HdfContents& file, uint32_t frameIndex)
 {
     HdfDiscovery discovery{file};
     displayPixels = FrameBytes(discovery.thumbnail.pixels);
+    discovery.thumbnail.pixels = {};
     entries = discovery.found.Entries(frameIndex == 0);
     if (entries.empty())
         return hdfLog.Fail(L"No images found");
