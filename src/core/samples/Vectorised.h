@@ -18,27 +18,31 @@ enum class Vectors
 /// nothing, where they are not to be had.
 bool UseVectors(Vectors vectors) noexcept;
 
+template <typename Loop>
+[[gnu::flatten, gnu::noinline]] void RunWithBaselineVectors(Loop loop)
+{
+    loop();
+}
+
+#ifdef __x86_64__
+template <typename Loop>
+[[gnu::flatten, gnu::noinline, gnu::target("avx2")]] void RunWithAvx2(Loop loop)
+{
+    loop();
+}
+#endif
+
 /// Runs a loop that is compiled once for each kind of vectors. What it gives does not depend on them. The
 /// loop is a lambda that captures by value: what it captures by reference would be loaded again after each
 /// store.
 template <typename Loop>
 void Vectorised(const Loop& loop)
 {
-    struct Compiled
-    {
-        [[gnu::flatten, gnu::noinline]] static void ForBaseline(Loop copy) { copy(); }
-#ifdef __x86_64__
-        [[gnu::flatten, gnu::noinline, gnu::target("avx2")]] static void ForAvx2(Loop copy)
-        {
-            copy();
-        }
-#endif
-    };
 #ifdef __x86_64__
     if (VectorsInUse() == Vectors::Avx2)
-        return Compiled::ForAvx2(loop);
+        return RunWithAvx2(loop);
 #endif
-    Compiled::ForBaseline(loop);
+    RunWithBaselineVectors(loop);
 }
 
 } // namespace Tav::Imaging::RawImage
