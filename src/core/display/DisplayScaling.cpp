@@ -123,8 +123,8 @@ void StretchContrast(FrameBytes& picture, size_t pixelCount)
     std::vector<uint8_t> stretched(static_cast<size_t>(high - low + 2), 255);
     for (int level = low; level <= high; ++level)
         stretched[static_cast<size_t>(level - low)] = static_cast<uint8_t>((level - low) * factor);
-    DisplayMap{static_cast<uint32_t>(low), std::move(stretched)}.Replace<uint8_t>(picture.data(), pixelCount,
-                                                                                  picture.data());
+    const DisplayMap map(static_cast<uint32_t>(low), std::move(stretched));
+    map.Replace<uint8_t>(picture.data(), pixelCount, picture.data());
 }
 
 } // namespace Tav::Imaging::RawImage
