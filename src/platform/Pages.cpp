@@ -81,21 +81,18 @@ bool CommitPages(uint8_t* first, size_t bytes) noexcept
 
 uint8_t* AllocatePages(size_t bytes) noexcept
 {
-    const size_t extra = bytes >= 2 * largePageBytes ? largePageBytes : 0;
-    void* const pages =
-        mmap(nullptr, bytes + extra, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    // Large pages begin at multiples of their size. What is before and behind them is not needed.
+    const size_t most = RoundedUp(bytes, pageBytes) + largePageBytes;
+    void* const pages = mmap(nullptr, most, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (pages == MAP_FAILED)
         return nullptr;
     auto* const first = static_cast<uint8_t*>(pages);
-    if (extra == 0)
-        return first;
-    // Large pages begin at multiples of their size. What is before and behind them is not needed.
     const auto address = reinterpret_cast<uintptr_t>(first);
     const size_t before = RoundedUp(address, largePageBytes) - address;
     const size_t end = before + RoundedUp(bytes, pageBytes);
     if (before > 0)
         munmap(first, before);
-    munmap(first + end, RoundedUp(bytes + extra, pageBytes) - end);
+    munmap(first + end, most - end);
     PreferLargePages(first + before, bytes);
     return first + before;
 }
