@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstring>
 
 using Tav::Imaging::RawImage::PixelType;
 
@@ -45,10 +46,23 @@ void MeasureFrame(const char* name, uint32_t mode, PixelType type, uint32_t edge
     std::printf("%-40s %8.2f ms\n", name, time);
 }
 
+/// What the system takes for the memory of a stored frame alone.
+void MeasureFreshMemory(const char* name, size_t bytes)
+{
+    const double time = Milliseconds([&] {
+        void* const pages = VirtualAlloc(nullptr, bytes, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
+        std::memset(pages, 1, bytes);
+        VirtualFree(pages, 0, MEM_RELEASE);
+    });
+    std::printf("%-40s %8.2f ms\n", name, time);
+}
+
 } // namespace
 
 int main()
 {
+    MeasureFreshMemory("FreshMemory/UInt16/4096", size_t{2} * 4096 * 4096);
+    MeasureFreshMemory("FreshMemory/Float32/4096", size_t{4} * 4096 * 4096);
     MeasureFrame("Frame/UInt16/4096", 6, PixelType::UInt16, 4096);
     MeasureFrame("Frame/Float32/4096", 2, PixelType::Float32, 4096);
     MeasureFrame("Frame/UInt16/192", 6, PixelType::UInt16, 192);

@@ -1,6 +1,7 @@
 #include "core/stream/StreamReader.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cctype>
 #include <stdexcept>
 
@@ -23,6 +24,20 @@ bool ReadExactly(IStream* stream, uint64_t offset, void* buffer, uint32_t count)
     return SUCCEEDED(stream->Read(buffer ? buffer : &unused, count, &countRead)) && countRead == count;
 }
 
+// Memory that is new to the process takes longer than reading a window. So one window of the full size is
+// kept for the next reader.
+std::vector<uint8_t> spareWindow;
+std::atomic_flag isSpareInUse;
+
+/// Exchanges a window and the spare one. Does nothing while another thread does the same.
+void SwapWithSpare(std::vector<uint8_t>& window) noexcept
+{
+    if (isSpareInUse.test_and_set(std::memory_order_acquire))
+        return;
+    window.swap(spareWindow);
+    isSpareInUse.clear(std::memory_order_release);
+}
+
 } // namespace
 
 StreamReader::StreamReader(IStream* source) : stream(ComPtr<IStream>::Share(source))
@@ -31,8 +46,16 @@ StreamReader::StreamReader(IStream* source) : stream(ComPtr<IStream>::Share(sour
         throw std::invalid_argument("NULL Pointer");
     if (!GetStreamSize(source, &streamSize))
         throw std::runtime_error("Could not get file size");
+    if (streamSize >= maximumWindowBytes)
+        SwapWithSpare(window);
     if (!LoadWindow(0))
         throw std::runtime_error("Could not read file");
+}
+
+StreamReader::~StreamReader()
+{
+    if (window.capacity() >= maximumWindowBytes)
+        SwapWithSpare(window);
 }
 
 bool StreamReader::LoadWindow(uint64_t offset)

@@ -13,7 +13,8 @@
 namespace Tav::Imaging::RawImage {
 
 /// A cursor over a COM stream that keeps a window of at most 4 MiB in memory, so that a header of many
-/// small fields costs one read of the stream. It moves the stream's own position.
+/// small fields costs one read of the stream. It moves the stream's own position. The memory of a window of
+/// the full size is kept for the next reader.
 class StreamReader
 {
 public:
@@ -25,7 +26,7 @@ public:
     explicit StreamReader(IStream* stream);
     StreamReader(const StreamReader&) = delete;
     StreamReader& operator=(const StreamReader&) = delete;
-    virtual ~StreamReader() = default;
+    virtual ~StreamReader();
 
     /// Loads the window that begins at an absolute offset and puts the cursor there. An offset at the end of
     /// the stream gives an empty window. For an offset beyond the end, it returns false and changes nothing.

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <type_traits>
 #include <typeinfo>
 #include <vector>
@@ -382,6 +383,56 @@ TEST(StreamReader, KeepsItsBufferForWindowsOfTheSameLength)
     EXPECT_TRUE(reader.LoadWindow(windowBytes));
     EXPECT_EQ(reader.window.data(), buffer);
     EXPECT_EQ(reader.window, Part(stream.bytes, windowBytes, windowBytes));
+}
+
+TEST(StreamReader, TakesTheFullWindowOfTheOneBefore)
+{
+    TestStream stream{Numbered(windowBytes + 1000)};
+    const uint8_t* before = nullptr;
+    {
+        StreamReader reader{&stream};
+        before = reader.window.data();
+        // The window at the end is shorter.
+        EXPECT_TRUE(reader.GoTo(windowBytes));
+    }
+    StreamReader reader{&stream};
+    EXPECT_EQ(reader.window.data(), before);
+    EXPECT_EQ(reader.window, Part(stream.bytes, 0, windowBytes));
+
+    const StreamReader beside{&stream};
+    EXPECT_NE(beside.window.data(), before);
+    EXPECT_EQ(beside.window, Part(stream.bytes, 0, windowBytes));
+}
+
+TEST(StreamReader, LeavesAFullWindowToLongerStreams)
+{
+    TestStream longStream{Numbered(windowBytes)};
+    TestStream shortStream{Numbered(windowBytes - 1)};
+    const uint8_t* before = nullptr;
+    {
+        const StreamReader reader{&longStream};
+        before = reader.window.data();
+    }
+    const StreamReader shortReader{&shortStream};
+    EXPECT_NE(shortReader.window.data(), before);
+    EXPECT_EQ(StreamReader{&longStream}.window.data(), before);
+}
+
+TEST(StreamReader, SharesNoWindowWithReadersOnOtherThreads)
+{
+    const auto read = [](uint8_t first) {
+        TestStream stream{Bytes(windowBytes, first)};
+        for (int round = 0; round < 50; ++round)
+        {
+            const StreamReader reader{&stream};
+            ASSERT_EQ(reader.window, stream.bytes);
+        }
+    };
+    std::vector<std::thread> threads;
+    for (uint8_t number = 0; number < 4; ++number)
+        threads.emplace_back(read, number);
+    for (std::thread& thread : threads)
+        thread.join();
 }
 
 } // namespace
