@@ -133,6 +133,5 @@ void DisplayMap::Replace(const uint8_t* stored, size_t count, uint8_t* target, W
 
 template void DisplayMap::Replace(const uint8_t*, size_t, uint8_t*, uint8_t, uint8_t) const;
 template void DisplayMap::Replace(const uint8_t*, size_t, uint8_t*, uint16_t, uint16_t) const;
-template void DisplayMap::Replace(const uint8_t*, size_t, uint8_t*, uint32_t, uint32_t) const;
 
 } // namespace Tav::Imaging::RawImage

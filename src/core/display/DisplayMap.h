@@ -7,7 +7,7 @@
 
 namespace Tav::Imaging::RawImage {
 
-/// Replaces samples of 8, 16 or 32 bits by their display bytes.
+/// Replaces samples of 8 or 16 bits by their display bytes.
 class DisplayMap
 {
 public:

@@ -8,6 +8,14 @@
 
 namespace Tav::Imaging::RawImage {
 
+/// The display byte of a level: without its fraction, and limited to 0..255.
+[[nodiscard]] inline uint8_t LevelByte(double level) noexcept
+{
+    const double limited = level > 255.0 ? 255.0 : level;
+    // 0 / 0 gives NaN. No comparison with NaN is true, so it becomes 0.
+    return static_cast<uint8_t>(static_cast<int32_t>(limited > 0 ? limited : 0));
+}
+
 /// The display byte of a sample: its distance from the low end of the display range in steps of 1/255 of the
 /// range, truncated and limited to 0..255. If the range is empty, the sample at its ends is black.
 class DisplayScale
@@ -19,13 +27,16 @@ public:
 
     [[nodiscard]] uint8_t operator()(uint32_t sample) const noexcept
     {
-        const double level = (sample - low) / step;
-        const double limited = level > 255.0 ? 255.0 : level;
-        // 0 / 0 gives NaN. No comparison with NaN is true, so it becomes 0.
-        return static_cast<uint8_t>(static_cast<int32_t>(limited > 0 ? limited : 0));
+        return LevelByte((sample - low) / step);
     }
 
+    /// A factor whose product with the distance gives the byte of every sample, as the division by the step
+    /// does; 0 where none was found, which is so for one range in twenty.
+    [[nodiscard]] double Factor() const noexcept;
+
 private:
+    [[nodiscard]] bool IsFactor(double factor) const noexcept;
+
     double low;
     double step;
 };

@@ -102,7 +102,7 @@ public:
     void ConvertInteger16(uint16_t turned)
     {
         const Range<uint16_t> range = CodeRange(turned);
-        Histogram<uint16_t> histogram{size_t{range.high} - range.low + 1, pixelCount};
+        Histogram histogram{size_t{range.high} - range.low + 1, pixelCount};
         histogram.Add(frame.data(), pixelCount, turned, range.low);
         ReplaceCodes(MapOf(histogram.Sum()), turned, range.low);
     }
@@ -131,14 +131,19 @@ public:
     {
         StoredImage<double, sizeof(Real), LoadNumber<Real>> samples{
             image.width, image.height, frame.data(), {}};
-        ConvertFloating(samples, RealRange<Real>(frame.data(), pixelCount), force32Bit);
+        SetRange(samples, RealRange<Real>(frame.data(), pixelCount));
+        const RescaleToUInt32 rescale{samples, force32Bit};
+        if (rescale.FitsIn16Bit())
+            ConvertQuantised<Real>(rescale);
+        else
+            ConvertWide(samples, rescale);
     }
 
     /// Half-precision numbers have only 65536 codes, so the arithmetic is done once for each code.
     void ConvertFloat16(bool force32Bit)
     {
         const Range<uint16_t> range = CodeRange(0);
-        Histogram<uint16_t> histogram{size_t{range.high} - range.low + 1, pixelCount};
+        Histogram histogram{size_t{range.high} - range.low + 1, pixelCount};
         histogram.Add(frame.data(), pixelCount, 0, range.low);
         const std::span<const uint32_t> counts = histogram.Sum();
 
@@ -152,16 +157,14 @@ public:
             values[code] = DecodeHalf(static_cast<uint16_t>(code));
             present.push_back(values[code]);
         }
-        const Range<double> realRange =
-            RealRange<float>(reinterpret_cast<const uint8_t*>(present.data()), present.size());
         const auto decode = [table = values.data()](const uint8_t* bytes) {
             return table[LoadLittleEndian<uint16_t>(bytes)];
         };
         StoredImage<double, 2, decltype(decode)> samples{image.width, image.height, frame.data(), decode};
-        SetRange(samples, realRange);
+        SetRange(samples, RealRange<float>(reinterpret_cast<const uint8_t*>(present.data()), present.size()));
         const RescaleToUInt32 rescale{samples, force32Bit};
         if (!rescale.FitsIn16Bit())
-            return ConvertFloating(samples, realRange, force32Bit);
+            return ConvertWide(samples, rescale);
 
         std::vector<uint32_t> quantisedCounts(65536);
         for (size_t code = range.low; code <= range.high; ++code)
@@ -213,12 +216,8 @@ private:
                 std::max<double>(high, std::numeric_limits<double>::min())};
     }
 
-    void ConvertFloating(Image<double>& samples, const Range<double>& range, bool force32Bit)
+    void ConvertWide(const Image<double>& samples, const RescaleToUInt32& rescale)
     {
-        SetRange(samples, range);
-        const RescaleToUInt32 rescale{samples, force32Bit};
-        if (rescale.FitsIn16Bit())
-            return ConvertQuantised(samples, rescale);
         RescaledImage quantised{samples, rescale};
         ScaleByDynamicRange(quantised, frame, image.flipVertical);
     }
@@ -228,21 +227,27 @@ private:
         return static_cast<uint16_t>(static_cast<int32_t>(rescale(sample)));
     }
 
-    /// Quantises the samples to codes of 16 bits and shows these. The codes are written over the frame from
-    /// its beginning on: its samples are wider, and are read before a code reaches them.
-    void ConvertQuantised(const Image<double>& samples, const RescaleToUInt32& rescale)
+    /// Quantises the stored samples to codes of 16 bits and shows these. The codes are written over the frame
+    /// from its beginning on: its samples are wider, and are read before a code reaches them.
+    template <typename Real>
+    void ConvertQuantised(const RescaleToUInt32& rescale)
     {
-        Histogram<uint16_t> histogram{65536, pixelCount};
+        Histogram histogram{65536, pixelCount};
         std::array<uint16_t, blockSamples> codes;
-        ForEachBlock(samples, [&](size_t index, std::span<const double> block) {
-            Vectorised([=, from = block.data(), count = block.size(), to = codes.data()] {
-                for (size_t i = 0; i < count; ++i)
-                    to[i] = Quantised(rescale, from[i]);
+        for (size_t done = 0; done < pixelCount; done += codes.size())
+        {
+            const size_t size = std::min(codes.size(), pixelCount - done);
+            Vectorised([=, from = frame.data() + sizeof(Real) * done, to = codes.data()] {
+                for (size_t i = 0; i < size; ++i)
+                    to[i] = Quantised(rescale, LoadLittleEndian<Real>(from + sizeof(Real) * i));
             });
+            const size_t converted = done + size;
+            Prefetch(frame.data() + sizeof(Real) * converted,
+                     sizeof(Real) * std::min(codes.size(), pixelCount - converted));
             const auto* const stored = reinterpret_cast<const uint8_t*>(codes.data());
-            histogram.Add(stored, block.size());
-            std::memcpy(frame.data() + 2 * index, stored, 2 * block.size());
-        });
+            histogram.Add(stored, size);
+            std::memcpy(frame.data() + 2 * done, stored, 2 * size);
+        }
         ReplaceCodes(MapOf(histogram.Sum().first(size_t{rescale.Highest()} + 1)), 0, 0);
     }
 

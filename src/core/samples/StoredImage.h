@@ -1,8 +1,10 @@
 #pragma once
 
 #include "core/samples/Image.h"
+#include "core/samples/SampleDecoding.h"
 #include "core/samples/Vectorised.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -28,11 +30,13 @@ public:
             for (size_t i = 0; i < count; ++i)
                 target[i] = decodeOne(stored + i * distance);
         };
-        // Neighbours are loaded together.
-        if (step == 1)
-            Vectorised([=] { load(sampleBytes); });
-        else
-            load(step * sampleBytes);
+        if (step != 1)
+            return load(step * sampleBytes);
+        // Neighbours are loaded together. After them, their successors are asked for.
+        Vectorised([=] { load(sampleBytes); });
+        const size_t loaded = first + block.size();
+        Prefetch(frame + loaded * sampleBytes,
+                 std::min(block.size(), this->SampleCount() - loaded) * sampleBytes);
     }
 
 private:

@@ -1,4 +1,6 @@
 #include "core/display/DisplayScaling.h"
+#include "core/samples/Vectorised.h"
+#include "support/RandomSeed.h"
 #include "support/display/HeldImage.h"
 #include "support/streams/DiagnosticLines.h"
 
@@ -6,6 +8,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -59,6 +62,35 @@ TEST(ScaleToDisplayBytes, MeasuresARangeThatWrapsModulo2To32)
     // From 2^32 - 251 to 4 there are 255 steps; what has wrapped lies below the low end, not above it.
     EXPECT_EQ(Scaled(4294967045, 4, {4, 4294967045, 4294967046, UINT32_MAX, 4294967044}),
               (Bytes{0, 0, 1, 250, 0}));
+}
+
+// Most ranges are scaled by a product in place of the division. Bytes change where a level begins.
+TEST(ScaleToDisplayBytes, GivesTheQuotientOfEverySample)
+{
+    const Vectors before = VectorsInUse();
+    std::mt19937 random{RandomSeed()};
+    for (int round = 0; round < 3000; ++round)
+    {
+        const uint32_t low = static_cast<uint32_t>(random()) >> random() % 32;
+        const uint32_t high = low + (static_cast<uint32_t>(random()) >> random() % 32);
+        const double step = (high - low) / 255.0;
+        std::vector<uint32_t> samples;
+        std::vector<uint8_t> expected;
+        for (uint32_t level = 0; level <= 256; ++level)
+        {
+            for (int64_t beside = -2; beside <= 2; ++beside)
+                samples.push_back(static_cast<uint32_t>(low + static_cast<int64_t>(level * step) + beside));
+            samples.push_back(static_cast<uint32_t>(random()));
+        }
+        for (const uint32_t sample : samples)
+        {
+            const double quotient = (static_cast<double>(sample) - static_cast<double>(low)) / step;
+            expected.push_back(quotient > 255 ? 255 : quotient > 0 ? static_cast<uint8_t>(quotient) : 0);
+        }
+        UseVectors(round % 2 == 0 ? Vectors::Avx2 : Vectors::Baseline);
+        ASSERT_EQ(Scaled(low, high, samples), expected) << low << " to " << high;
+    }
+    UseVectors(before);
 }
 
 TEST(ScaleToDisplayBytes, FlipsRows)
