@@ -61,11 +61,12 @@ void MeasureFreshMemory(const char* name, size_t bytes)
 
 int main()
 {
+    // First, before the heap has returned memory to the system.
+    MeasureFrame("Frame/UInt16/192", 6, PixelType::UInt16, 192);
     MeasureFreshMemory("FreshMemory/UInt16/4096", size_t{2} * 4096 * 4096);
     MeasureFreshMemory("FreshMemory/Float32/4096", size_t{4} * 4096 * 4096);
     MeasureFrame("Frame/UInt16/4096", 6, PixelType::UInt16, 4096);
     MeasureFrame("Frame/Float32/4096", 2, PixelType::Float32, 4096);
-    MeasureFrame("Frame/UInt16/192", 6, PixelType::UInt16, 192);
 
     const TemporaryFolder folder;
     const std::filesystem::path file = folder.Write("large.mrc", MrcStack(6, PixelType::UInt16, 4096));
