@@ -3,27 +3,13 @@
 #include "support/FileBytes.h"
 #include "windows/clients/LumoraModule.h"
 #include "windows/clients/TemporaryFolder.h"
+#include "windows/support/Quoted.h"
 
 #include <windows.h>
 
 #include <gtest/gtest.h>
 
 namespace {
-
-/// The argument as a program's start-up code takes it from a command line.
-std::wstring Quoted(const std::wstring& argument)
-{
-    std::wstring text = L"\"";
-    size_t backslashes = 0;
-    for (const wchar_t character : argument)
-    {
-        if (character == L'"')
-            text.append(backslashes + 1, L'\\');
-        backslashes = character == L'\\' ? backslashes + 1 : 0;
-        text += character;
-    }
-    return text.append(backslashes, L'\\') + L"\"";
-}
 
 /// A new file for the child process, which may do no more than this with it.
 HANDLE OpenForChild(const std::filesystem::path& path, DWORD access)
