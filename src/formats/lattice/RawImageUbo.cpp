@@ -18,15 +18,14 @@ constexpr ReaderLog log{L"UBO: "};
 
 constexpr size_t longestHeader = 0x3FFFF;
 
-/// The file's first bytes as text. A shorter file is filled up with spaces, and zero bytes count as spaces.
+/// The file's first bytes as text. Zero bytes count as spaces.
 std::optional<std::string> ReadHeaderText(StreamReader& reader, uint64_t streamSize)
 {
     const auto bytes = reader.ReadBytes(static_cast<size_t>(std::min<uint64_t>(streamSize, longestHeader)));
     if (!bytes)
         return std::nullopt;
-    std::string text(longestHeader, ' ');
-    std::transform(bytes->begin(), bytes->end(), text.begin(),
-                   [](uint8_t byte) { return byte == 0 ? ' ' : static_cast<char>(byte); });
+    std::string text(bytes->begin(), bytes->end());
+    std::ranges::replace(text, '\0', ' ');
     return text;
 }
 
@@ -50,7 +49,7 @@ bool RawImageUbo::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
     const auto text = ReadHeaderText(reader, streamSize);
     if (!text)
         return false;
-    if ((*text)[3] == 'e')
+    if (text->size() > 3 && (*text)[3] == 'e')
     {
         fileType = FileType::PelixMesh;
         software = L"Pelix";
