@@ -247,11 +247,20 @@ def other_headers():
         yield name, start.ljust(96, b"\0")
 
 
+def json_texts():
+    """A key, and on the next lines the members among which it is looked up."""
+    yield "json_members", b'version\n{\n  "format": "Series",\n  "Version": "1.2-beta",\n  "list": ["a", "b"]\n}\n'
+    yield "json_one_line", b'a\n{"a": "b"}'
+
+
 def main():
-    folder = sys.argv[1] if len(sys.argv) > 1 else os.path.join(os.path.dirname(__file__), "corpus")
-    os.makedirs(folder, exist_ok=True)
-    for files in (mrc_files, dm_files, ser_files, emi_files, npy_files, raw_files, bin_files, lattice_files,
-                  hdf_files, other_headers):
+    corpus = sys.argv[1] if len(sys.argv) > 1 else os.path.join(os.path.dirname(__file__), "corpus")
+    kinds = {"mrc": mrc_files, "dm": dm_files, "ser": ser_files, "emi": emi_files, "npy": npy_files, "raw": raw_files,
+             "bin": bin_files, "lattice": lattice_files, "hdf": hdf_files, "identification": other_headers,
+             "json": json_texts}
+    for kind, files in kinds.items():
+        folder = os.path.join(corpus, kind)
+        os.makedirs(folder, exist_ok=True)
         for name, content in files():
             with open(os.path.join(folder, name), "wb") as seed:
                 seed.write(content)
