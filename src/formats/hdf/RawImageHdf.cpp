@@ -86,7 +86,8 @@ bool RawImageHdf::ReadFile(HdfContents& file, uint32_t frameIndex)
     if (IsThumbnailPath(entry.path))
     {
         hdfLog.Write(L"Using embedded jpeg thumbnail");
-        if (entry.path == discovery.thumbnailPath)
+        const JpegPicture& decoded = discovery.thumbnail;
+        if (entry.path == discovery.thumbnailPath && decoded.width == width && decoded.height == height)
             return true;
         // There can be several thumbnails, whose paths differ in letter case.
         std::optional<JpegPicture> picture = DecodeHdfThumbnail(file, entry.path);
