@@ -3,6 +3,7 @@
 // of this.
 
 #include "OpenedFile.h"
+#include "support/JpegFile.h"
 
 #include "formats/hdf/inside/HdfCandidate.h"
 #include "formats/hdf/inside/HdfNames.h"
@@ -77,9 +78,9 @@ uint64_t SomeSamples()
 /// Writes a text that means something to the host, or any text. Returns its length.
 uint32_t WriteText(Z_hdf5_instance_t* instance)
 {
-    std::string text = answers->PickValueInArray({"/image", hdfThumbnailPath, "/data/image/1/Data", "/Data",
-                                                  "\"format\": \"a\"\n\"version\": \"b\"\n",
-                                                  "\"applicationVersion\": \"c-d\"\n"});
+    std::string text = answers->PickValueInArray(
+        {"/image", hdfThumbnailPath, "/Thumbnail.jpg", "/data/image/1/Data", "/Data",
+         "\"format\": \"a\"\n\"version\": \"b\"\n", "\"applicationVersion\": \"c-d\"\n"});
     if (OneIn(8))
         text = answers->ConsumeRandomLengthString();
     text.push_back('\0');
@@ -108,6 +109,16 @@ void WriteCandidate(Z_hdf5_instance_t* instance)
     lastSamples = candidate.sides[1] * candidate.sides[interlace == hdfPlaneInterlace ? 2 : 0];
     Write(instance->w2c_memory, candidatePlace,
           {reinterpret_cast<const uint8_t*>(&candidate), sizeof(candidate)});
+}
+
+/// Writes a small picture, as the bytes that a thumbnail has.
+void WriteThumbnail(Z_hdf5_instance_t* instance)
+{
+    static const Bytes pictures[] = {JpegFile{8, 8}.Block({128}).Build(),
+                                     JpegFile{7, 8}.Block({128}).Build()};
+    const Bytes& picture = pictures[answers->ConsumeBool() ? 1 : 0];
+    lastSamples = picture.size();
+    Write(instance->w2c_memory, 0, picture);
 }
 
 } // namespace
@@ -168,6 +179,8 @@ u32 Z_hdf5Z_examine_dataset(Z_hdf5_instance_t* instance)
 
 u64 Z_hdf5Z_stored_bytes(Z_hdf5_instance_t* instance)
 {
+    if (OneIn(4))
+        WriteThumbnail(instance);
     return Answer(instance, SomeSamples());
 }
 
@@ -205,7 +218,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     answers.emplace(data, size);
     lastSamples = 0;
     Bytes file = {0x89, 'H', 'D', 'F'};
-    file.resize(64 + answers->ConsumeIntegralInRange<size_t>(0, 8));
+    file.resize(64 + answers->ConsumeIntegralInRange<size_t>(0, 15));
     try
     {
         OpenedFile{file, readModeFrame}.RequirePictureOfStatedSize();
