@@ -5,7 +5,7 @@ usage: run.py PROGRAMS [--seconds N] TARGET   fuzz one target
        run.py PROGRAMS --minutes N            share N minutes out over all targets, on all processors
        run.py PROGRAMS --rates                measure how many inputs each target takes in a second, on one processor
        run.py PROGRAMS --test                 replay all seeds, and fuzz each target a little, always in the same way
-       run.py PROGRAMS --merge                add to the seeds what earlier runs have found and the seeds do not reach
+       run.py PROGRAMS --merge                choose the fewest seeds, of those that runs have found, that reach all that is reached
 
 PROGRAMS is the folder of the programs. What a run has found is kept beside it: inputs that reach something new, from
 which the next run goes on, and findings, the inputs that failed.
@@ -105,9 +105,10 @@ class Runner:
         with open(log, errors="replace") as output:
             text = output.read()
         inputs = re.search(r"stat::number_of_executed_units: +(\d+)", text)
-        edges = [int(count) for count in re.findall(r"^#\d+\t(?:INITED|NEW|REDUCE|pulse|DONE) .*?cov: (\d+)", text, re.M)]
+        seeds = re.search(r"^#\d+\tINITED .*?cov: (\d+)", text, re.M)
+        edges = re.findall(r"^#\d+\t\w+ .*?cov: (\d+)", text, re.M)
         return Result(target, int(inputs[1]) if inputs else 0, usage.ru_utime + usage.ru_stime,
-                      time.monotonic() - began, edges[0] if edges else 0, edges[-1] if edges else 0,
+                      time.monotonic() - began, int(seeds[1]) if seeds else 0, int(edges[-1]) if edges else 0,
                       process.returncode != 0, text)
 
     def seed_folders(self, target):
@@ -127,10 +128,17 @@ class Runner:
         return self.run(target, f"-max_total_time={seconds}", self.folder("inputs", target.name),
                         *self.seed_folders(target), f"{HERE}/regressions")
 
+    def take_found(self, folder):
+        """Takes what the fuzzer has found out of the seeds, so that a merge chooses anew."""
+        for entry in list(os.scandir(f"{HERE}/corpus/{folder}")):
+            if re.fullmatch("[0-9a-f]{40}", entry.name):
+                os.replace(entry.path, os.path.join(self.folder("found", folder), entry.name))
+
     def merge(self, target):
-        seeds = f"{HERE}/corpus/{target.folders[0]}"
+        folder = target.folders[0]
+        seeds = f"{HERE}/corpus/{folder}"
         os.makedirs(seeds, exist_ok=True)
-        return self.run(target, "-merge=1", seeds, self.folder("inputs", target.name))
+        return self.run(target, "-merge=1", seeds, self.folder("found", folder), self.folder("inputs", target.name))
 
 
 def show_failure(result):
@@ -196,6 +204,8 @@ def main():
         results = run_all(lambda target: runner.run_on_seeds(target, target.runs))
     elif options.merge:
         # One after another: two targets can share a folder of seeds.
+        for folder in os.listdir(f"{HERE}/corpus"):
+            runner.take_found(folder)
         results = [runner.merge(target) for target in TARGETS.values() if len(target.folders) == 1]
         sys.exit(any(result.has_failed for result in results))
     elif options.minutes:

@@ -14,7 +14,6 @@
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <algorithm>
-#include <cstring>
 #include <new>
 #include <optional>
 #include <string_view>
