@@ -1,10 +1,14 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 
 #ifdef _WIN32
 #include <windows.h>
+
+#include <malloc.h>
 #else
 #include <pthread.h>
 #endif
@@ -19,11 +23,20 @@ inline void RunOnSmallStack(size_t stackBytes, const std::function<void()>& func
     struct Run
     {
         const std::function<void()>& function;
+        size_t stackBytes;
         void* caller;
     };
-    Run run{function, ConvertThreadToFiber(nullptr)};
+    Run run{function, stackBytes, ConvertThreadToFiber(nullptr)};
     const auto start = [](void* argument) {
         const Run& called = *static_cast<Run*>(argument);
+        // Wine makes no stack smaller than 1 MiB, so the surplus is used up first.
+        ULONG_PTR low = 0;
+        ULONG_PTR high = 0;
+        GetCurrentThreadStackLimits(&low, &high);
+        const size_t left = reinterpret_cast<uintptr_t>(__builtin_frame_address(0)) - low;
+        auto* const taken =
+            static_cast<volatile char*>(_alloca(std::max(left, called.stackBytes) - called.stackBytes));
+        static_cast<void>(taken);
         called.function();
         SwitchToFiber(called.caller);
     };
