@@ -25,6 +25,8 @@ public:
     HRESULT STDMETHODCALLTYPE Read(void* buffer, ULONG count, ULONG* countRead) override
     {
         const bool wrong = readCalls + 1 == wrongRead;
+        if (readCalls + 1 == changedRead)
+            bytes = changedBytes;
         if (wrong && readFault == ReadFault::Fails)
             faults.failReadAt = wrongRead;
         if (wrong && readFault == ReadFault::DeliversOneByteLess)
@@ -59,6 +61,9 @@ public:
     /// The read that goes wrong, and how.
     uint32_t wrongRead = 0;
     ReadFault readFault = ReadFault::Fails;
+    /// The read before which the stream becomes another, as a file does that somebody writes over.
+    uint32_t changedRead = 0;
+    Bytes changedBytes;
     /// The question for the size that is answered wrongly, and the answer.
     uint32_t wrongStat = 0;
     uint64_t wrongSize = 0;

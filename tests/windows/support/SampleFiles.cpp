@@ -1,0 +1,18 @@
+#include "windows/support/SampleFiles.h"
+
+#include "support/FileBytes.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+std::vector<SampleFile> SampleFiles()
+{
+    const std::filesystem::path folder = std::filesystem::path(LUMORA_SOURCE_TREE) / "samples";
+    std::vector<SampleFile> files;
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        files.push_back({entry.path().filename().string(), FileBytes(entry.path())});
+    std::ranges::sort(files, {}, &SampleFile::name);
+    EXPECT_FALSE(files.empty()) << folder;
+    return files;
+}
