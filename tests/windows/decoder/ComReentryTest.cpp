@@ -1,33 +1,11 @@
 #include "support/gray/GrayStack.h"
 #include "windows/clients/DecoderClient.h"
+#include "windows/support/CallingStream.h"
 
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <utility>
-
 // A stream belongs to the host, which may do anything while it is read, on the thread that holds the
 // decoder's lock: let a message through, or ask the same decoder for something.
-
-namespace {
-
-/// A stream whose next read first makes a call.
-class CallingStream : public TestStream
-{
-public:
-    using TestStream::TestStream;
-
-    HRESULT STDMETHODCALLTYPE Read(void* buffer, ULONG count, ULONG* countRead) override
-    {
-        if (const std::function<void()> call = std::exchange(beforeRead, {}))
-            call();
-        return TestStream::Read(buffer, count, countRead);
-    }
-
-    std::function<void()> beforeRead;
-};
-
-} // namespace
 
 TEST(Reentry, IsGivenTheFrameAtHandWhileTheNextIsDecoded)
 {

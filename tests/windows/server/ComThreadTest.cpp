@@ -80,18 +80,8 @@ public:
     std::promise<void> letGo;
 };
 
-/// Does the work on several threads at once. Each is given its number.
-void OnThreads(unsigned count, const std::function<void(unsigned)>& work)
-{
-    std::vector<std::thread> threads;
-    for (unsigned number = 0; number < count; ++number)
-        threads.emplace_back(work, number);
-    for (std::thread& thread : threads)
-        thread.join();
-}
-
-/// The same again and again. A number of rounds and not a time: on a busy machine a thread may come too late
-/// for any round.
+/// Does the work on several threads again and again. A number of rounds and not a time: on a busy machine a
+/// thread may come too late for any round.
 void OnThreadsInRounds(unsigned count, unsigned rounds,
                        const std::function<void(unsigned number, unsigned round)>& work)
 {

@@ -6,6 +6,7 @@
 #include <future>
 #include <thread>
 #include <utility>
+#include <vector>
 
 void OnAnotherThread(const std::function<void()>& work)
 {
@@ -19,4 +20,13 @@ void OnAnotherThread(const std::function<void()>& work)
     }
     thread.join();
     finished.get();
+}
+
+void OnThreads(unsigned count, const std::function<void(unsigned number)>& work)
+{
+    std::vector<std::thread> threads;
+    for (unsigned number = 0; number < count; ++number)
+        threads.emplace_back(work, number);
+    for (std::thread& thread : threads)
+        thread.join();
 }
