@@ -19,12 +19,6 @@
 
 namespace {
 
-/// True for the sample whose format is read under a mutex of the process.
-bool IsHdf(const SampleFile& sample)
-{
-    return sample.name == "acquisition.h5";
-}
-
 /// A thread that decodes a sample, and is blocked where the reader reads for the first time.
 class BlockedThread
 {

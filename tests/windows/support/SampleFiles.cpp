@@ -16,3 +16,8 @@ std::vector<SampleFile> SampleFiles()
     EXPECT_FALSE(files.empty()) << folder;
     return files;
 }
+
+bool IsHdf(const SampleFile& sample)
+{
+    return sample.name.ends_with(".h5");
+}

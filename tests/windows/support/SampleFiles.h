@@ -14,3 +14,6 @@ struct SampleFile
 
 /// All of them, in the order of their names. A failure of the test if there are none.
 [[nodiscard]] std::vector<SampleFile> SampleFiles();
+
+/// True for the sample whose format is read under a mutex that all processes share.
+[[nodiscard]] bool IsHdf(const SampleFile& sample);
