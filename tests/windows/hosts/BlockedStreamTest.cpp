@@ -1,9 +1,9 @@
 #include "windows/clients/DecoderClient.h"
 #include "windows/clients/Outcome.h"
 #include "windows/clients/PropertyStoreClient.h"
+#include "windows/hosts/SampleFiles.h"
 #include "windows/support/CallingStream.h"
 #include "windows/support/OtherThread.h"
-#include "windows/support/SampleFiles.h"
 
 #include <gtest/gtest.h>
 

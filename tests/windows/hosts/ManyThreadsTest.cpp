@@ -3,8 +3,8 @@
 #include "support/gray/GrayStack.h"
 #include "windows/clients/DecoderClient.h"
 #include "windows/clients/LumoraModule.h"
+#include "windows/hosts/ProcessHoldings.h"
 #include "windows/support/ModuleHeap.h"
-#include "windows/support/ProcessHoldings.h"
 
 #include <gtest/gtest.h>
 

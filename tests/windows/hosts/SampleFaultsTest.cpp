@@ -3,9 +3,9 @@
 #include "windows/clients/LumoraModule.h"
 #include "windows/clients/Outcome.h"
 #include "windows/clients/PropertyStoreClient.h"
+#include "windows/hosts/SampleFiles.h"
 #include "windows/support/HostileStream.h"
 #include "windows/support/ModuleHeap.h"
-#include "windows/support/SampleFiles.h"
 
 #include <gtest/gtest.h>
 

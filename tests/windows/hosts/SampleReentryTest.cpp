@@ -1,7 +1,7 @@
 #include "windows/clients/DecoderClient.h"
 #include "windows/clients/PropertyStoreClient.h"
+#include "windows/hosts/SampleFiles.h"
 #include "windows/support/CallingStream.h"
-#include "windows/support/SampleFiles.h"
 
 #include <gtest/gtest.h>
 

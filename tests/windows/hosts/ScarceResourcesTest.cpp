@@ -2,9 +2,9 @@
 #include "windows/clients/LumoraModule.h"
 #include "windows/clients/Outcome.h"
 #include "windows/clients/PropertyStoreClient.h"
+#include "windows/hosts/SampleFiles.h"
 #include "windows/support/ImportHook.h"
 #include "windows/support/OtherThread.h"
-#include "windows/support/SampleFiles.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "support/gray/GrayStack.h"
 #include "windows/clients/DecoderClient.h"
+#include "windows/hosts/SampleFiles.h"
 #include "windows/support/OtherThread.h"
-#include "windows/support/SampleFiles.h"
 
 #include <gtest/gtest.h>
 

@@ -5,7 +5,7 @@
 #include "windows/clients/DecoderClient.h"
 #include "windows/clients/Outcome.h"
 #include "windows/clients/PropertyStoreClient.h"
-#include "windows/support/SampleFiles.h"
+#include "windows/hosts/SampleFiles.h"
 
 #include <gtest/gtest.h>
 

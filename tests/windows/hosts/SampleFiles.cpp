@@ -1,4 +1,4 @@
-#include "windows/support/SampleFiles.h"
+#include "windows/hosts/SampleFiles.h"
 
 #include "support/FileBytes.h"
 

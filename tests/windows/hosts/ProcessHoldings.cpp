@@ -1,4 +1,4 @@
-#include "windows/support/ProcessHoldings.h"
+#include "windows/hosts/ProcessHoldings.h"
 
 #include <gtest/gtest.h>
 
