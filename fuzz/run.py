@@ -124,6 +124,9 @@ class Runner:
             names.write(",".join(seeds))
         return self.run(target, "-seed=1", f"-runs={len(seeds) + runs}", f"-seed_inputs=@{listed}")
 
+    def replay(self, target):
+        return self.run(target, "-runs=0", *self.seed_folders(target), f"{HERE}/regressions")
+
     def fuzz(self, target, seconds):
         return self.run(target, f"-max_total_time={seconds}", self.folder("inputs", target.name),
                         *self.seed_folders(target), f"{HERE}/regressions")
@@ -189,7 +192,7 @@ def main():
     parser.add_argument("target", nargs="?", choices=TARGETS)
     parser.add_argument("--seconds", type=int, default=60)
     parser.add_argument("--minutes", type=float)
-    for action in ("rates", "test", "merge"):
+    for action in ("rates", "test", "replay", "merge"):
         parser.add_argument(f"--{action}", action="store_true")
     options = parser.parse_intermixed_args()
     runner = Runner(options.programs)
@@ -202,6 +205,8 @@ def main():
         results = [runner.fuzz(TARGETS[options.target], options.seconds)]
     elif options.test:
         results = run_all(lambda target: runner.run_on_seeds(target, target.runs))
+    elif options.replay:
+        results = run_all(runner.replay)
     elif options.merge:
         # One after another: two targets can share a folder of seeds.
         for folder in os.listdir(f"{HERE}/corpus"):
