@@ -1,3 +1,4 @@
+#include "support/gray/GrayStack.h"
 #include "windows/clients/DecoderClient.h"
 #include "windows/clients/LumoraModule.h"
 #include "windows/clients/Outcome.h"
@@ -146,6 +147,17 @@ TEST(NoHandles, AreMissedByHdfAlone)
         EXPECT_EQ(decoding.exception, "");
         EXPECT_EQ(properties.result, S_OK);
     }
+}
+
+TEST(NoHandles, AreNotMissedByTheFirstExceptionOfAThread)
+{
+    OnAnotherThread([] {
+        TestStream stream{GrayStack(1), {.failReadAt = 2}};
+        const ComPtr<IWICBitmapDecoder> decoder = NewDecoder();
+        const NoHandles lack;
+        EXPECT_EQ(OutcomeOf([&] { return Initialize(decoder, stream); }),
+                  (Outcome{.exception = "runtime_error: Could not read file"}));
+    });
 }
 
 TEST(NoAddresses, EndTheOpeningOfEachSample)

@@ -7,6 +7,7 @@
 #include "windows/clients/PropertyStoreClient.h"
 #include "windows/support/ImportHook.h"
 #include "windows/support/ModuleHeap.h"
+#include "windows/support/OtherThread.h"
 
 #include <gtest/gtest.h>
 
@@ -189,6 +190,27 @@ TEST(Memory, MayRunOutWhereWholePagesAreAskedFor)
     EXPECT_GE(RefuseEachRequestForPages(*found), 3U);
 
     EXPECT_EQ(RefuseEachRequestForPages(LargeGrayFile()), 1U);
+}
+
+// The run-time library has a state for the exceptions of each thread.
+TEST(Memory, MayRunOutWhenANewThreadRefusesAFile)
+{
+    ModuleHeap heap{LumoraModule::Shared().handle};
+    ForEachRequest(heap, [&heap](uint32_t number) {
+        OnAnotherThread([&] {
+            TestStream stream{GrayStack(2), {.failReadAt = 2}};
+            const ComPtr<IWICBitmapDecoder> decoder = NewDecoder();
+            heap.RefuseRequest(number);
+            const Outcome outcome = OutcomeOf([&] { return Initialize(decoder, stream); });
+            // An exception that finds no memory takes what the run-time library has set aside for it.
+            const Outcome unreadable{.exception = "runtime_error: Could not read file"};
+            if (outcome != unreadable)
+            {
+                EXPECT_TRUE(heap.HasRefused());
+                ExpectOutOfMemory(outcome);
+            }
+        });
+    });
 }
 
 TEST(Memory, MayRunOutAtEveryPointOfDecodingTheNextFrame)
