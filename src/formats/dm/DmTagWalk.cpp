@@ -99,9 +99,18 @@ bool DmTagWalk::ReadLabel()
         tags.push_back({DmTag::Kind::DataTypeLabel, 0, 0});
     else if (label == "Dimensions")
         tags.push_back({DmTag::Kind::DimensionsLabel, 0, 0});
-    else if (!label.empty())
+    else if (!label.empty() && TakesValues())
         tags.push_back({DmTag::Kind::OtherLabel, 0, 0});
     return true;
+}
+
+bool DmTagWalk::TakesValues() const
+{
+    if (tags.empty())
+        return false;
+    const DmTag::Kind last = tags.back().kind;
+    return last == DmTag::Kind::DataTypeLabel || last == DmTag::Kind::DimensionsLabel ||
+           last == DmTag::Kind::UInt32Value;
 }
 
 bool DmTagWalk::ReadData()
@@ -122,7 +131,8 @@ bool DmTagWalk::ReadValue()
         const auto value = reader.ReadNumber<uint32_t>(ByteOrder::LittleEndian);
         if (!value)
             return false;
-        tags.push_back({DmTag::Kind::UInt32Value, *value, 0});
+        if (TakesValues())
+            tags.push_back({DmTag::Kind::UInt32Value, *value, 0});
         return true;
     }
     case structType: {

@@ -8,8 +8,9 @@
 
 namespace Tav::Imaging::RawImage {
 
-/// A fact of the tag tree that can lead to an image. A label is kept only as far as it says something about
-/// images.
+/// A fact of the tag tree that can lead to an image. A value is kept only if it belongs to a label that says
+/// something about images, and another label only if it ends such values: a file can consist of tags, and
+/// each of these takes more memory than the tag takes in the file.
 struct DmTag
 {
     enum class Kind : uint32_t
@@ -46,6 +47,8 @@ private:
     [[nodiscard]] bool ReadGroup(uint32_t depth);
     [[nodiscard]] bool ReadEntry(uint32_t depth);
     [[nodiscard]] bool ReadLabel();
+    /// Whether a value that follows belongs to a label that says something about images.
+    [[nodiscard]] bool TakesValues() const;
     [[nodiscard]] bool ReadData();
     [[nodiscard]] bool ReadValue();
     [[nodiscard]] bool SkipString();
