@@ -5,6 +5,7 @@
 #include "core/stream/Text.h"
 
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -15,6 +16,8 @@ namespace {
 constexpr ReaderLog log{L"EMI: "};
 
 constexpr ByteOrder order = ByteOrder::LittleEndian;
+
+constexpr std::string_view writerName = "Pellox";
 
 constexpr uint16_t fileStamp = 0x4B4A;
 constexpr uint16_t highestVersion = 0x0200;
@@ -33,8 +36,8 @@ constexpr uint32_t dimensionBytes = 8;
 struct ArrayImage
 {
     uint64_t samplesOffset;
-    uint32_t width;
-    uint32_t height;
+    uint16_t width;
+    uint16_t height;
     PixelType pixelType;
 };
 
@@ -111,7 +114,9 @@ public:
     }
 
     std::vector<ArrayImage> images;
-    std::wstring writerVersions;
+    /// The writer's name and versions, as bytes: a file can consist of versions, and wide characters take
+    /// several times as much memory while the text grows.
+    std::string writer{writerName};
     bool needsNewerWriter = false;
 
 private:
@@ -154,7 +159,8 @@ private:
         const auto text = reader.ReadBytes(*length);
         if (!text)
             return false;
-        writerVersions += L" " + WidenText(*text);
+        writer += ' ';
+        writer += AsText(*text);
         return true;
     }
 
@@ -196,7 +202,7 @@ bool RawImageEmi::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
 {
     fileType = FileType::Emi;
     readMode = mode;
-    software = L"Pellox";
+    software = WidenText(writerName);
 
     StreamReader reader{stream};
     const auto stamp = reader.ReadNumber<uint16_t>(order);
@@ -213,7 +219,7 @@ bool RawImageEmi::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint
     ItemWalk walk{reader};
     if (reader.GoTo(firstItemOffset))
         walk.Run();
-    software += walk.writerVersions;
+    software = WidenText(walk.writer);
     if (walk.needsNewerWriter)
         formatDetails = L"Requires Pellox 4.15.0.2311 or later";
 

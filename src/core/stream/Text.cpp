@@ -19,10 +19,16 @@ std::span<const uint8_t> UpToZero(std::span<const uint8_t> bytes) noexcept
 std::wstring WidenText(std::span<const uint8_t> bytes)
 {
     std::wstring text;
+    text.reserve(bytes.size());
     std::transform(bytes.begin(), bytes.end(), std::back_inserter(text), [](uint8_t byte) {
         return static_cast<wchar_t>(static_cast<uint16_t>(static_cast<int8_t>(byte)));
     });
     return text;
+}
+
+std::wstring WidenText(std::string_view text)
+{
+    return WidenText({reinterpret_cast<const uint8_t*>(text.data()), text.size()});
 }
 
 std::vector<std::string> SplitString(const std::string& text, char delimiter)

@@ -17,6 +17,7 @@ namespace Tav::Imaging::RawImage {
 /// The bytes, each widened to one wide character as a signed character: a byte above 127 becomes a code
 /// from 0xFF80 to 0xFFFF, on every platform.
 [[nodiscard]] std::wstring WidenText(std::span<const uint8_t> bytes);
+[[nodiscard]] std::wstring WidenText(std::string_view text);
 
 /// The pieces between the delimiters. Empty pieces count, but not one after the last delimiter, and an
 /// empty text has none.

@@ -22,11 +22,6 @@ namespace {
 
 constexpr uint64_t largestFile = 0x20000000;
 
-std::wstring Widen(const std::string& text)
-{
-    return WidenText({reinterpret_cast<const uint8_t*>(text.data()), text.size()});
-}
-
 bool IsShown(PixelType pixelType)
 {
     switch (pixelType)
@@ -111,7 +106,7 @@ void RawImageHdf::ReadTexts(HdfContents& file)
     {
         const Json json{*text};
         if (json.GetString(hdfVersionKey, version) && json.GetString(hdfFormatKey, format))
-            formatDetails = L"Data version: " + Widen(format) + L" " + Widen(version);
+            formatDetails = L"Data version: " + WidenText(format) + L" " + WidenText(version);
     }
     std::string application;
     const std::optional<std::string> info = file.ReadString(hdfInfoText);
@@ -122,7 +117,7 @@ void RawImageHdf::ReadTexts(HdfContents& file)
         if (dash != std::string::npos && dash > 0)
             application.resize(dash);
         if (!format.empty() && !application.empty())
-            software = Widen(format) + L" " + Widen(application);
+            software = WidenText(format) + L" " + WidenText(application);
     }
 }
 
