@@ -102,15 +102,15 @@ void RawImageHdf::ReadTexts(HdfContents& file)
 {
     std::string version;
     std::string format;
-    if (const std::optional<std::string> text = file.ReadString(hdfVersionText))
+    if (std::optional<std::string> text = file.ReadString(hdfVersionText))
     {
-        const Json json{*text};
+        const Json json{std::move(*text)};
         if (json.GetString(hdfVersionKey, version) && json.GetString(hdfFormatKey, format))
             formatDetails = L"Data version: " + WidenText(format) + L" " + WidenText(version);
     }
     std::string application;
-    const std::optional<std::string> info = file.ReadString(hdfInfoText);
-    if (info && Json{*info}.GetString(hdfApplicationKey, application))
+    std::optional<std::string> info = file.ReadString(hdfInfoText);
+    if (info && Json{std::move(*info)}.GetString(hdfApplicationKey, application))
     {
         // What follows the first dash names a build.
         const size_t dash = application.find('-');
