@@ -1,99 +1,11 @@
 #include "support/display/FrameReader.h"
 #include "support/display/TypeName.h"
+#include "support/meters/MemoryMeter.h"
 #include "support/streams/TestStream.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <atomic>
-#include <cstdlib>
-#include <new>
-
-#include <malloc.h>
-#include <sys/mman.h>
-#include <sys/syscall.h>
-#include <unistd.h>
-
 using namespace Tav::Imaging::RawImage;
-
-namespace {
-
-std::atomic<int64_t> bytesInUse{0};
-std::atomic<int64_t> mostBytes{0};
-
-void Count(int64_t bytes)
-{
-    const int64_t now = bytesInUse += bytes;
-    if (now > mostBytes)
-        mostBytes = now;
-}
-
-void* Allocated(size_t bytes)
-{
-    void* const block = std::malloc(bytes);
-    if (block != nullptr)
-        Count(static_cast<int64_t>(malloc_usable_size(block)));
-    return block;
-}
-
-void Freed(void* block)
-{
-    if (block != nullptr)
-        Count(-static_cast<int64_t>(malloc_usable_size(block)));
-    std::free(block);
-}
-
-} // namespace
-
-// This program counts its memory, of the heap and of the system.
-void* operator new(size_t bytes)
-{
-    void* const block = Allocated(bytes);
-    if (block == nullptr)
-        throw std::bad_alloc();
-    return block;
-}
-void* operator new[](size_t bytes)
-{
-    return operator new(bytes);
-}
-void* operator new(size_t bytes, const std::nothrow_t&) noexcept
-{
-    return Allocated(bytes);
-}
-void* operator new[](size_t bytes, const std::nothrow_t&) noexcept
-{
-    return Allocated(bytes);
-}
-void operator delete(void* block) noexcept
-{
-    Freed(block);
-}
-void operator delete[](void* block) noexcept
-{
-    Freed(block);
-}
-void operator delete(void* block, size_t) noexcept
-{
-    Freed(block);
-}
-void operator delete[](void* block, size_t) noexcept
-{
-    Freed(block);
-}
-
-extern "C" void* mmap(void* address, size_t length, int protection, int flags, int file,
-                      off_t offset) noexcept
-{
-    Count(static_cast<int64_t>(length));
-    // NOLINTNEXTLINE(performance-no-int-to-ptr): so the system gives it
-    return reinterpret_cast<void*>(syscall(SYS_mmap, address, length, protection, flags, file, offset));
-}
-extern "C" int munmap(void* address, size_t length) noexcept
-{
-    Count(-static_cast<int64_t>(length));
-    return static_cast<int>(syscall(SYS_munmap, address, length));
-}
 
 namespace {
 
@@ -115,11 +27,10 @@ TEST_P(PeakMemory, IsThatOfTheStoredFrame)
     for (size_t i = 0; i < stream.bytes.size(); ++i)
         stream.bytes[i] = static_cast<uint8_t>(i * 2654435761U >> 24);
 
-    const int64_t before = bytesInUse;
-    mostBytes = before;
+    const MemoryMeter memory;
     ASSERT_TRUE(reader.Read(&stream, stream.bytes.size(), readModeFrame, 0));
-    EXPECT_GE(mostBytes - before, storedBytes);
-    EXPECT_LE(mostBytes - before, storedBytes + pictureBytes + besides);
+    EXPECT_GE(memory.Peak(), storedBytes);
+    EXPECT_LE(memory.Peak(), storedBytes + pictureBytes + besides);
 }
 
 INSTANTIATE_TEST_SUITE_P(OfEveryType, PeakMemory, testing::Range(1U, 15U),
