@@ -50,6 +50,10 @@ constexpr WorkLimit header = {1'000, 5};
 // The counts of 16-bit codes take the same time for every frame.
 constexpr WorkLimit frame = {1'000'000, 6};
 
+// The sandbox may use two budgets of 20 million steps, to find the datasets and to read one. What is outside
+// it takes some more.
+constexpr WorkLimit budgets = {42'000'000, 150};
+
 Format formats[] = {
     {Identity::Mrc, "MRC", header, frame, stackBytes},
     {Identity::Dm3, "Digital Micrograph", header, frame, stackBytes},
@@ -58,9 +62,8 @@ Format formats[] = {
     {Identity::Npy, "NPY", header, frame, stackBytes},
     {Identity::Raw, "RAW", header, frame, stackBytes},
     {Identity::Bin, "BIN", header, frame, stackBytes},
-    // A header is as long as the longest one, filled up with spaces.
-    {Identity::Lattice, "Lattice", {1'200'000, 20}, {2'200'000, 20}, stackBytes},
-    {Identity::Hdf, "HDF5", {500'000, 200}, {1'500'000, 200}, hdfStackBytes},
+    {Identity::Lattice, "Lattice", {1'000, 25}, {1'000'000, 25}, stackBytes},
+    {Identity::Hdf, "HDF5", budgets, budgets, hdfStackBytes},
     {Identity::Unknown, "not read", header, header, stackBytes},
 };
 

@@ -80,12 +80,15 @@ TEST(CutFileLimits, HoldForEverySample)
         ExpectWithinLimitsWhenCut(sample, sample.extension() == ".h5");
 }
 
-// Cut HDF5 files are damaged files, of which the folder has enough.
+// The inputs that the fuzzer has found, which have check sums for names, are cut and changed as it is. So are
+// HDF5 files, of which the folder has enough.
 TEST(CutFileLimits, HoldForEverySeedOfTheFuzzer)
 {
     for (const path& seed : FilesIn(sourceTree / "fuzz/corpus"))
     {
-        if (!seed.filename().string().starts_with("hdf_"))
+        constexpr size_t checkSumLetters = 40;
+        const std::string name = seed.filename().string();
+        if (name.size() != checkSumLetters && !name.starts_with("hdf_"))
             ExpectWithinLimitsWhenCut(seed, false);
     }
 }
