@@ -29,13 +29,15 @@ enum class Effect
     ChangesFacts,
 };
 
+/// The member of a stream that counts the calls of a kind.
+using CallCount = uint32_t TestStream::*;
+
 /// One way in which the n-th call of a kind goes wrong.
 struct Fault
 {
     const char* name;
     Effect effect;
-    /// Counts the calls of the kind.
-    uint32_t TestStream::*calls;
+    CallCount calls;
     std::function<void(HostileStream& stream, uint32_t call)> arm;
 };
 
