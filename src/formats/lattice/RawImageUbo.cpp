@@ -25,7 +25,7 @@ std::optional<std::string> ReadHeaderText(StreamReader& reader, uint64_t streamS
     if (!bytes)
         return std::nullopt;
     std::string text(bytes->begin(), bytes->end());
-    std::ranges::replace(text, '\0', ' ');
+    std::ranges::transform(text, text.begin(), [](char byte) { return byte == 0 ? ' ' : byte; });
     return text;
 }
 
