@@ -15,14 +15,13 @@
 
 #include <algorithm>
 #include <new>
-#include <optional>
 #include <string_view>
 
 using namespace Tav::Imaging::RawImage;
 
 namespace {
 
-std::optional<FuzzedDataProvider> answers;
+FuzzedDataProvider* answers = nullptr;
 /// How many samples the image has that was last told of.
 uint64_t lastSamples = 0;
 
@@ -214,7 +213,8 @@ u32 Z_hdf5Z_band(Z_hdf5_instance_t* instance)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    answers.emplace(data, size);
+    FuzzedDataProvider input{data, size};
+    answers = &input;
     lastSamples = 0;
     Bytes file = {0x89, 'H', 'D', 'F'};
     file.resize(64 + answers->ConsumeIntegralInRange<size_t>(0, 15));
@@ -225,6 +225,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     catch (const std::bad_alloc&)
     {
         // The module has no memory for the file, although an earlier instance had it.
+        return 0;
     }
     return 0;
 }

@@ -137,7 +137,7 @@ GrayFile LargeGrayFile()
 {
     constexpr uint32_t width = 2048;
     constexpr uint32_t height = 1024;
-    GrayFile file{.name = "large.mrc", .content = {}, .pictures = {{}}, .width = width};
+    GrayFile file{"large.mrc", {}, {{}}, L"", L"", width};
     ByteWriter samples;
     for (uint32_t i = 0; i < width * height; ++i)
     {
