@@ -1,11 +1,11 @@
 // The conversion of a frame by itself, whatever file it may come from: any size, layout and samples.
 
 #include "Target.h"
+#include "support/display/FrameReader.h"
 #include "support/display/ReferenceDisplay.h"
 #include "support/streams/DiagnosticLines.h"
 #include "support/streams/TestStream.h"
 
-#include "core/RawImageBase.h"
 #include "core/samples/Vectorised.h"
 
 #include <fuzzer/FuzzedDataProvider.h>
@@ -13,32 +13,6 @@
 using namespace Tav::Imaging::RawImage;
 
 namespace {
-
-/// A reader of one known frame.
-class FrameAlone : public RawImageBase
-{
-public:
-    FrameAlone(const StoredFrame& frame, uint64_t samplesOffset) : offset(samplesOffset)
-    {
-        pixelType = frame.pixelType;
-        width = frame.width;
-        height = frame.height;
-        byteOrder = frame.byteOrder;
-        flipVertical = frame.flipVertical;
-        fileType = frame.fileType;
-        xStride = frame.xStride;
-        yStride = frame.yStride;
-    }
-
-    bool Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint32_t /*frameIndex*/) override
-    {
-        readMode = mode;
-        return ConvertToDisplay(stream, streamSize, offset);
-    }
-
-private:
-    uint64_t offset;
-};
 
 uint32_t SomeSize(FuzzedDataProvider& input)
 {
@@ -58,7 +32,7 @@ Bytes SomeSamples(FuzzedDataProvider& input, uint64_t count)
     return bytes;
 }
 
-void ConvertFrame(std::span<const uint8_t> data)
+void ConvertSomeFrame(std::span<const uint8_t> data)
 {
     UseVectors(data.size() % 2 == 0 ? Vectors::Avx2 : Vectors::Baseline);
     FuzzedDataProvider input{data.data(), data.size()};
@@ -81,9 +55,9 @@ void ConvertFrame(std::span<const uint8_t> data)
     Bytes file(samplesOffset, 0xEE);
     file.insert(file.end(), frame.bytes.begin(), frame.bytes.end());
     TestStream stream{std::move(file)};
-    FrameAlone reader{frame, samplesOffset};
+    FrameReader reader{frame};
     DiagnosticLines diagnostics;
-    const bool shown = reader.Read(&stream, stream.bytes.size(), readModeFrame, 0);
+    const bool shown = reader.ConvertToDisplay(&stream, stream.bytes.size(), samplesOffset);
     const Lines lines = diagnostics.Take();
 
     const DisplayedFrame expected = ReferenceDisplay(frame);
@@ -97,5 +71,5 @@ void ConvertFrame(std::span<const uint8_t> data)
 
 std::vector<Target> FrameTargets()
 {
-    return {{"frames", ConvertFrame}};
+    return {{"frames", ConvertSomeFrame}};
 }

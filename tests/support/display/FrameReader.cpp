@@ -10,24 +10,6 @@
 
 using namespace Tav::Imaging::RawImage;
 
-FrameReader::FrameReader(const StoredFrame& frame)
-{
-    pixelType = frame.pixelType;
-    width = frame.width;
-    height = frame.height;
-    byteOrder = frame.byteOrder;
-    flipVertical = frame.flipVertical;
-    fileType = frame.fileType;
-    xStride = frame.xStride;
-    yStride = frame.yStride;
-}
-
-bool FrameReader::Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint32_t /*frameIndex*/)
-{
-    readMode = mode;
-    return ConvertToDisplay(stream, streamSize, 0);
-}
-
 DisplayedFrame ConvertFrame(const StoredFrame& frame)
 {
     constexpr size_t headerBytes = 13;

@@ -15,10 +15,24 @@
 class FrameReader : public Tav::Imaging::RawImage::RawImageBase
 {
 public:
-    explicit FrameReader(const StoredFrame& frame);
+    explicit FrameReader(const StoredFrame& frame)
+    {
+        pixelType = frame.pixelType;
+        width = frame.width;
+        height = frame.height;
+        byteOrder = frame.byteOrder;
+        flipVertical = frame.flipVertical;
+        fileType = frame.fileType;
+        xStride = frame.xStride;
+        yStride = frame.yStride;
+    }
 
     /// The stream is the frame and nothing else.
-    bool Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint32_t frameIndex) override;
+    bool Read(IStream* stream, uint64_t streamSize, uint32_t mode, uint32_t /*frameIndex*/) override
+    {
+        readMode = mode;
+        return ConvertToDisplay(stream, streamSize, 0);
+    }
 
     using RawImageBase::ConvertToDisplay;
     using RawImageBase::ReadFramePixels;
