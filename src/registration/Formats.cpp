@@ -1,5 +1,7 @@
 #include "registration/Formats.h"
 
+#include <algorithm>
+
 namespace Lumora {
 
 using Tav::Imaging::RawImage::HeaderPattern;
@@ -8,40 +10,40 @@ using Tav::Imaging::RawImage::Identity;
 namespace {
 
 constexpr Extension mrcExtensions[] = {
-    {L".mrc", false},    // the format's own name
-    {L".mrcs", false},   // stack of particle images
-    {L".preali", false}, // coarsely aligned tilt series
-    {L".map", true},     // density map; also source maps and linker maps
-    {L".st", true},      // tilt series; also program sources and disk images
-    {L".ali", true},     // aligned tilt series; also compiler output and text alignments
-    {L".rec", true},     // reconstruction; also recordings
+    {L".mrc", Use::Own},    // the format's own name; also library catalogues and scripts
+    {L".mrcs", Use::Own},   // stack of particle images
+    {L".preali", Use::Own}, // coarsely aligned tilt series
+    {L".map", Use::Shared}, // density map; also source maps and linker maps
+    {L".st", Use::Shared},  // tilt series; also program sources and disk images
+    {L".ali", Use::Shared}, // aligned tilt series; also compiler output and text alignments
+    {L".rec", Use::Shared}, // reconstruction; also recordings
 };
 
 constexpr Extension latticeExtensions[] = {
-    {L".lattice", false}, // volumes with a text header
+    {L".lattice", Use::Own}, // volumes with a text header
 };
 
 constexpr Extension dmExtensions[] = {
-    {L".dm3", false}, // Digital Micrograph, version 3
-    {L".dm4", false}, // Digital Micrograph, version 4
+    {L".dm3", Use::Own}, // Digital Micrograph, version 3
+    {L".dm4", Use::Own}, // Digital Micrograph, version 4
 };
 
 constexpr Extension hdfExtensions[] = {
-    {L".emd", false}, // electron-microscopy datasets
-    {L".h5", true},   // any data in HDF5; most of it is no picture
-    {L".hdf5", true}, // the same
+    {L".emd", Use::Own},      // electron-microscopy datasets
+    {L".h5", Use::AnyData},   // any data in HDF5; most of it is no picture
+    {L".hdf5", Use::AnyData}, // the same
 };
 
 constexpr Extension serExtensions[] = {
-    {L".ser", true}, // series of images or spectra; also serialised objects and films of the sky
+    {L".ser", Use::Shared}, // series of images or spectra; also serialised objects and films of the sky
 };
 
 constexpr Extension emiExtensions[] = {
-    {L".emi", false}, // images with their acquisition
+    {L".emi", Use::Own}, // images with their acquisition
 };
 
 constexpr Extension npyExtensions[] = {
-    {L".npy", false}, // NumPy arrays, pictures or not
+    {L".npy", Use::Own}, // NumPy arrays, pictures or not
 };
 
 // RAW and BIN files open by their content. The extensions .raw and .bin are not registered, because many
@@ -63,6 +65,24 @@ constexpr Format formats[] = {
 std::span<const Format> Formats() noexcept
 {
     return formats;
+}
+
+const Extension* RegisteredExtension(std::wstring_view text) noexcept
+{
+    // The extensions in the table are ASCII, so no other letters can be equal to theirs.
+    const auto lowercase = [](wchar_t character) {
+        return character >= L'A' && character <= L'Z' ? static_cast<wchar_t>(character - L'A' + L'a')
+                                                      : character;
+    };
+    for (const Format& format : formats)
+    {
+        for (const Extension& extension : format.extensions)
+        {
+            if (std::ranges::equal(text, std::wstring_view(extension.text), {}, lowercase))
+                return &extension;
+        }
+    }
+    return nullptr;
 }
 
 // WIC asks the first decoder whose pattern matches. If this decoder refuses the stream, WIC may end the

@@ -3,7 +3,6 @@
 #include <shlobj.h>
 
 #include <algorithm>
-#include <sstream>
 
 namespace Lumora {
 
@@ -45,15 +44,21 @@ void DeleteOwnTrees(Scope scope, std::optional<RegistrationFailure>& failure)
     }
 }
 
+/// Whether a value that is present is one that Lumora writes or has written there.
+bool IsOurs(const RegistryEntry& entry, const RegistryValue& present)
+{
+    return present == entry.value || present == entry.earlierValue;
+}
+
 void Write(const RegistryEntry& entry, RegistrationResult& result)
 {
     std::optional<RegistryValue> present;
     if (!entry.isOwn && !Note(result.failure, entry.key, entry.key.Read(entry.name, present)))
         return;
-    if (!present)
-        Note(result.failure, entry.key, entry.key.Write(entry.name, entry.value));
-    else if (*present != entry.value)
+    if (present && !IsOurs(entry, *present))
         AddName(result.leftToOthers, entry);
+    else if (present != entry.value)
+        Note(result.failure, entry.key, entry.key.Write(entry.name, entry.value));
 }
 
 void Remove(const RegistryEntry& entry, RegistrationResult& result)
@@ -61,7 +66,7 @@ void Remove(const RegistryEntry& entry, RegistrationResult& result)
     std::optional<RegistryValue> present;
     if (!Note(result.failure, entry.key, entry.key.Read(entry.name, present)) || !present)
         return;
-    if (*present != entry.value)
+    if (!IsOurs(entry, *present))
     {
         AddName(result.leftToOthers, entry);
         return;
@@ -70,33 +75,25 @@ void Remove(const RegistryEntry& entry, RegistrationResult& result)
         Note(result.failure, entry.key, entry.key.DeleteWhileEmpty());
 }
 
-} // namespace
-
-ExtensionNames LeftOutExtensions(Scope scope)
+/// Removes what other choices have written. What another program has set there does not concern us.
+void RemoveUnchosen(Scope scope, const Choices& choices, RegistrationResult& result)
 {
-    const RegistryEntry entry = LeftOutEntry(scope, {});
-    std::optional<RegistryValue> present;
-    if (entry.key.Read(entry.name, present) != ERROR_SUCCESS || !present)
-        return {};
-    ExtensionNames names;
-    std::wistringstream list(present->AsText());
-    for (std::wstring name; std::getline(list, name, L',');)
-        names.push_back(name);
-    return names;
+    RegistrationResult removal;
+    for (const RegistryEntry& entry : UnchosenEntries(scope, choices))
+        Remove(entry, removal);
+    if (!result.failure)
+        result.failure = removal.failure;
 }
 
-RegistrationResult Register(Scope scope, const std::wstring& dllPath,
-                            const std::optional<ExtensionNames>& choice)
+} // namespace
+
+RegistrationResult Register(Scope scope, const std::wstring& dllPath, const std::optional<Choices>& given)
 {
     RegistrationResult result;
-    const ExtensionNames leftOut = choice ? *choice : LeftOutExtensions(scope);
-    for (const RegistryEntry& entry : RegistryEntries(scope, dllPath))
-    {
-        if (std::find(leftOut.begin(), leftOut.end(), entry.extension) != leftOut.end())
-            Remove(entry, result);
-    }
+    const Choices choices = given ? *given : PresentChoices(scope);
+    RemoveUnchosen(scope, choices, result);
     DeleteOwnTrees(scope, result.failure);
-    for (const RegistryEntry& entry : RegistryEntries(scope, dllPath, leftOut))
+    for (const RegistryEntry& entry : RegistryEntries(scope, dllPath, choices))
     {
         if (result.failure)
             break;
@@ -109,6 +106,7 @@ RegistrationResult Register(Scope scope, const std::wstring& dllPath,
 RegistrationResult Unregister(Scope scope)
 {
     RegistrationResult result;
+    RemoveUnchosen(scope, {}, result);
     for (const RegistryEntry& entry : RegistryEntries(scope, {}))
     {
         if (!entry.isOwn)
@@ -122,17 +120,17 @@ RegistrationResult Unregister(Scope scope)
 RegistrationState CheckRegistration(Scope scope, const std::wstring& dllPath)
 {
     RegistrationState state;
-    for (const RegistryEntry& entry : RegistryEntries(scope, dllPath, LeftOutExtensions(scope)))
+    for (const RegistryEntry& entry : RegistryEntries(scope, dllPath, PresentChoices(scope)))
     {
         std::optional<RegistryValue> present;
         if (!Note(state.failure, entry.key, entry.key.Read(entry.name, present)))
             continue;
         if (!present)
             AddName(state.missing, entry);
-        else if (*present != entry.value)
-            AddName(entry.isOwn ? state.outdated : state.leftToOthers, entry);
-        else
+        else if (*present == entry.value)
             ++state.inPlace;
+        else
+            AddName(entry.isOwn || IsOurs(entry, *present) ? state.outdated : state.leftToOthers, entry);
     }
     return state;
 }

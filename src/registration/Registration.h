@@ -32,7 +32,8 @@ struct RegistrationState
     size_t inPlace = 0;
     /// What is not there.
     std::vector<std::wstring> missing;
-    /// Our own keys that are not correct: they are from another version, or for another Lumora.dll.
+    /// Keys of ours that are not correct, and values of an earlier version: they are from another version, or
+    /// for another Lumora.dll.
     std::vector<std::wstring> outdated;
     /// Values that another program has set.
     std::vector<std::wstring> leftToOthers;
@@ -41,22 +42,18 @@ struct RegistrationState
     [[nodiscard]] bool IsComplete() const noexcept { return !failure && missing.empty() && outdated.empty(); }
 };
 
-/// The extensions that the present registration leaves out; none where there is no registration.
-[[nodiscard]] ExtensionNames LeftOutExtensions(Scope scope);
-
 /// Registers the Lumora.dll at that path. Lumora's own keys are replaced; a value that another program has
-/// set is kept. The extensions in `leftOut` are not registered, and what an earlier registration wrote for
-/// them is removed; without `leftOut` the choice of the earlier registration is kept. The first failure ends
-/// the call, and the values written so far stay. When the cause of the failure is gone, the same call
-/// completes the work.
+/// set is kept. What an earlier registration wrote and `choices` exclude is removed; without `choices`, those
+/// of the earlier registration hold. The first failure ends the call, and the values written so far stay.
+/// When the cause of the failure is gone, the same call completes the work.
 [[nodiscard]] RegistrationResult Register(Scope scope, const std::wstring& dllPath,
-                                          const std::optional<ExtensionNames>& leftOut = std::nullopt);
+                                          const std::optional<Choices>& choices = std::nullopt);
 
 /// Removes what a registration of any Lumora.dll has written, except values that another program has changed
 /// since. After a failure, it still removes the rest.
 [[nodiscard]] RegistrationResult Unregister(Scope scope);
 
-/// Compares without changing anything. Extensions that are left out on purpose do not count as missing.
+/// Compares without changing anything. What the present choices exclude does not count as missing.
 [[nodiscard]] RegistrationState CheckRegistration(Scope scope, const std::wstring& dllPath);
 
 } // namespace Lumora

@@ -17,12 +17,14 @@ using Tav::Imaging::RawImage::HeaderPattern;
 
 namespace {
 
-/// What a row is written for: once for our classes, or for each of these extensions.
+/// What a row is for. Those of the classes are written once, the others for each extension.
 enum class For
 {
     Classes,
-    EveryExtension,
-    OwnExtensions,
+    Thumbnails,
+    Properties,
+    Pictures,
+    PhotoViewer,
 };
 
 /// Where a row's key begins.
@@ -34,6 +36,7 @@ enum class Branch
     // The others are the machine's alone.
     PropertyHandlers,
     Kinds,
+    Microsoft,
 };
 
 /// Names between percent signs are replaced: %ext% and %mimeType% by those of an extension, the others by
@@ -45,12 +48,24 @@ struct Row
     const wchar_t* key;
     const wchar_t* name;
     std::variant<const wchar_t*, uint32_t> value;
+    /// The text that an earlier version has written.
+    const wchar_t* earlierText = nullptr;
 };
 
 // The properties of our files, for the details page, the details pane and the tool tip.
 constexpr const wchar_t* fullDetails =
     L"prop:System.PropGroup.Image;System.Image.Dimensions;System.Image.HorizontalSize;"
-    L"System.Image.VerticalSize;System.Image.BitDepth;System.Media.FrameCount;System.PropGroup.Origin;"
+    L"System.Image.VerticalSize;System.Image.BitDepth;System.Media.EncodingSettings;System.Media.FrameCount;"
+    L"System.PropGroup.Origin;"
+    L"System.Media.CreatorApplication;System.PropGroup.Description;System.Comment;"
+    L"System.PropGroup.FileSystem;System.ItemNameDisplay;System.ItemTypeText;System.ItemFolderPathDisplay;"
+    L"System.DateCreated;System.DateModified;System.Size;System.FileAttributes;System.OfflineAvailability;"
+    L"System.OfflineStatus;System.SharedWith;System.FileOwner;System.ComputerName";
+// Those of version 0.1.0.
+constexpr const wchar_t* earlierFullDetails =
+    L"prop:System.PropGroup.Image;System.Image.Dimensions;System.Image.HorizontalSize;"
+    L"System.Image.VerticalSize;System.Image.BitDepth;System.Media.FrameCount;"
+    L"System.PropGroup.Origin;"
     L"System.Media.CreatorApplication;System.PropGroup.Description;System.Comment;"
     L"System.PropGroup.FileSystem;System.ItemNameDisplay;System.ItemTypeText;System.ItemFolderPathDisplay;"
     L"System.DateCreated;System.DateModified;System.Size;System.FileAttributes;System.OfflineAvailability;"
@@ -100,25 +115,28 @@ constexpr Row rows[] = {
     {For::Classes, Branch::Classes, L"CLSID\\%handler%\\InprocServer32", L"ThreadingModel", L"Both"},
 
     // Thumbnails: the shell's own provider, which asks WIC.
-    {For::EveryExtension, Branch::Classes, L"%ext%\\ShellEx\\%thumbnails%", L"", L"%photoThumbnails%"},
-    {For::EveryExtension, Branch::Classes, L"SystemFileAssociations\\%ext%\\ShellEx\\%thumbnails%", L"",
+    {For::Thumbnails, Branch::Classes, L"%ext%\\ShellEx\\%thumbnails%", L"", L"%photoThumbnails%"},
+    {For::Thumbnails, Branch::Classes, L"SystemFileAssociations\\%ext%\\ShellEx\\%thumbnails%", L"",
      L"%photoThumbnails%"},
 
     // Properties, and which of them are shown.
-    {For::EveryExtension, Branch::PropertyHandlers, L"%ext%", L"", L"%handler%"},
-    {For::EveryExtension, Branch::Classes, L"SystemFileAssociations\\%ext%", L"FullDetails", fullDetails},
-    {For::EveryExtension, Branch::Classes, L"SystemFileAssociations\\%ext%", L"PreviewDetails",
-     previewDetails},
-    {For::EveryExtension, Branch::Classes, L"SystemFileAssociations\\%ext%", L"InfoTip", infoTip},
+    {For::Properties, Branch::PropertyHandlers, L"%ext%", L"", L"%handler%"},
+    {For::Properties, Branch::Classes, L"SystemFileAssociations\\%ext%", L"FullDetails", fullDetails,
+     earlierFullDetails},
+    {For::Properties, Branch::Classes, L"SystemFileAssociations\\%ext%", L"PreviewDetails", previewDetails},
+    {For::Properties, Branch::Classes, L"SystemFileAssociations\\%ext%", L"InfoTip", infoTip},
 
-    // Values that apply to all files of an extension, not only to those that we can read.
-    {For::OwnExtensions, Branch::Classes, L"%ext%", L"Content Type", L"%mimeType%"},
-    {For::OwnExtensions, Branch::Classes, L"%ext%", L"PerceivedType", L"image"},
-    {For::OwnExtensions, Branch::Kinds, L"", L"%ext%", L"picture"},
+    // These apply to all files of an extension, not only to those that we can read.
+    {For::Pictures, Branch::Classes, L"%ext%", L"Content Type", L"%mimeType%"},
+    {For::Pictures, Branch::Classes, L"%ext%", L"PerceivedType", L"image"},
+    {For::Pictures, Branch::Kinds, L"", L"%ext%", L"picture"},
+
+    // Windows' own viewer asks WIC. This makes it one of the programs to choose from.
+    {For::PhotoViewer, Branch::Microsoft, L"Windows Photo Viewer\\Capabilities\\FileAssociations", L"%ext%",
+     L"PhotoViewer.FileAssoc.Tiff"},
 };
 
-/// The key that stores which extensions are left out. The setup package reads it before it replaces an older
-/// version.
+/// The key that stores the choices. The setup package reads it before it replaces an older version.
 constexpr const wchar_t* choicesKey = L"Lumora";
 
 struct OwnTree
@@ -157,7 +175,7 @@ bool Contains(const ExtensionNames& names, const wchar_t* extension)
 }
 
 /// The replacements of the names that do not depend on an extension.
-std::vector<Substitution> Placeholders(const std::wstring& dllPath, const ExtensionNames& leftOut)
+std::vector<Substitution> Placeholders(const std::wstring& dllPath, const Choices& choices)
 {
     std::wstring extensions;
     std::wstring mimeTypes;
@@ -166,7 +184,7 @@ std::vector<Substitution> Placeholders(const std::wstring& dllPath, const Extens
         AppendToList(mimeTypes, format.mimeType);
         for (const Extension& extension : format.extensions)
         {
-            if (!Contains(leftOut, extension.text))
+            if (!Contains(choices.leftOut, extension.text))
                 AppendToList(extensions, extension.text);
         }
     }
@@ -213,6 +231,8 @@ RegistryBranch BranchOf(Branch branch, Scope scope)
                 L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\PropertySystem\\PropertyHandlers"};
     case Branch::Kinds:
         return {HKEY_LOCAL_MACHINE, L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Explorer\\KindMap"};
+    case Branch::Microsoft:
+        return {HKEY_LOCAL_MACHINE, L"SOFTWARE\\Microsoft"};
     case Branch::Software:
         return {scope == Scope::User ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE, L"SOFTWARE"};
     default:
@@ -220,24 +240,77 @@ RegistryBranch BranchOf(Branch branch, Scope scope)
     }
 }
 
-RegistryValue ValueOf(const Row& row, const std::vector<Substitution>& substitutions)
+/// Whether a row is for an extension, whatever has been chosen.
+bool Concerns(For subject, const Extension& extension)
 {
-    if (const uint32_t* const number = std::get_if<uint32_t>(&row.value))
-        return RegistryValue::Number(*number);
-    return RegistryValue::Text(Substitute(std::get<const wchar_t*>(row.value), substitutions));
+    const bool isForOwn = subject == For::Pictures || subject == For::PhotoViewer;
+    return subject != For::Classes && (extension.use == Use::Own || !isForOwn);
 }
 
-/// Appends the rows for one subject.
-void AppendRows(std::vector<RegistryEntry>& entries, For subject, Scope scope,
-                const std::vector<Substitution>& substitutions, const wchar_t* extension = L"")
+bool IsChosen(For subject, const Extension& extension, const Choices& choices)
+{
+    if (Contains(choices.leftOut, extension.text))
+        return false;
+    switch (subject)
+    {
+    case For::Properties:
+        return extension.use != Use::AnyData || Contains(choices.withProperties, extension.text);
+    case For::Pictures:
+        return choices.arePictures;
+    case For::PhotoViewer:
+        return choices.areInPhotoViewer;
+    default:
+        return true;
+    }
+}
+
+/// Whether Windows reads a row's branch in a registration of that scope.
+bool IsRead(Branch branch, Scope scope)
+{
+    return scope == Scope::Machine || branch == Branch::Classes;
+}
+
+RegistryEntry MakeEntry(const Row& row, Scope scope, const std::vector<Substitution>& substitutions,
+                        const wchar_t* extension)
+{
+    RegistryEntry entry = {RegistryKey(BranchOf(row.branch, scope), Substitute(row.key, substitutions)),
+                           Substitute(row.name, substitutions),
+                           {},
+                           std::nullopt,
+                           row.subject == For::Classes,
+                           extension};
+    if (const uint32_t* const number = std::get_if<uint32_t>(&row.value))
+        entry.value = RegistryValue::Number(*number);
+    else
+        entry.value = RegistryValue::Text(Substitute(std::get<const wchar_t*>(row.value), substitutions));
+    if (row.earlierText)
+        entry.earlierValue = RegistryValue::Text(row.earlierText);
+    return entry;
+}
+
+void AppendClasses(std::vector<RegistryEntry>& entries, Scope scope,
+                   const std::vector<Substitution>& substitutions)
 {
     for (const Row& row : rows)
     {
-        if (row.subject != subject || (row.branch != Branch::Classes && scope == Scope::User))
-            continue;
-        entries.push_back({RegistryKey(BranchOf(row.branch, scope), Substitute(row.key, substitutions)),
-                           Substitute(row.name, substitutions), ValueOf(row, substitutions),
-                           subject == For::Classes, extension});
+        if (row.subject == For::Classes)
+            entries.push_back(MakeEntry(row, scope, substitutions, L""));
+    }
+}
+
+/// Appends the entry of each choice that is not the usual one.
+void AppendChoices(std::vector<RegistryEntry>& entries, Scope scope, const Choices& choices)
+{
+    for (const Choice& choice : AllChoices())
+    {
+        const std::wstring value = choice.valueIn(choices);
+        if (value != choice.valueIn({}))
+            entries.push_back({RegistryKey(BranchOf(Branch::Software, scope), choicesKey),
+                               choice.storedName,
+                               RegistryValue::Text(value),
+                               std::nullopt,
+                               true,
+                               {}});
     }
 }
 
@@ -248,59 +321,69 @@ void AppendPatterns(std::vector<RegistryEntry>& entries, Scope scope)
     for (size_t i = 0; i < patterns.size(); ++i)
     {
         const RegistryKey key(BranchOf(Branch::Classes, scope), patternsKey + std::to_wstring(i));
-        entries.push_back({key, L"Position", RegistryValue::Number(0), true, {}});
-        entries.push_back({key, L"Length", RegistryValue::Number(HeaderPattern::size), true, {}});
-        entries.push_back({key, L"Pattern", RegistryValue::Binary(patterns[i].bytes), true, {}});
-        entries.push_back({key, L"Mask", RegistryValue::Binary(patterns[i].mask), true, {}});
-        entries.push_back({key, L"EndOfStream", RegistryValue::Number(0), true, {}});
+        entries.push_back({key, L"Position", RegistryValue::Number(0), std::nullopt, true, {}});
+        entries.push_back(
+            {key, L"Length", RegistryValue::Number(HeaderPattern::size), std::nullopt, true, {}});
+        entries.push_back(
+            {key, L"Pattern", RegistryValue::Binary(patterns[i].bytes), std::nullopt, true, {}});
+        entries.push_back({key, L"Mask", RegistryValue::Binary(patterns[i].mask), std::nullopt, true, {}});
+        entries.push_back({key, L"EndOfStream", RegistryValue::Number(0), std::nullopt, true, {}});
     }
 }
 
-/// Appends the rows for each extension of the formats that is not left out.
+/// Appends, for each extension of the formats, the rows that are chosen or those that are not.
 void AppendExtensions(std::vector<RegistryEntry>& entries, Scope scope,
-                      const std::vector<Substitution>& placeholders, const ExtensionNames& leftOut)
+                      const std::vector<Substitution>& placeholders, const Choices& choices, bool areChosen)
 {
     for (const Format& format : Formats())
     {
         for (const Extension& extension : format.extensions)
         {
-            if (Contains(leftOut, extension.text))
-                continue;
             std::vector<Substitution> substitutions = placeholders;
             substitutions.emplace_back(L"%ext%", extension.text);
             substitutions.emplace_back(L"%mimeType%", format.mimeType);
-            AppendRows(entries, For::EveryExtension, scope, substitutions, extension.text);
-            if (!extension.isShared)
-                AppendRows(entries, For::OwnExtensions, scope, substitutions, extension.text);
+            for (const Row& row : rows)
+            {
+                if (IsRead(row.branch, scope) && Concerns(row.subject, extension) &&
+                    IsChosen(row.subject, extension, choices) == areChosen)
+                    entries.push_back(MakeEntry(row, scope, substitutions, extension.text));
+            }
         }
     }
 }
 
 } // namespace
 
-std::vector<RegistryEntry> RegistryEntries(Scope scope, const std::wstring& dllPath,
-                                           const ExtensionNames& leftOut)
+std::vector<RegistryEntry> RegistryEntries(Scope scope, const std::wstring& dllPath, const Choices& choices)
 {
-    const std::vector<Substitution> placeholders = Placeholders(dllPath, leftOut);
+    const std::vector<Substitution> placeholders = Placeholders(dllPath, choices);
     std::vector<RegistryEntry> entries;
     AppendPatterns(entries, scope);
-    AppendRows(entries, For::Classes, scope, placeholders);
-    if (!leftOut.empty())
-        entries.push_back(LeftOutEntry(scope, leftOut));
-    AppendExtensions(entries, scope, placeholders, leftOut);
+    AppendClasses(entries, scope, placeholders);
+    AppendChoices(entries, scope, choices);
+    AppendExtensions(entries, scope, placeholders, choices, true);
     return entries;
 }
 
-RegistryEntry LeftOutEntry(Scope scope, const ExtensionNames& leftOut)
+std::vector<RegistryEntry> UnchosenEntries(Scope scope, const Choices& choices)
 {
-    std::wstring list;
-    for (const std::wstring& extension : leftOut)
-        AppendToList(list, extension.c_str());
-    return {RegistryKey(BranchOf(Branch::Software, scope), choicesKey),
-            L"LeftOutExtensions",
-            RegistryValue::Text(list),
-            true,
-            {}};
+    std::vector<RegistryEntry> entries;
+    AppendExtensions(entries, scope, Placeholders({}, choices), choices, false);
+    return entries;
+}
+
+Choices PresentChoices(Scope scope)
+{
+    const RegistryKey key(BranchOf(Branch::Software, scope), choicesKey);
+    Choices choices;
+    for (const Choice& choice : AllChoices())
+    {
+        std::optional<RegistryValue> stored;
+        // A value that cannot be taken stands for no choice.
+        if (key.Read(choice.storedName, stored) == ERROR_SUCCESS && stored)
+            static_cast<void>(choice.take(choices, stored->AsText()));
+    }
+    return choices;
 }
 
 RegistryKey ClassesKey(Scope scope, std::wstring_view path)

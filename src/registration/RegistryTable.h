@@ -1,9 +1,11 @@
 #pragma once
 
+#include "registration/Choices.h"
 #include "registration/RegistryKey.h"
 
 #include <guiddef.h>
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,9 +19,6 @@ enum class Scope
     User,
 };
 
-/// File name extensions, each with its dot and in lowercase.
-using ExtensionNames = std::vector<std::wstring>;
-
 /// One value of the registration.
 struct RegistryEntry
 {
@@ -27,6 +26,8 @@ struct RegistryEntry
     /// Empty for the default value.
     std::wstring name;
     RegistryValue value;
+    /// The value that an earlier version of Lumora has written in its place.
+    std::optional<RegistryValue> earlierValue;
     /// Whether the key is ours alone. All other keys belong to a file name extension, and another program may
     /// have set the value before us.
     bool isOwn;
@@ -35,13 +36,15 @@ struct RegistryEntry
 };
 
 /// Every value of the registration, in the order of writing, for a Lumora.dll at that path. For a user, there
-/// are no property handlers and no kinds of files, because Windows reads these only for the whole machine.
-/// For the extensions in `leftOut`, there is only the entry that stores that they are left out.
+/// is only what Windows reads for a user: no property handlers, no kinds of files, and no viewer.
 [[nodiscard]] std::vector<RegistryEntry> RegistryEntries(Scope scope, const std::wstring& dllPath,
-                                                         const ExtensionNames& leftOut = {});
+                                                         const Choices& choices = {});
 
-/// The entry that stores which extensions are left out.
-[[nodiscard]] RegistryEntry LeftOutEntry(Scope scope, const ExtensionNames& leftOut);
+/// The entries of extensions that these choices leave out, and other choices do not.
+[[nodiscard]] std::vector<RegistryEntry> UnchosenEntries(Scope scope, const Choices& choices);
+
+/// The choices that the present registration has stored; the usual ones where there is none.
+[[nodiscard]] Choices PresentChoices(Scope scope);
 
 /// A key among the classes of the machine or of the user.
 [[nodiscard]] RegistryKey ClassesKey(Scope scope, std::wstring_view path);

@@ -114,7 +114,7 @@ TEST_F(Registration, IsCompleteAlthoughAnExtensionHasGoneToAnotherProgram)
 TEST_F(Registration, LeavesALeftOutExtensionToItsOwner)
 {
     SetText(handlers + L".mrc", L"", L"{11111111-2222-3333-4444-555555555555}");
-    ASSERT_FALSE(Register(Scope::Machine, dllPath, {{L".mrc"}}).failure);
+    ASSERT_FALSE(Register(Scope::Machine, dllPath, Lumora::Choices{.leftOut = {L".mrc"}}).failure);
     EXPECT_EQ(Text(handlers + L".mrc"), L"{11111111-2222-3333-4444-555555555555}");
 }
 

@@ -5,8 +5,8 @@
 #include <gmock/gmock.h>
 
 using Lumora::CheckRegistration;
-using Lumora::ExtensionNames;
-using Lumora::LeftOutExtensions;
+using Lumora::Choices;
+using Lumora::PresentChoices;
 using Lumora::Register;
 using Lumora::RegistrationResult;
 using Lumora::RegistrationState;
@@ -191,7 +191,7 @@ TEST(RegistrationOfThisMachine, LeavesTheRegistryAsItWas)
 TEST_F(Registration, LeavesOutTheExtensionsThatItIsToldTo)
 {
     ASSERT_FALSE(Register(Scope::Machine, dllPath).failure);
-    ASSERT_FALSE(Register(Scope::Machine, dllPath, {{L".h5", L".mrc"}}).failure);
+    ASSERT_FALSE(Register(Scope::Machine, dllPath, Choices{.leftOut = {L".h5", L".mrc"}}).failure);
     for (const wchar_t* const extension : {L".h5", L".mrc"})
     {
         EXPECT_FALSE(Exists(classes + extension)) << extension;
@@ -208,20 +208,133 @@ TEST_F(Registration, LeavesOutTheExtensionsThatItIsToldTo)
 
 TEST_F(Registration, RemembersWhatIsLeftOut)
 {
-    ASSERT_FALSE(Register(Scope::Machine, dllPath, {{L".mrc"}}).failure);
+    ASSERT_FALSE(Register(Scope::Machine, dllPath, Choices{.leftOut = {L".mrc"}}).failure);
     ASSERT_FALSE(Register(Scope::Machine, L"C:\\elsewhere\\Lumora.dll").failure);
-    EXPECT_THAT(LeftOutExtensions(Scope::Machine), ElementsAre(L".mrc"));
+    EXPECT_THAT(PresentChoices(Scope::Machine).leftOut, ElementsAre(L".mrc"));
     EXPECT_FALSE(Exists(handlers + L".mrc"));
 
-    ASSERT_FALSE(Register(Scope::Machine, dllPath, ExtensionNames{}).failure);
-    EXPECT_THAT(LeftOutExtensions(Scope::Machine), IsEmpty());
+    ASSERT_FALSE(Register(Scope::Machine, dllPath, Choices{}).failure);
+    EXPECT_THAT(PresentChoices(Scope::Machine).leftOut, IsEmpty());
     EXPECT_TRUE(Exists(handlers + L".mrc"));
     EXPECT_EQ(Text(L"SOFTWARE\\Lumora", L"LeftOutExtensions"), absent);
 }
 
+TEST_F(Registration, HasNoPropertyHandlerForAnyDataUnlessToldTo)
+{
+    ASSERT_FALSE(Register(Scope::Machine, dllPath).failure);
+    for (const std::wstring extension : {L".h5", L".hdf5"})
+    {
+        EXPECT_FALSE(Exists(handlers + extension));
+        EXPECT_EQ(Text(classes + L"SystemFileAssociations\\" + extension, L"FullDetails"), absent);
+        EXPECT_EQ(Text(classes + extension + thumbnails), L"{C7657C4A-9F68-40fa-A4DF-96BC08EB3551}");
+    }
+    EXPECT_EQ(Text(handlers + L".emd"), L"{5D2E8A94-7C3B-4F61-8E0A-B1947F26D3C5}");
+
+    ASSERT_FALSE(Register(Scope::Machine, dllPath, Choices{.withProperties = {L".h5"}}).failure);
+    EXPECT_EQ(Text(handlers + L".h5"), L"{5D2E8A94-7C3B-4F61-8E0A-B1947F26D3C5}");
+    EXPECT_THAT(Text(classes + L"SystemFileAssociations\\.h5", L"FullDetails"), StartsWith(L"prop:"));
+    EXPECT_FALSE(Exists(handlers + L".hdf5"));
+    EXPECT_EQ(Text(L"SOFTWARE\\Lumora", L"PropertyExtensions"), L".h5");
+}
+
+TEST_F(Registration, CallsNoFilePictureIfToldNotTo)
+{
+    ASSERT_FALSE(Register(Scope::Machine, dllPath).failure);
+    ASSERT_FALSE(Register(Scope::Machine, dllPath, Choices{.arePictures = false}).failure);
+    EXPECT_EQ(Text(windows + L"Explorer\\KindMap", L".mrc"), absent);
+    EXPECT_EQ(Text(classes + L".mrc", L"PerceivedType"), absent);
+    EXPECT_EQ(Text(classes + L".mrc", L"Content Type"), absent);
+    EXPECT_EQ(Text(classes + L".mrc" + thumbnails), L"{C7657C4A-9F68-40fa-A4DF-96BC08EB3551}");
+    EXPECT_EQ(Text(handlers + L".mrc"), L"{5D2E8A94-7C3B-4F61-8E0A-B1947F26D3C5}");
+    EXPECT_EQ(Text(L"SOFTWARE\\Lumora", L"Pictures"), L"0");
+}
+
+TEST_F(Registration, OffersThePhotoViewerOnlyIfToldTo)
+{
+    const std::wstring viewer = L"SOFTWARE\\Microsoft\\Windows Photo Viewer\\Capabilities\\FileAssociations";
+    ASSERT_FALSE(Register(Scope::Machine, dllPath).failure);
+    EXPECT_EQ(Text(viewer, L".mrc"), absent);
+
+    ASSERT_FALSE(Register(Scope::Machine, dllPath, Choices{.areInPhotoViewer = true}).failure);
+    EXPECT_EQ(Text(viewer, L".mrc"), L"PhotoViewer.FileAssoc.Tiff");
+    EXPECT_EQ(Text(viewer, L".lattice"), L"PhotoViewer.FileAssoc.Tiff");
+    EXPECT_EQ(Text(viewer, L".map"), absent);
+    EXPECT_EQ(Text(viewer, L".h5"), absent);
+    EXPECT_EQ(Text(L"SOFTWARE\\Lumora", L"PhotoViewer"), L"1");
+}
+
+const Choices otherChoices = {.leftOut = {L".map", L".npy"},
+                              .withProperties = {L".h5", L".hdf5"},
+                              .arePictures = false,
+                              .areInPhotoViewer = true};
+
+TEST_F(Registration, KeepsEachChoice)
+{
+    ASSERT_FALSE(Register(Scope::Machine, dllPath, otherChoices).failure);
+    EXPECT_EQ(PresentChoices(Scope::Machine), otherChoices);
+    const RegistrySnapshot chosen = TakeRegistrySnapshot();
+    ASSERT_FALSE(Register(Scope::Machine, dllPath).failure);
+    EXPECT_THAT(Differences(chosen, TakeRegistrySnapshot()), IsEmpty());
+    EXPECT_TRUE(CheckRegistration(Scope::Machine, dllPath).IsComplete());
+}
+
+TEST_F(Registration, GoesFromAnyChoicesToAnyOthers)
+{
+    ASSERT_FALSE(Register(Scope::Machine, dllPath).failure);
+    const RegistrySnapshot usual = TakeRegistrySnapshot();
+    ASSERT_FALSE(Register(Scope::Machine, dllPath, otherChoices).failure);
+    ASSERT_FALSE(Register(Scope::Machine, dllPath, Choices{}).failure);
+    EXPECT_THAT(Differences(usual, TakeRegistrySnapshot()), IsEmpty());
+
+    ASSERT_FALSE(Register(Scope::Machine, dllPath, otherChoices).failure);
+    ASSERT_FALSE(Unregister(Scope::Machine).failure);
+    EXPECT_THAT(Differences(before, TakeRegistrySnapshot()), IsEmpty());
+}
+
+TEST_F(Registration, TakesAStoredChoiceThatItDoesNotUnderstandForNone)
+{
+    ASSERT_FALSE(Register(Scope::Machine, dllPath, otherChoices).failure);
+    SetText(L"SOFTWARE\\Lumora", L"LeftOutExtensions", L".later");
+    SetText(L"SOFTWARE\\Lumora", L"Pictures", L"sometimes");
+    EXPECT_THAT(PresentChoices(Scope::Machine).leftOut, IsEmpty());
+    EXPECT_TRUE(PresentChoices(Scope::Machine).arePictures);
+    EXPECT_TRUE(PresentChoices(Scope::Machine).areInPhotoViewer);
+}
+
+// Version 0.1.0 registered properties of .h5 files, and fewer details.
+TEST_F(Registration, ReplacesWhatAnEarlierVersionHasWritten)
+{
+    ASSERT_FALSE(Register(Scope::Machine, dllPath).failure);
+    const RegistrySnapshot present = TakeRegistrySnapshot();
+    const wchar_t* const earlierDetails =
+        L"prop:System.PropGroup.Image;System.Image.Dimensions;System.Image.HorizontalSize;"
+        L"System.Image.VerticalSize;System.Image.BitDepth;System.Media.FrameCount;System.PropGroup.Origin;"
+        L"System.Media.CreatorApplication;System.PropGroup.Description;System.Comment;"
+        L"System.PropGroup.FileSystem;System.ItemNameDisplay;System.ItemTypeText;"
+        L"System.ItemFolderPathDisplay;System.DateCreated;System.DateModified;System.Size;"
+        L"System.FileAttributes;System.OfflineAvailability;System.OfflineStatus;System.SharedWith;"
+        L"System.FileOwner;System.ComputerName";
+    SetText(classes + L"SystemFileAssociations\\.mrc", L"FullDetails", earlierDetails);
+    SetText(classes + L"SystemFileAssociations\\.h5", L"FullDetails", earlierDetails);
+    SetText(handlers + L".h5", L"", L"{5D2E8A94-7C3B-4F61-8E0A-B1947F26D3C5}");
+
+    EXPECT_THAT(
+        CheckRegistration(Scope::Machine, dllPath).outdated,
+        ElementsAre(L"HKEY_LOCAL_MACHINE\\" + classes + L"SystemFileAssociations\\.mrc, FullDetails"));
+    const RegistrationResult result = Register(Scope::Machine, dllPath);
+    EXPECT_FALSE(result.failure);
+    EXPECT_THAT(result.leftToOthers, IsEmpty());
+    EXPECT_THAT(Differences(present, TakeRegistrySnapshot()), IsEmpty());
+
+    SetText(classes + L"SystemFileAssociations\\.mrc", L"FullDetails", earlierDetails);
+    SetText(handlers + L".h5", L"", L"{5D2E8A94-7C3B-4F61-8E0A-B1947F26D3C5}");
+    EXPECT_FALSE(Unregister(Scope::Machine).failure);
+    EXPECT_THAT(Differences(before, TakeRegistrySnapshot()), IsEmpty());
+}
+
 TEST_F(Registration, TakesARegistrationBackThatLeavesExtensionsOut)
 {
-    ASSERT_FALSE(Register(Scope::Machine, dllPath, {{L".h5", L".mrc"}}).failure);
+    ASSERT_FALSE(Register(Scope::Machine, dllPath, Choices{.leftOut = {L".h5", L".mrc"}}).failure);
     ASSERT_FALSE(Unregister(Scope::Machine).failure);
     EXPECT_EQ(TakeRegistrySnapshot(), before);
 }

@@ -176,15 +176,28 @@ TEST_F(ToolDoctor, SaysThatExplorerIsToldNothingAboutAnExtension)
 TEST_F(ToolDoctor, SaysThatAnExtensionIsLeftOutOnPurpose)
 {
     const std::wstring dllPath = LumoraModule::File().wstring();
-    ASSERT_FALSE(Lumora::Register(Scope::Machine, dllPath, Lumora::ExtensionNames{L".rec"}).failure);
+    ASSERT_FALSE(Lumora::Register(Scope::Machine, dllPath, Lumora::Choices{.leftOut = {L".rec"}}).failure);
     folder.Write("a.rec", GrayStack(1));
     const ToolRun run = Run({L"a.rec"});
-    ASSERT_FALSE(Lumora::Register(Scope::Machine, dllPath, Lumora::ExtensionNames{}).failure);
+    ASSERT_FALSE(Lumora::Register(Scope::Machine, dllPath, Lumora::Choices{}).failure);
     EXPECT_EQ(run.exitCode, 0U) << run.output;
     EXPECT_THAT(run.output, HasSubstr("note     a.rec: extension: .rec is left out of the registration on "
                                       "purpose\n"));
     EXPECT_THAT(run.output, EndsWith("\nAll is well, but .rec is left out of the registration on purpose: "
                                      "\"lumora register --without none\" takes it in.\n"));
+}
+
+TEST_F(ToolDoctor, SaysThatFilesWithAnyDataHaveNoProperties)
+{
+    const std::wstring dllPath = LumoraModule::File().wstring();
+    folder.Write("a.h5", GrayStack(1));
+    EXPECT_THAT(Run({L"a.h5"}).output, HasSubstr("ok       a.h5: .h5 is registered for thumbnails alone: "
+                                                 "\"lumora register --with .h5\" adds properties; "));
+    ASSERT_FALSE(
+        Lumora::Register(Scope::Machine, dllPath, Lumora::Choices{.withProperties = {L".h5"}}).failure);
+    const ToolRun run = Run({L"a.h5"});
+    ASSERT_FALSE(Lumora::Register(Scope::Machine, dllPath, Lumora::Choices{}).failure);
+    EXPECT_THAT(run.output, HasSubstr("ok       a.h5: .h5 is registered; WIC gives"));
 }
 
 TEST_F(ToolDoctor, SaysThatExplorerShowsNoThumbnails)

@@ -30,8 +30,7 @@ protected:
     void TearDown() override
     {
         ASSERT_FALSE(
-            Lumora::Register(Scope::Machine, LumoraModule::File().wstring(), Lumora::ExtensionNames{})
-                .failure);
+            Lumora::Register(Scope::Machine, LumoraModule::File().wstring(), Lumora::Choices{}).failure);
     }
 
     [[nodiscard]] ToolRun Run(const Arguments& arguments, ToolOutput output = ToolOutput::Kept) const
@@ -164,18 +163,18 @@ TEST_F(ToolRegister, LeavesExtensionsOut)
 {
     const ToolRun run = Run({L"register", L"--without", L"H5; .mrc"});
     EXPECT_EQ(run.exitCode, 0U) << run.error;
-    EXPECT_THAT(run.output, HasSubstr("Left out: .h5\nLeft out: .mrc\n"));
-    EXPECT_THAT(Lumora::LeftOutExtensions(Scope::Machine), ElementsAre(L".h5", L".mrc"));
+    EXPECT_THAT(run.output, HasSubstr("Left out: .h5,.mrc\n"));
+    EXPECT_THAT(Lumora::PresentChoices(Scope::Machine).leftOut, ElementsAre(L".h5", L".mrc"));
 
     const ToolRun check = Run({L"register", L"--check"});
     EXPECT_EQ(check.exitCode, 0U);
-    EXPECT_THAT(check.output, HasSubstr("Left out: .h5\n"));
+    EXPECT_THAT(check.output, HasSubstr("Left out: .h5,.mrc\n"));
 
     EXPECT_EQ(Run({L"register"}).exitCode, 0U);
-    EXPECT_THAT(Lumora::LeftOutExtensions(Scope::Machine), ElementsAre(L".h5", L".mrc"));
+    EXPECT_THAT(Lumora::PresentChoices(Scope::Machine).leftOut, ElementsAre(L".h5", L".mrc"));
 
     EXPECT_EQ(Run({L"register", L"--without", L"none"}).exitCode, 0U);
-    EXPECT_THAT(Lumora::LeftOutExtensions(Scope::Machine), IsEmpty());
+    EXPECT_THAT(Lumora::PresentChoices(Scope::Machine).leftOut, IsEmpty());
 }
 
 TEST_F(ToolRegister, LeavesNoExtensionOutThatItDoesNotKnow)
@@ -183,8 +182,36 @@ TEST_F(ToolRegister, LeavesNoExtensionOutThatItDoesNotKnow)
     const ToolRun run = Run({L"register", L"--without", L".mrc,.png"});
     EXPECT_EQ(run.exitCode, 1U);
     EXPECT_THAT(run.error, HasSubstr("the extension .png cannot be left out"));
-    EXPECT_THAT(Lumora::LeftOutExtensions(Scope::Machine), IsEmpty());
+    EXPECT_THAT(Lumora::PresentChoices(Scope::Machine).leftOut, IsEmpty());
     EXPECT_EQ(Run({L"register", L"--without"}).exitCode, 2U);
+}
+
+TEST_F(ToolRegister, TakesEachChoiceAndItsOpposite)
+{
+    const ToolRun run = Run({L"register", L"--with", L".h5", L"--no-pictures", L"--photo-viewer"});
+    EXPECT_EQ(run.exitCode, 0U) << run.error;
+    const char* const choices =
+        "With properties: .h5\nNot taken for pictures\nOffered in Windows Photo Viewer\n";
+    EXPECT_THAT(run.output, EndsWith(choices));
+    const ToolRun later = Run({L"register", L"--check"});
+    EXPECT_EQ(later.exitCode, 0U);
+    EXPECT_THAT(later.output, StartsWith(choices));
+    const ToolRun doctor = Run({L"doctor"});
+    EXPECT_EQ(doctor.exitCode, 0U) << doctor.output;
+    EXPECT_THAT(doctor.output, HasSubstr(" entries; With properties: .h5; Not taken for pictures; Offered in "
+                                         "Windows Photo Viewer\n"));
+
+    const ToolRun opposite = Run({L"register", L"--with", L"none", L"--pictures", L"--no-photo-viewer"});
+    EXPECT_EQ(opposite.exitCode, 0U) << opposite.error;
+    EXPECT_EQ(Lumora::PresentChoices(Scope::Machine), Lumora::Choices{});
+}
+
+TEST_F(ToolRegister, SaysWhichPropertiesAreNoChoice)
+{
+    const ToolRun run = Run({L"register", L"--with", L".mrc"});
+    EXPECT_EQ(run.exitCode, 1U);
+    EXPECT_EQ(run.error, "lumora: properties cannot be chosen for the extension .mrc: they are always "
+                         "registered\n");
 }
 
 } // namespace

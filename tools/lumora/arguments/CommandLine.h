@@ -6,6 +6,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Lumora {
@@ -51,8 +52,8 @@ struct CommandLine
     Scope scope = Scope::Machine;
     std::wstring dllPath;
     bool onlyCheck = false;
-    /// The extensions that are left out; empty for the choice made before.
-    std::wstring leftOut;
+    /// The choices, by their names in the setup package, and their values.
+    std::vector<std::pair<const wchar_t*, std::wstring>> choices;
 };
 
 /// A usage error: a command line that cannot be understood.

@@ -33,6 +33,12 @@ bool TakeText(std::wstring& target, Value text)
     return true;
 }
 
+bool TakeChoice(CommandLine& line, const wchar_t* property, Value value)
+{
+    line.choices.emplace_back(property, value);
+    return true;
+}
+
 constexpr Option verbose = {L"--verbose", L"",
                             L"print on standard error what the reader noted about each file",
                             [](CommandLine& line, Value) { return line.isVerbose = true; }};
@@ -108,10 +114,24 @@ constexpr Option registerOptions[] = {
     user,
     dll,
     {L"--without", L"EXTENSIONS",
-     L"do not register these file name extensions, for example \".h5,.map\"; \"none\" registers all. "
-     L"Default: the "
-     L"choice of the present registration. A program that asks Windows by content still opens such files",
-     [](CommandLine& line, Value value) { return TakeText(line.leftOut, value); }},
+     L"do not register these file name extensions, for example \".h5,.map\"; \"none\" registers all. A "
+     L"program that asks Windows by content still opens such files",
+     [](CommandLine& line, Value value) { return TakeChoice(line, L"WITHOUT", value); }},
+    {L"--with", L"EXTENSIONS",
+     L"show properties of these files, too: .h5, .hdf5. They may hold any data, and Windows reads the whole "
+     L"of each such file for its properties, so the default is \"none\"",
+     [](CommandLine& line, Value value) { return TakeChoice(line, L"WITH", value); }},
+    {L"--no-pictures", L"",
+     L"do not tell Windows that files are pictures: searches for pictures do not find them, and programs "
+     L"that "
+     L"change pictures leave them alone",
+     [](CommandLine& line, Value) { return TakeChoice(line, L"PICTURES", L"0"); }},
+    {L"--pictures", L"", L"the opposite, and the default",
+     [](CommandLine& line, Value) { return TakeChoice(line, L"PICTURES", L"1"); }},
+    {L"--photo-viewer", L"", L"let people choose Windows Photo Viewer for a double click",
+     [](CommandLine& line, Value) { return TakeChoice(line, L"PHOTOVIEWER", L"1"); }},
+    {L"--no-photo-viewer", L"", L"the opposite, and the default",
+     [](CommandLine& line, Value) { return TakeChoice(line, L"PHOTOVIEWER", L"0"); }},
     {L"--check", L"", L"change nothing; print what is missing from the registration, or outdated",
      [](CommandLine& line, Value) { return line.onlyCheck = true; }},
 };
@@ -194,7 +214,8 @@ constexpr CommandDescription commands[] = {
         .name = L"register",
         .summary = L"Register Lumora with Windows, for pictures, thumbnails and properties",
         .details =
-            L"What another program has set for a file name extension is left to that program, and listed.\n",
+            L"What another program has set for a file name extension is left to that program, and listed.\n"
+            L"A choice that is not made stays as the present registration has it.\n",
         .options = registerOptions,
     },
     {

@@ -1,15 +1,13 @@
 #include "lumora/commands/RegisterCommand.h"
 
 #include "lumora/console/Failure.h"
-#include "lumora/files/FileList.h"
 #include "lumora/files/Paths.h"
 #include "registration/Registration.h"
 
 #include <windows.h>
 
-#include <cwctype>
 #include <optional>
-#include <sstream>
+#include <utility>
 
 namespace Lumora {
 
@@ -46,25 +44,23 @@ void List(Console& console, const wchar_t* what, const std::vector<std::wstring>
         console.Print(std::wstring(what) + L": " + name + L'\n');
 }
 
-/// The extensions of a list like ".h5, map", or "none". Throws a Failure for one that is never registered.
-ExtensionNames ParseExtensions(std::wstring list)
+/// What the present registration has chosen, and what the user chooses now. Throws a Failure for a value that
+/// cannot be taken.
+Choices ChoicesOf(const CommandLine& line)
 {
-    if (list == L"none")
-        return {};
-    for (wchar_t& character : list)
-        character =
-            character == L',' || character == L';' ? L' ' : static_cast<wchar_t>(std::towlower(character));
-    ExtensionNames names;
-    std::wistringstream words(list);
-    for (std::wstring name; words >> name;)
+    Choices choices = PresentChoices(line.scope);
+    for (const auto& [property, value] : line.choices)
     {
-        if (!name.starts_with(L'.'))
-            name.insert(0, 1, L'.');
-        if (!RegisteredExtension(name))
-            throw Failure{L"the extension " + name + L" cannot be left out: Lumora never registers it"};
-        names.push_back(name);
+        if (std::optional<std::wstring> refusal = Choose(choices, property, value))
+            throw Failure{std::move(*refusal)};
     }
-    return names;
+    return choices;
+}
+
+void Print(Console& console, const Choices& choices)
+{
+    for (const std::wstring& sentence : Describe(choices))
+        console.Print(sentence + L'\n');
 }
 
 int Check(const CommandLine& line, const std::wstring& dllPath, Console& console)
@@ -73,7 +69,7 @@ int Check(const CommandLine& line, const std::wstring& dllPath, Console& console
     List(console, L"Missing", state.missing);
     List(console, L"Outdated", state.outdated);
     List(console, L"Left to another program", state.leftToOthers);
-    List(console, L"Left out", LeftOutExtensions(line.scope));
+    Print(console, PresentChoices(line.scope));
     if (state.failure)
         throw Failure{Describe(*state.failure, L"cannot read", line.scope)};
     console.Print(std::wstring(L"Lumora is ") + (state.IsComplete() ? L"" : L"not completely ") +
@@ -89,15 +85,13 @@ int RunRegister(const CommandLine& line, Console& console)
     if (line.onlyCheck)
         return Check(line, dllPath, console);
 
-    std::optional<ExtensionNames> leftOut;
-    if (!line.leftOut.empty())
-        leftOut = ParseExtensions(line.leftOut);
-    const RegistrationResult result = Register(line.scope, dllPath, leftOut);
+    const Choices choices = ChoicesOf(line);
+    const RegistrationResult result = Register(line.scope, dllPath, choices);
     if (result.failure)
         throw Failure{Describe(*result.failure, L"cannot write", line.scope)};
     console.Print(std::wstring(L"Lumora is registered ") + ForWhom(line.scope) + L": " + dllPath + L'\n');
     List(console, L"Left to another program", result.leftToOthers);
-    List(console, L"Left out", LeftOutExtensions(line.scope));
+    Print(console, choices);
     if (line.scope == Scope::User)
         console.Print(
             L"Windows takes the properties and the kinds of files from the machine alone: these need "

@@ -1,7 +1,7 @@
 #include "lumora/doctor/ExplorerChecks.h"
 
-#include "lumora/files/FileList.h"
 #include "lumora/files/Paths.h"
+#include "registration/Formats.h"
 #include "registration/Registration.h"
 
 #include <windows.h>
@@ -59,7 +59,7 @@ bool IsAbout(std::wstring_view valueName, std::wstring_view extension)
 std::optional<RegistryEntry> ThumbnailEntry(const wchar_t* extension, Scope scope)
 {
     const std::wstring path = ClassesKey(scope, extension).FullPath() + L"\\ShellEx\\";
-    for (const RegistryEntry& entry : RegistryEntries(scope, {}, LeftOutExtensions(scope)))
+    for (const RegistryEntry& entry : RegistryEntries(scope, {}, PresentChoices(scope)))
     {
         if (entry.key.FullPath().starts_with(path))
             return entry;
@@ -77,6 +77,25 @@ std::wstring ShellsThumbnailProvider(const wchar_t* extension, const RegistryEnt
     const HRESULT result = AssocQueryStringW(ASSOCF_NONE, ASSOCSTR_SHELLEXTENSION, extension,
                                              interfaceId.c_str(), provider.data(), &length);
     return SUCCEEDED(result) ? provider.data() : L"";
+}
+
+/// What Explorer does not do for the files of a registered extension.
+std::wstring Restriction(const Extension& extension, Scope scope)
+{
+    switch (extension.use)
+    {
+    case Use::Own:
+        break;
+    case Use::Shared:
+        return L", which files of other kinds have too";
+    case Use::AnyData:
+        const ExtensionNames chosen = PresentChoices(scope).withProperties;
+        if (std::ranges::find(chosen, extension.text) != chosen.end())
+            break;
+        return std::wstring(L" for thumbnails alone: \"lumora register --with ") + extension.text +
+               L"\" adds properties";
+    }
+    return {};
 }
 
 void CheckThumbnailProvider(const wchar_t* extension, const RegistryEntry& entry, Diagnosis& diagnosis)
@@ -149,9 +168,8 @@ void CheckExtension(const std::wstring& fileName, const RegistrationFindings& fi
                               L"again.");
     }
     if (isOurs)
-        diagnosis.Ok(L"extension",
-                     extension->text + std::wstring(L" is registered") +
-                         (extension->isShared ? L", which files of other kinds have too" : L""));
+        diagnosis.Ok(L"extension", extension->text + std::wstring(L" is registered") +
+                                       Restriction(*extension, findings.scope));
     CheckThumbnailProvider(extension->text, *entry, diagnosis);
 }
 

@@ -151,7 +151,12 @@ private:
                               std::wstring(L"The ") + subject + L" is of another version: " +
                                   RunRegister(L" again"));
         if (state.IsComplete())
-            diagnosis.Ok(subject, std::to_wstring(state.inPlace) + L" entries");
+        {
+            std::wstring detail = std::to_wstring(state.inPlace) + L" entries";
+            for (const std::wstring& choice : Describe(PresentChoices(findings.scope)))
+                detail += L"; " + choice;
+            diagnosis.Ok(subject, detail);
+        }
     }
 
     /// Checks the user's values that differ from the machine's, because Windows reads the user's values

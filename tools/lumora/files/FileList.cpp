@@ -1,8 +1,10 @@
 #include "lumora/files/FileList.h"
 
 #include "lumora/console/Failure.h"
+#include "lumora/files/FileSystem.h"
 #include "lumora/files/Paths.h"
 #include "lumora/pictures/PropertyReader.h"
+#include "registration/Formats.h"
 
 #include <windows.h>
 
@@ -24,8 +26,7 @@ struct FolderEntry
     bool isFolder;
     /// A link to another place, which may lead back to the folder of the link.
     bool isLink;
-    /// A file that must be downloaded before it can be read.
-    bool isOffline;
+    bool isElsewhere;
 };
 
 /// The entries of a folder that match the pattern, sorted by name.
@@ -48,7 +49,7 @@ std::vector<FolderEntry> ListFolder(const std::wstring& folder, const std::wstri
         if (name != L"." && name != L"..")
             entries.push_back({name, (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0,
                                (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0,
-                               (found.dwFileAttributes & FILE_ATTRIBUTE_OFFLINE) != 0});
+                               IsElsewhere(found.dwFileAttributes)});
     } while (FindNextFileW(first, &found));
     std::sort(entries.begin(), entries.end(), [](const FolderEntry& left, const FolderEntry& right) {
         return NameLess{}(left.name, right.name);
@@ -147,7 +148,7 @@ private:
     {
         if (RegisteredExtension(FileExtension(file.name)))
             return true;
-        if (rule == FolderRule::RegisteredExtension || file.isOffline)
+        if (rule == FolderRule::RegisteredExtension || file.isElsewhere)
             return false;
         return !FailureOf(
             [&] { static_cast<void>(ReadProperties(OpenablePath(JoinPath(folder, file.name)))); });
@@ -164,19 +165,6 @@ private:
 };
 
 } // namespace
-
-const Extension* RegisteredExtension(std::wstring_view text) noexcept
-{
-    for (const Format& format : Formats())
-    {
-        const auto found = std::ranges::find_if(format.extensions, [text](const Extension& extension) {
-            return AreSameName(text, extension.text);
-        });
-        if (found != format.extensions.end())
-            return &*found;
-    }
-    return nullptr;
-}
 
 FileList FindFiles(const std::vector<std::wstring>& paths, FolderRule rule, Console& console)
 {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "lumora/console/Console.h"
-#include "registration/Formats.h"
 
 #include <string>
 #include <string_view>
@@ -27,9 +26,6 @@ struct FileList
     std::vector<SourceFile> files;
     size_t failures = 0;
 };
-
-/// The extension, with its dot, as Lumora registers it; null if Lumora does not register it.
-[[nodiscard]] const Extension* RegisteredExtension(std::wstring_view text) noexcept;
 
 /// Which files below a folder count.
 enum class FolderRule

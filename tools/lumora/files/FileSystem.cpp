@@ -26,6 +26,14 @@ void MakeFolder(std::wstring_view folder)
                       DescribeError(GetLastError())};
 }
 
+bool IsElsewhere(unsigned long attributes) noexcept
+{
+    // Services of the cloud set one of these two, which not all headers know; archives set the third one.
+    constexpr DWORD recallOnOpen = 0x00040000;
+    constexpr DWORD recallOnDataAccess = 0x00400000;
+    return (attributes & (recallOnOpen | recallOnDataAccess | FILE_ATTRIBUTE_OFFLINE)) != 0;
+}
+
 bool IsSameFile(const std::wstring& left, const std::wstring& right)
 {
     const auto identify = [](const std::wstring& path, BY_HANDLE_FILE_INFORMATION& information) {

@@ -8,6 +8,10 @@ namespace Lumora {
 /// Makes the folder and those above it where they are missing. Throws a Failure.
 void MakeFolder(std::wstring_view folder);
 
+/// Whether a file has these attributes because its contents are not on this machine, and would be fetched by
+/// the first read: from the cloud, or from an archive.
+[[nodiscard]] bool IsElsewhere(unsigned long attributes) noexcept;
+
 /// Whether both paths lead to one file, however they are spelled.
 [[nodiscard]] bool IsSameFile(const std::wstring& left, const std::wstring& right);
 

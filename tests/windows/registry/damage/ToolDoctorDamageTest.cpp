@@ -1,20 +1,30 @@
+#include "lumora/doctor/RegistrationChecks.h"
 #include "windows/registry/damage/DamagedEntry.h"
 #include "windows/tool/ToolDoctorTest.h"
 
 #include <gmock/gmock.h>
 
+using Lumora::CheckState;
 using Lumora::RegistryEntry;
 using Lumora::Scope;
-using testing::HasSubstr;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
 
 namespace {
 
-std::string Narrow(const std::wstring& text)
+/// The problems that the doctor finds in the registration, or the notes.
+std::vector<std::wstring> Findings(CheckState state)
 {
-    std::string narrow;
-    for (const wchar_t character : text)
-        narrow.push_back(static_cast<char>(character));
-    return narrow;
+    Lumora::Diagnosis diagnosis;
+    static_cast<void>(Lumora::CheckRegistrations({}, diagnosis));
+    std::vector<std::wstring> findings;
+    for (const Lumora::Check& check : diagnosis.Checks())
+    {
+        if (check.state == state)
+            findings.push_back(check.what + L": " + check.detail);
+    }
+    return findings;
 }
 
 /// One entry for each row of the registration's table: those of the classes, the first pattern, and those of
@@ -43,10 +53,8 @@ TEST_F(ToolDoctor, NamesEachKindOfEntryThatIsMissing)
     {
         SCOPED_TRACE(testing::Message() << ShownName(entry) << " -> " << entry.name);
         const DamagedEntry damaged(entry, Damage::Deleted);
-        const ToolRun run = Run({});
-        EXPECT_EQ(run.exitCode, 1U);
-        EXPECT_THAT(run.output, HasSubstr("problem  registration for all users: without " +
-                                          Narrow(ShownName(entry)) + '\n'));
+        EXPECT_THAT(Findings(CheckState::Problem),
+                    Contains(L"registration for all users: without " + ShownName(entry)));
     }
 }
 
@@ -56,18 +64,17 @@ TEST_F(ToolDoctor, NamesEachKindOfEntryThatIsChanged)
     {
         SCOPED_TRACE(testing::Message() << ShownName(entry) << " -> " << entry.name);
         const DamagedEntry damaged(entry, Damage::Changed);
-        const ToolRun run = Run({});
-        const std::string name = Narrow(ShownName(entry)) + '\n';
+        const std::vector<std::wstring> problems = Findings(CheckState::Problem);
         if (IsServer(entry))
-        {
-            const std::string dll = Narrow(damaged.value.AsText());
-            EXPECT_THAT(run.output, HasSubstr("problem  Lumora.dll: " + dll + " is not there\n"));
-        }
+            EXPECT_THAT(problems, Contains(L"Lumora.dll: " + damaged.value.AsText() + L" is not there"));
         else if (entry.isOwn)
-            EXPECT_THAT(run.output, HasSubstr("problem  registration for all users: outdated: " + name));
+            EXPECT_THAT(problems, ElementsAre(L"registration for all users: outdated: " + ShownName(entry)));
         else
-            EXPECT_THAT(run.output, HasSubstr("note     left to another program: " + name));
-        EXPECT_EQ(run.exitCode, entry.isOwn ? 1U : 0U);
+        {
+            EXPECT_THAT(problems, IsEmpty());
+            EXPECT_THAT(Findings(CheckState::Note),
+                        ElementsAre(L"left to another program: " + ShownName(entry)));
+        }
     }
 }
 

@@ -1,0 +1,85 @@
+#include "lumora/files/FileList.h"
+#include "windows/clients/TemporaryFolder.h"
+#include "windows/support/ImportHook.h"
+
+#include <windows.h>
+
+#include <shlwapi.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+/// The attributes that every file has in addition to its own.
+DWORD addedAttributes = 0;
+/// The names of the files that have been opened.
+std::vector<std::wstring> opened;
+
+void AddAttributes(WIN32_FIND_DATAW& found)
+{
+    if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
+        found.dwFileAttributes |= addedAttributes;
+}
+
+HANDLE WINAPI FindFirst(const wchar_t* pattern, WIN32_FIND_DATAW* found)
+{
+    const HANDLE search =
+        FindFirstFileExW(pattern, FindExInfoStandard, found, FindExSearchNameMatch, nullptr, 0);
+    AddAttributes(*found);
+    return search;
+}
+
+BOOL WINAPI FindNext(HANDLE search, WIN32_FIND_DATAW* found)
+{
+    static const auto find = reinterpret_cast<decltype(&FindNextFileW)>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "FindNextFileW")));
+    const BOOL result = find(search, found);
+    AddAttributes(*found);
+    return result;
+}
+
+HRESULT WINAPI Open(const wchar_t* path, DWORD, DWORD, BOOL, IStream*, IStream**)
+{
+    opened.emplace_back(PathFindFileNameW(path));
+    return E_FAIL;
+}
+
+/// The names of the files in the folder that count, when all of them have these attributes.
+std::vector<std::wstring> CountingFiles(const std::filesystem::path& folder, DWORD attributes)
+{
+    const HMODULE program = GetModuleHandleW(nullptr);
+    const ImportHook first(program, "FindFirstFileW", FindFirst);
+    const ImportHook next(program, "FindNextFileW", FindNext);
+    const ImportHook open(program, "SHCreateStreamOnFileEx", Open);
+    addedAttributes = attributes;
+    opened.clear();
+    Lumora::Console console;
+    std::vector<std::wstring> names;
+    for (const Lumora::SourceFile& file :
+         FindFiles({folder.wstring()}, Lumora::FolderRule::ReadableToo, console).files)
+        names.emplace_back(PathFindFileNameW(file.path.c_str()));
+    return names;
+}
+
+TEST(FileList, FetchesNoFileFromTheCloudToLookAtIt)
+{
+    const TemporaryFolder folder;
+    folder.Write("known.mrc", std::vector<uint8_t>(1));
+    folder.Write("unknown.dat", std::vector<uint8_t>(1));
+    EXPECT_THAT(CountingFiles(folder.Path(), FILE_ATTRIBUTE_ARCHIVE), ElementsAre(L"known.mrc"));
+    EXPECT_THAT(opened, ElementsAre(L"unknown.dat"));
+
+    constexpr DWORD recallOnOpen = 0x00040000;
+    constexpr DWORD recallOnDataAccess = 0x00400000;
+    for (const DWORD attribute : {DWORD{FILE_ATTRIBUTE_OFFLINE}, recallOnOpen, recallOnDataAccess})
+    {
+        EXPECT_THAT(CountingFiles(folder.Path(), attribute), ElementsAre(L"known.mrc")) << attribute;
+        EXPECT_THAT(opened, IsEmpty()) << attribute;
+    }
+}
+
+} // namespace
