@@ -42,6 +42,7 @@ TEST_F(ToolDoctor, SaysThatAllIsWell)
                               "ok       Lumora.dll: " +
                               Shown(LumoraModule::File()) +
                               "\n"
+                              "ok       signature: there is none, and nothing known here asks for one\n"
                               "ok       decoder: starts\n"
                               "ok       property handler: starts\n"
                               "ok       WIC: knows the decoder\n"
@@ -82,6 +83,9 @@ TEST_F(ToolDoctor, WritesOneObjectForPrograms)
             "  {\"what\": \"Lumora.dll\", \"state\": \"ok\", \"detail\": \"" +
             Escaped(LumoraModule::File()) +
             "\"},\n"
+            "  {\"what\": \"signature\", \"state\": \"ok\", \"detail\": \"there is none, and nothing known "
+            "here "
+            "asks for one\"},\n"
             "  {\"what\": \"decoder\", \"state\": \"ok\", \"detail\": \"starts\"},\n"
             "  {\"what\": \"property handler\", \"state\": \"ok\", \"detail\": \"starts\"},\n"
             "  {\"what\": \"WIC\", \"state\": \"ok\", \"detail\": \"knows the decoder\"},\n"
@@ -209,6 +213,38 @@ TEST_F(ToolDoctor, SaysThatExplorerShowsNoThumbnails)
     EXPECT_EQ(run.exitCode, 1U);
     EXPECT_THAT(run.output, EndsWith("\nExplorer shows icons only: in its folder options, turn off \"Always "
                                      "show icons, never thumbnails\".\n"));
+}
+
+TEST_F(ToolDoctor, SaysThatExplorerOnArm64CannotLoadTheDll)
+{
+    const RegistryBranch environment = {HKEY_LOCAL_MACHINE,
+                                        L"SYSTEM\\CurrentControlSet\\Control\\Session Manager\\Environment"};
+    const ForeignValue processor(RegistryKey(environment, {}), L"PROCESSOR_ARCHITECTURE",
+                                 RegistryValue::Text(L"ARM64"));
+    const ToolRun run = Run({});
+    EXPECT_EQ(run.exitCode, 1U);
+    EXPECT_THAT(run.output, StartsWith("problem  processor: ARM64: Explorer cannot load Lumora.dll, which is "
+                                       "for x64\n"));
+    EXPECT_THAT(run.output,
+                EndsWith("\nThis machine has an ARM64 processor, and its Explorer cannot load a "
+                         "DLL for x64: there are no thumbnails. Programs for x64 that ask WIC show "
+                         "the pictures.\n"));
+}
+
+TEST_F(ToolDoctor, SaysThatSmartAppControlMayBlockAnUnsignedDll)
+{
+    const RegistryBranch control = {HKEY_LOCAL_MACHINE, L"SYSTEM\\CurrentControlSet\\Control"};
+    for (const auto& [number, sentence] :
+         {std::pair(1U, "is on, which blocks"), std::pair(2U, "is trying out whether to block")})
+    {
+        const ForeignValue state(RegistryKey(control, L"CI\\Policy"), L"VerifiedAndReputablePolicyState",
+                                 RegistryValue::Number(number));
+        const ToolRun run = Run({});
+        EXPECT_EQ(run.exitCode, 0U);
+        EXPECT_THAT(run.output,
+                    HasSubstr(std::string("note     signature: there is none, and Smart App Control ") +
+                              sentence + " unsigned programs that it does not know\n"));
+    }
 }
 
 TEST_F(ToolDoctor, TellsOfFilesThatAreNotThere)

@@ -114,6 +114,7 @@ int RunDoctor(const CommandLine& line, Console& console)
     if (list.failures > 0)
         diagnosis.Problem(Cause::File, L"files", L"not all that were named are there",
                           L"Not all of the files that were named are there.");
+    CheckProcessor(diagnosis);
     const RegistrationFindings findings = CheckRegistrations(line.dllPath, diagnosis);
     ComPtr<IWICImagingFactory> factory;
     if (findings.isUsable)

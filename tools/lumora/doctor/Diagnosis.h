@@ -32,6 +32,7 @@ struct FileChecks
 /// not help, or the later one cannot be found.
 enum class Cause
 {
+    Processor,
     UnreadableRegistry,
     UnusableDll,
     NoRegistration,

@@ -114,6 +114,20 @@ void CheckThumbnailProvider(const wchar_t* extension, const RegistryEntry& entry
 
 } // namespace
 
+void CheckProcessor(Diagnosis& diagnosis)
+{
+    // The machine's own environment: to a program for x64, Windows on ARM64 pretends to be one for x64, too.
+    const RegistryKey environment(
+        {HKEY_LOCAL_MACHINE, L"SYSTEM\\CurrentControlSet\\Control\\Session Manager\\Environment"}, {});
+    std::optional<RegistryValue> processor;
+    if (environment.Read(L"PROCESSOR_ARCHITECTURE", processor) == ERROR_SUCCESS && processor &&
+        AreSameName(processor->AsText(), L"ARM64"))
+        diagnosis.Problem(Cause::Processor, L"processor",
+                          L"ARM64: Explorer cannot load Lumora.dll, which is for x64",
+                          L"This machine has an ARM64 processor, and its Explorer cannot load a DLL for x64: "
+                          L"there are no thumbnails. Programs for x64 that ask WIC show the pictures.");
+}
+
 void CheckExplorerSettings(Diagnosis& diagnosis)
 {
     bool isOff = false;

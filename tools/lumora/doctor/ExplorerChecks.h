@@ -7,6 +7,9 @@
 
 namespace Lumora {
 
+/// Checks whether Explorer can load a DLL for x64 processors at all.
+void CheckProcessor(Diagnosis& diagnosis);
+
 /// Checks whether Explorer shows thumbnails at all.
 void CheckExplorerSettings(Diagnosis& diagnosis);
 

@@ -2,6 +2,7 @@
 
 #include "lumora/console/Failure.h"
 #include "lumora/doctor/DllFile.h"
+#include "lumora/doctor/Signature.h"
 #include "lumora/files/Paths.h"
 #include "registration/ClassIds.h"
 #include "registration/Registration.h"
@@ -46,6 +47,21 @@ std::vector<std::wstring> RegisteredDlls(Scope scope)
             paths.push_back(*path);
     }
     return paths;
+}
+
+/// What may keep Windows from loading a DLL that nobody has signed; null if nothing does. Windows keeps the
+/// state of Smart App Control as a number.
+const wchar_t* WhatBlocksUnsignedDlls()
+{
+    const RegistryKey policy({HKEY_LOCAL_MACHINE, L"SYSTEM\\CurrentControlSet\\Control\\CI\\Policy"}, {});
+    std::optional<RegistryValue> state;
+    if (policy.Read(L"VerifiedAndReputablePolicyState", state) != ERROR_SUCCESS || !state)
+        return nullptr;
+    if (*state == RegistryValue::Number(1))
+        return L"Smart App Control is on, which blocks unsigned programs that it does not know";
+    if (*state == RegistryValue::Number(2))
+        return L"Smart App Control is trying out whether to block unsigned programs that it does not know";
+    return nullptr;
 }
 
 const wchar_t* Subject(Scope scope) noexcept
@@ -122,7 +138,10 @@ private:
                                   (wantedDefect ? L"copy Lumora.dll there again." : RunRegister(L" again")));
         }
         else if (isWanted)
+        {
             diagnosis.Ok(L"Lumora.dll", path);
+            CheckSignature(path);
+        }
         else if (!wantedDefect)
             diagnosis.Problem(Cause::OtherDll, L"Lumora.dll", path + L" is registered and not " + wanted,
                               L"The registration names " + path + L" and not " + wanted + L": " +
@@ -132,6 +151,19 @@ private:
                               wanted + L' ' + *wantedDefect + L"; registered is " + path + L'.');
         else
             diagnosis.Note(L"Lumora.dll", path + L" is registered; " + wanted + L' ' + *wantedDefect);
+    }
+
+    void CheckSignature(const std::wstring& path)
+    {
+        const Signature signature = SignatureOf(path);
+        if (!signature.signer.empty() && signature.doubt.empty())
+            diagnosis.Ok(L"signature", L"of " + signature.signer);
+        else if (!signature.signer.empty())
+            diagnosis.Note(L"signature", L"of " + signature.signer + L", but " + signature.doubt);
+        else if (const wchar_t* const blocker = WhatBlocksUnsignedDlls())
+            diagnosis.Note(L"signature", std::wstring(L"there is none, and ") + blocker);
+        else
+            diagnosis.Ok(L"signature", L"there is none, and nothing known here asks for one");
     }
 
     /// Compares the values in the scope that counts with the table for the DLL that is registered there.
