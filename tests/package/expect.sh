@@ -1,0 +1,19 @@
+# shellcheck shell=bash
+# Shared by the tests of this folder. $output, which they set, names a file for the output of the commands.
+# shellcheck disable=SC2154,SC2034  # set and used by the tests
+failures=0
+
+# expect SENTENCE COMMAND...: counts what is not so.
+expect() {
+  if "${@:2}" >"$output" 2>&1; then
+    echo "ok    $1"
+  else
+    echo "FAIL  $1"
+    tail -n 15 "$output"
+    failures=$((failures + 1))
+  fi
+}
+
+not() {
+  ! "$@"
+}
