@@ -1,9 +1,10 @@
 #include "lumora/console/Failure.h"
 
+#include "platform/SystemText.h"
+
 #include <algorithm>
 #include <array>
 #include <cwchar>
-#include <cwctype>
 #include <exception>
 #include <iterator>
 #include <string_view>
@@ -84,18 +85,6 @@ std::wstring HexText(HRESULT result)
     return text.data();
 }
 
-/// What Windows says about the result; empty when it says nothing.
-std::wstring SystemText(HRESULT result)
-{
-    std::array<wchar_t, 512> text = {};
-    size_t length =
-        FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
-                       static_cast<DWORD>(result), 0, text.data(), static_cast<DWORD>(text.size()), nullptr);
-    while (length > 0 && (std::iswspace(text[length - 1]) || text[length - 1] == L'.'))
-        --length;
-    return {text.data(), length};
-}
-
 } // namespace
 
 std::wstring DescribeResult(HRESULT result)
@@ -105,7 +94,7 @@ std::wstring DescribeResult(HRESULT result)
                      [result](const NamedResult& candidate) { return candidate.result == result; });
     if (named != std::end(namedResults))
         return std::wstring(named->words) + L" (" + named->name + L")";
-    const std::wstring words = SystemText(result);
+    const std::wstring words = SystemText(static_cast<DWORD>(result));
     return words.empty() ? HexText(result) : words + L" (" + HexText(result) + L")";
 }
 
