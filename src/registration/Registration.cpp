@@ -8,12 +8,6 @@ namespace Lumora {
 
 namespace {
 
-/// Makes the shell read thumbnails, properties and kinds again.
-void TellTheShell() noexcept
-{
-    SHChangeNotify(SHCNE_ASSOCCHANGED, SHCNF_IDLIST, nullptr, nullptr);
-}
-
 /// Keeps the first failure. Returns true if the result is no failure.
 bool Note(std::optional<RegistrationFailure>& failure, const RegistryKey& key, LSTATUS result)
 {
@@ -133,6 +127,11 @@ RegistrationState CheckRegistration(Scope scope, const std::wstring& dllPath)
             AddName(entry.isOwn || IsOurs(entry, *present) ? state.outdated : state.leftToOthers, entry);
     }
     return state;
+}
+
+void TellTheShell() noexcept
+{
+    SHChangeNotify(SHCNE_ASSOCCHANGED, SHCNF_IDLIST, nullptr, nullptr);
 }
 
 } // namespace Lumora

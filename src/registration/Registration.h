@@ -56,4 +56,7 @@ struct RegistrationState
 /// Compares without changing anything. What the present choices exclude does not count as missing.
 [[nodiscard]] RegistrationState CheckRegistration(Scope scope, const std::wstring& dllPath);
 
+/// Makes the shell of the user who runs this read thumbnails, properties and kinds again.
+void TellTheShell() noexcept;
+
 } // namespace Lumora
