@@ -36,10 +36,10 @@ inline Tav::Imaging::RawImage::PixelType PixelTypeNamed(const std::string& name)
     return PixelType::Unknown;
 }
 
-/// Every file of the folder, whose name ends with a slash.
-inline std::vector<WrittenFile> ReadManifest(const std::string& folder)
+/// Every file of the folder.
+inline std::vector<WrittenFile> ReadManifest(const std::filesystem::path& folder)
 {
-    std::ifstream manifest{folder + "manifest"};
+    std::ifstream manifest{folder / "manifest"};
     std::vector<WrittenFile> files;
     for (std::string line; std::getline(manifest, line);)
     {
@@ -72,10 +72,10 @@ inline StoredFrame WrittenFrame(const WrittenFile& file, const Tav::Imaging::Raw
 }
 
 /// The frame's samples as the writer had them, in the file NAME.raw, with what the display depends on.
-inline StoredFrame WrittenFrame(const std::string& folder, const WrittenFile& file,
+inline StoredFrame WrittenFrame(const std::filesystem::path& folder, const WrittenFile& file,
                                 const Tav::Imaging::RawImage::RawImageBase& reader, uint32_t frameIndex)
 {
-    const Bytes samples = FileBytes(folder + file.name + ".raw");
+    const Bytes samples = FileBytes(folder / (file.name + ".raw"));
     EXPECT_EQ(samples.size() % file.facts.frameCount, 0U);
     const size_t frameBytes = samples.size() / file.facts.frameCount;
     const auto first = samples.begin() + static_cast<ptrdiff_t>(frameIndex * frameBytes);

@@ -1,5 +1,6 @@
 #include "limits/Limits.h"
 #include "support/FileBytes.h"
+#include "support/TestFolders.h"
 
 #include <gtest/gtest.h>
 
@@ -26,7 +27,7 @@ std::vector<path> FilesIn(const path& folder)
     return files;
 }
 
-const path sourceTree = LUMORA_SOURCE_TREE;
+const path sourceTree = TestFolder("source");
 
 class FolderLimits : public testing::TestWithParam<path>
 {};
@@ -41,8 +42,8 @@ TEST_P(FolderLimits, HoldForEveryFile)
 
 INSTANTIATE_TEST_SUITE_P(Limits, FolderLimits,
                          testing::Values(sourceTree / "fuzz/corpus", sourceTree / "fuzz/regressions",
-                                         sourceTree / "samples", LUMORA_MRC_FILES, LUMORA_NPY_FILES,
-                                         LUMORA_HDF_FILES));
+                                         sourceTree / "samples", TestFolder("mrc"), TestFolder("npy"),
+                                         TestFolder("hdf")));
 
 /// The lengths to which a file is cut: all up to a header's length, many behind it, and all near the end.
 /// Starting the sandbox of the HDF5 library takes most of the time for a file, so there are fewer.

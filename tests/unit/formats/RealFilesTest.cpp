@@ -1,5 +1,6 @@
 #include "support/FileBytes.h"
 #include "support/FileFacts.h"
+#include "support/TestFolders.h"
 #include "support/streams/FileRead.h"
 
 #include <gmock/gmock.h>
@@ -22,13 +23,13 @@ class RealFiles : public testing::Test
 protected:
     void SetUp() override
     {
-        if (!std::filesystem::is_directory(LUMORA_REAL_FILES))
-            GTEST_SKIP() << "LUMORA_REAL_FILES names no folder: \"" LUMORA_REAL_FILES "\"";
+        if (!std::filesystem::is_directory(TestFolder("real")))
+            GTEST_SKIP() << "there is no folder of real files: " << TestFolder("real");
     }
 
     static Bytes Load(const std::string& name)
     {
-        Bytes bytes = FileBytes(LUMORA_REAL_FILES "/" + name);
+        Bytes bytes = FileBytes(TestFolder("real") / name);
         EXPECT_THAT(bytes, testing::Not(IsEmpty())) << name;
         return bytes;
     }

@@ -1,5 +1,7 @@
 #include "windows/clients/LumoraModule.h"
 
+#include "support/ProgramFolder.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
@@ -26,9 +28,7 @@ LumoraModule& LumoraModule::Shared()
 
 std::filesystem::path LumoraModule::File()
 {
-    std::array<wchar_t, 1024> program{};
-    GetModuleFileNameW(nullptr, program.data(), static_cast<DWORD>(program.size()));
-    return std::filesystem::path(program.data()).replace_filename(L"Lumora.dll");
+    return ProgramFolder() / L"Lumora.dll";
 }
 
 LumoraModule::LumoraModule(const std::filesystem::path& file) : handle(LoadLibraryW(file.c_str()))

@@ -1,3 +1,4 @@
+#include "support/TestFolders.h"
 #include "windows/clients/LumoraModule.h"
 #include "windows/clients/TemporaryFolder.h"
 #include "windows/gauntlet/RunProgram.h"
@@ -12,7 +13,7 @@ using testing::MatchesRegex;
 
 namespace {
 
-const std::filesystem::path sourceTree = LUMORA_SOURCE_TREE;
+const std::filesystem::path sourceTree = TestFolder("source");
 
 struct GauntletRun
 {
@@ -43,9 +44,10 @@ TEST(Gauntlet, IsPassedByEverySampleAndSeedThatIsAFile)
 
 TEST(Gauntlet, IsPassedByRealFiles)
 {
-    if (!std::filesystem::is_directory(LUMORA_REAL_FILES))
-        GTEST_SKIP() << "LUMORA_REAL_FILES names no folder: \"" LUMORA_REAL_FILES "\"";
-    const GauntletRun run({std::filesystem::path(LUMORA_REAL_FILES).wstring(), L"--seconds", L"60"});
+    const std::filesystem::path realFiles = TestFolder("real");
+    if (!std::filesystem::is_directory(realFiles))
+        GTEST_SKIP() << "there is no folder of real files: " << realFiles;
+    const GauntletRun run({realFiles.wstring(), L"--seconds", L"60"});
     EXPECT_EQ(run.exitCode, 0U) << testing::PrintToString(run.lines);
 }
 

@@ -1,3 +1,4 @@
+#include "support/ProgramFolder.h"
 #include "support/files/Hdf5File.h"
 #include "support/streams/FileRead.h"
 
@@ -22,21 +23,14 @@ Bytes ImageFile()
     return Hdf5File().AnyDataSet("/image", H5T_STD_U16LE, {40, 50}).Build();
 }
 
-std::filesystem::path HolderProgram()
-{
-    std::wstring path(MAX_PATH, L'\0');
-    path.resize(GetModuleFileNameW(nullptr, path.data(), MAX_PATH));
-    return std::filesystem::path{path}.replace_filename(L"mutex_holder.exe");
-}
-
 /// A process that has taken the library's mutex and holds it until it is let go.
 class HolderProcess
 {
 public:
     explicit HolderProcess(const std::wstring& option = {})
     {
-        std::wstring commandLine =
-            L'"' + HolderProgram().wstring() + L"\" LumoraTest_Held LumoraTest_LetGo " + option;
+        std::wstring commandLine = L'"' + (ProgramFolder() / L"mutex_holder.exe").wstring() +
+                                   L"\" LumoraTest_Held LumoraTest_LetGo " + option;
         STARTUPINFOW startup = {};
         startup.cb = sizeof(startup);
         EXPECT_TRUE(CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,

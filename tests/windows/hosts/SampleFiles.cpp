@@ -1,6 +1,7 @@
 #include "windows/hosts/SampleFiles.h"
 
 #include "support/FileBytes.h"
+#include "support/TestFolders.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +9,7 @@
 
 std::vector<SampleFile> SampleFiles()
 {
-    const std::filesystem::path folder = std::filesystem::path(LUMORA_SOURCE_TREE) / "samples";
+    const std::filesystem::path folder = TestFolder("source") / "samples";
     std::vector<SampleFile> files;
     for (const auto& entry : std::filesystem::directory_iterator(folder))
         files.push_back({entry.path().filename().string(), FileBytes(entry.path())});

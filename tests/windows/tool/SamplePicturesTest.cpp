@@ -1,4 +1,5 @@
 #include "support/FileBytes.h"
+#include "support/TestFolders.h"
 #include "windows/clients/TemporaryFolder.h"
 #include "windows/support/PngPicture.h"
 #include "windows/tool/ToolRun.h"
@@ -16,7 +17,7 @@ namespace {
 
 using Names = std::set<std::string>;
 
-const std::filesystem::path sourceTree = LUMORA_SOURCE_TREE;
+const std::filesystem::path sourceTree = TestFolder("source");
 const std::filesystem::path samples = sourceTree / "samples";
 const std::filesystem::path pictures = sourceTree / "docs" / "pictures";
 

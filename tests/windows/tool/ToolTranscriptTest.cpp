@@ -1,4 +1,5 @@
 #include "support/FileBytes.h"
+#include "support/TestFolders.h"
 #include "support/files/MrcFile.h"
 #include "support/gray/GrayStack.h"
 #include "windows/clients/TemporaryFolder.h"
@@ -20,7 +21,7 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-const std::filesystem::path transcripts = std::filesystem::path(LUMORA_SOURCE_TREE) / "tests" / "transcripts";
+const std::filesystem::path transcripts = TestFolder("source") / "tests" / "transcripts";
 
 /// Three sections of 4 x 2 pixels, and who wrote them.
 Bytes AcquiredStack(std::string_view application)

@@ -1,6 +1,7 @@
 #include "support/ComApartment.h"
 #include "support/FileBytes.h"
 #include "support/FileFacts.h"
+#include "support/TestFolders.h"
 #include "support/WriterManifest.h"
 #include "support/display/ReferenceDisplay.h"
 #include "support/streams/FileRead.h"
@@ -16,7 +17,7 @@ using testing::ElementsAre;
 
 namespace {
 
-const std::string folder = LUMORA_HDF_FILES "/";
+const std::filesystem::path folder = TestFolder("hdf");
 const std::string thumbnailMessage = "Using embedded jpeg thumbnail";
 
 std::string Line(const std::string& message)
@@ -93,7 +94,7 @@ void ExpectPicture(HdfFrame frame, const Bytes& bytes)
     ASSERT_TRUE(open.succeeded);
     const RawImageBase& reader = *open.image.Reader();
     EXPECT_THAT(reader, HasFacts(frame.facts));
-    const Bytes samples = FileBytes(folder + frame.file.name + ".raw");
+    const Bytes samples = FileBytes(folder / (frame.file.name + ".raw"));
     const DisplayedFrame expected =
         ReferenceDisplay(WrittenFrame(frame.file, reader, {samples.begin() + frame.offset, samples.end()}));
     EXPECT_TRUE(expected.shown);
@@ -113,7 +114,7 @@ TEST(HdfWriterFiles, OpenWithTheFactsAndPicturesThatTheirWriterKnows)
             continue;
         const HdfFrame frame{file};
         SCOPED_TRACE(file.name + ", frame " + std::to_string(frame.index));
-        const Bytes bytes = FileBytes(folder + file.name);
+        const Bytes bytes = FileBytes(folder / file.name);
         const FileOpen header{bytes, 0, frame.index};
         EXPECT_EQ(header.lines, frame.lines);
         ASSERT_TRUE(header.succeeded);
@@ -152,7 +153,7 @@ TEST(HdfWriterFiles, AreRefusedForTheReasonsThatTheirWriterKnows)
         lines.push_back(Line(message));
         for (const uint32_t mode : {0U, 1U})
         {
-            const FileOpen open{FileBytes(folder + file.name), mode};
+            const FileOpen open{FileBytes(folder / file.name), mode};
             EXPECT_FALSE(open.succeeded) << file.name;
             EXPECT_EQ(open.lines, lines) << file.name;
         }

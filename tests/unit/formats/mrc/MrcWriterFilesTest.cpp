@@ -1,5 +1,6 @@
 #include "support/FileBytes.h"
 #include "support/FileFacts.h"
+#include "support/TestFolders.h"
 #include "support/WriterManifest.h"
 #include "support/display/ReferenceDisplay.h"
 #include "support/streams/FileRead.h"
@@ -17,7 +18,7 @@ using testing::IsEmpty;
 
 namespace {
 
-const std::string folder = LUMORA_MRC_FILES "/";
+const std::filesystem::path folder = TestFolder("mrc");
 
 /// All facts of a file, of which the manifest has the rest in this format's own words.
 FileFacts FactsOfMrc(WrittenFile& file)
@@ -45,7 +46,7 @@ TEST(MrcWriterFiles, OpenWithTheFactsAndPicturesThatTheirWriterKnows)
             continue;
         SCOPED_TRACE(file.name);
         const FileFacts facts = FactsOfMrc(file);
-        const Bytes bytes = FileBytes(folder + file.name);
+        const Bytes bytes = FileBytes(folder / file.name);
         const FileOpen header{bytes, 0};
         ASSERT_TRUE(header.succeeded);
         EXPECT_THAT(header.lines, IsEmpty());
@@ -77,7 +78,7 @@ TEST(MrcWriterFiles, OfComplexSamplesAreRefused)
     {
         if (file.opens)
             continue;
-        const FileOpen open{FileBytes(folder + file.name)};
+        const FileOpen open{FileBytes(folder / file.name)};
         EXPECT_FALSE(open.succeeded) << file.name;
         EXPECT_THAT(open.lines, ElementsAre("[Lumora] Could not identify the file format")) << file.name;
         ++refused;

@@ -1,5 +1,6 @@
 #include "support/FileBytes.h"
 #include "support/FileFacts.h"
+#include "support/TestFolders.h"
 #include "support/WriterManifest.h"
 #include "support/display/ReferenceDisplay.h"
 #include "support/streams/FileRead.h"
@@ -16,7 +17,7 @@ using testing::IsEmpty;
 
 namespace {
 
-const std::string folder = LUMORA_NPY_FILES "/";
+const std::filesystem::path folder = TestFolder("npy");
 
 TEST(NpyWriterFiles, OpenWithTheFactsAndPicturesThatTheirWriterKnows)
 {
@@ -26,7 +27,7 @@ TEST(NpyWriterFiles, OpenWithTheFactsAndPicturesThatTheirWriterKnows)
         if (!file.opens)
             continue;
         SCOPED_TRACE(file.name);
-        const Bytes bytes = FileBytes(folder + file.name);
+        const Bytes bytes = FileBytes(folder / file.name);
         FileFacts facts = file.facts;
         facts.fileType = FileType::Npy;
         const FileOpen header{bytes, 0};
@@ -66,7 +67,7 @@ TEST(NpyWriterFiles, AreRefusedForTheReasonsThatTheirWriterKnows)
         EXPECT_TRUE(file.rest >> std::quoted(message)) << file.name;
         for (const uint32_t mode : {0U, 1U})
         {
-            const FileOpen open{FileBytes(folder + file.name), mode};
+            const FileOpen open{FileBytes(folder / file.name), mode};
             EXPECT_FALSE(open.succeeded) << file.name;
             EXPECT_EQ(open.lines, message.empty() ? Lines{} : Lines{"[Lumora] NPY: " + message}) << file.name;
         }
