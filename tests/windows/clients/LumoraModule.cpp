@@ -60,7 +60,9 @@ FreshLumoraModule::CopiedFile::CopiedFile()
     if (!GetTempFileNameW(std::filesystem::temp_directory_path().c_str(), L"lum", 0, name.data()))
         throw std::runtime_error("No name for a copy of Lumora.dll");
     path = name.data();
-    std::filesystem::copy_file(LumoraModule::File(), path, std::filesystem::copy_options::overwrite_existing);
+    // The standard library of mingw takes any two files of one drive for the same file, and does not copy it.
+    if (!CopyFileW(LumoraModule::File().c_str(), path.c_str(), FALSE))
+        throw std::runtime_error("Cannot copy Lumora.dll");
 }
 
 FreshLumoraModule::CopiedFile::~CopiedFile()
