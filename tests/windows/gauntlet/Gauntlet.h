@@ -29,9 +29,6 @@ struct Course
 /// Called with the number of files that are done and what is known of the last of them.
 using OnProgress = std::function<void(size_t done, const std::string& outcome)>;
 
-/// All files below the folders, and those named themselves, sorted.
-[[nodiscard]] std::vector<std::filesystem::path> FilesBelow(const std::vector<std::wstring>& folders);
-
 /// Has child processes take the files through WIC and the property handler. One that ends early names its
 /// file by the number of lines that it has printed; the next child begins behind this file.
 [[nodiscard]] std::vector<Finding> RunWorkers(const Course& course, const OnProgress& onProgress);

@@ -1,6 +1,7 @@
 // Takes every file below a folder through Lumora, in child processes, and reports crashes, hangs, leaks and
 // slow files. It runs on Windows, and under Wine with ./dev gauntlet.
 
+#include "windows/gauntlet/FilesBelow.h"
 #include "windows/gauntlet/Gauntlet.h"
 
 #include <io.h>

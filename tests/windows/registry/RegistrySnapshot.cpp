@@ -57,12 +57,25 @@ private:
 
 } // namespace
 
-RegistrySnapshot TakeRegistrySnapshot()
+RegistrySnapshot TakeRegistrySnapshot(std::span<const RegistryTree> trees)
 {
     Walker walker;
-    walker.AddKey(HKEY_LOCAL_MACHINE, L"SOFTWARE", L"HKEY_LOCAL_MACHINE\\SOFTWARE");
-    walker.AddKey(HKEY_CURRENT_USER, L"SOFTWARE", L"HKEY_CURRENT_USER\\SOFTWARE");
+    for (const RegistryTree& tree : trees)
+    {
+        const std::wstring root =
+            tree.root == HKEY_LOCAL_MACHINE ? L"HKEY_LOCAL_MACHINE\\" : L"HKEY_CURRENT_USER\\";
+        walker.AddKey(tree.root, tree.key, root + tree.key);
+    }
     return std::move(walker.snapshot);
+}
+
+RegistrySnapshot TakeRegistrySnapshot()
+{
+    const std::array<RegistryTree, 2> software = {{
+        {HKEY_LOCAL_MACHINE, L"SOFTWARE"},
+        {HKEY_CURRENT_USER, L"SOFTWARE"},
+    }};
+    return TakeRegistrySnapshot(software);
 }
 
 std::vector<std::wstring> Differences(const RegistrySnapshot& before, const RegistrySnapshot& after)
