@@ -40,9 +40,9 @@ void CheckChoiceAndUpgrade(Report& report, const InstallationFiles& files, Insta
 {
     const std::filesystem::path package = files.packages / "Lumora.msi";
     const std::filesystem::path newer = files.packages / "Lumora-newer.msi";
-    steps.Install("installation without .h5 and .map", package, {0}, {L"WITHOUT=.h5,.map"});
+    steps.Install("installation without .dm4 and .map", package, {0}, {L"WITHOUT=.dm4,.map"});
     steps.Expect("the shell asks Lumora about .mrc files", HandlesPropertiesOf(L".mrc"));
-    steps.Expect("the shell does not ask Lumora about .h5 files", !HandlesPropertiesOf(L".h5"));
+    steps.Expect("the shell does not ask Lumora about .dm4 files", !HandlesPropertiesOf(L".dm4"));
     if (!std::filesystem::exists(newer))
     {
         report.Add(Verdict::NotChecked, "upgrade and downgrade", {"there is no Lumora-newer.msi"});
@@ -51,7 +51,7 @@ void CheckChoiceAndUpgrade(Report& report, const InstallationFiles& files, Insta
     }
     steps.Install("a newer version takes its place", newer, {0, ERROR_SUCCESS_REBOOT_REQUIRED});
     steps.Expect("there is one Lumora in the list of programs", ListedProducts() == 1);
-    steps.Expect("the newer version leaves out the same extension", !HandlesPropertiesOf(L".h5"));
+    steps.Expect("the newer version leaves out the same extension", !HandlesPropertiesOf(L".dm4"));
     steps.Refuse("the older version is refused", package);
     steps.Succeed("the registration is still complete", {InstalledTool(), L"register", L"--check"});
     steps.Remove("removal", newer);

@@ -1,6 +1,7 @@
 #include "metadata/PropertyKeys.h"
 #include "platform/ComPtr.h"
 #include "registration/ClassIds.h"
+#include "registration/Formats.h"
 #include "windows/gauntlet/FilesBelow.h"
 #include "windows/walk/shell/ShellSteps.h"
 
@@ -99,8 +100,9 @@ void CheckProperties(Report& report, const Host& host, const std::filesystem::pa
 {
     for (const std::filesystem::path& sample : FilesBelow({samples.wstring()}))
     {
-        // The shell does not ask Lumora for these.
-        if (sample.extension() != ".raw" && sample.extension() != ".bin")
+        // For other files, the shell does not ask Lumora.
+        const Lumora::Extension* const extension = Lumora::RegisteredExtension(sample.extension().wstring());
+        if (extension && extension->use != Lumora::Use::AnyData)
             CheckPropertiesOf(report, host, sample);
     }
 }
