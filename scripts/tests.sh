@@ -1,0 +1,74 @@
+# shellcheck shell=bash
+# Part of ./dev: all tests.
+
+test_natively() {
+  local status=0
+  compile native
+  show_tests ctest-native "Running the native tests" ctest --preset native -j "$jobs" || status=1
+  compile fuzz
+  show_tests fuzz "Fuzzing each target for a moment" fuzz/run.py build/fuzz/bin --test || status=1
+  (lint_portable '^(src|fuzz)/') || status=1
+  return $status
+}
+
+# Each of these makes a Wine prefix of its own.
+test_package() {
+  local status=0
+  package build/package
+  package_tests
+  show_tests package-test "Installing, upgrading and removing the setup package" tests/package/run \
+    build/package/Lumora.msi build/package-newer/Lumora.msi "$root/build/package-test" || status=1
+  show_tests signing "Signing the setup package" tests/package/signing "$root/build/package-signed" "$hdf5/windows" || status=1
+  show_tests travel "Running the tests where there is no source tree" tests/travel/run \
+    build/package/Lumora-tests.zip "$hdf5" "$root/build/travel" || status=1
+  show_tests reproducible "Building the same bytes in another folder" tests/reproducible/run \
+    "$root/build/reproducible" "$hdf5/windows" 6 || status=1
+  return $status
+}
+
+test_windows() {
+  local status=0 lint packaged
+  compile windows
+  compile windows-tests
+  (tidy windows $(sources | grep -E "$for_windows")) &
+  lint=$!
+  test_package &
+  packaged=$!
+  prefix
+  show_tests ctest-windows "Running the Windows tests" ctest --preset windows-tests -j "$jobs" || status=1
+  wait $packaged || status=1
+  wait $lint || status=1
+  return $status
+}
+
+# Prints the folder of the files that instruments have written, or nothing if there is none.
+real_files() {
+  local folder=${LUMORA_REAL_FILES:-$root/../shared/real}
+  [ ! -d "$folder" ] || printf '%s' "$folder"
+}
+
+run_tests() {
+  local real status=0 started=$SECONDS
+  real=$(real_files)
+  be_strict
+  setup
+  build_hdf5 windows native plain-windows
+  configure native -D LUMORA_REAL_FILES="$real"
+  # With the library of the native build: that of ./dev fuzz would take another minute.
+  step configure-fuzz "Configuring the fuzz build" \
+    cmake --preset fuzz -D LUMORA_HDF5="$hdf5/native" "${strict[@]}"
+  configure windows
+  configure_windows_tests -D LUMORA_REAL_FILES="$real"
+  lint_format
+  # Programs under Wine wait much, compilers do not: side by side they keep the processors busy.
+  test_natively &
+  local natively=$!
+  test_windows &
+  local windows=$!
+  wait $natively || status=1
+  wait $windows || status=1
+  printf '\nTime taken, partly side by side:\n'
+  cat "$times"
+  printf '%5d s  in all\n' $((SECONDS - started))
+  [ $status = 0 ] || fail "some tests failed"
+}
