@@ -69,24 +69,22 @@ void Remove(const RegistryEntry& entry, RegistrationResult& result)
         Note(result.failure, entry.key, entry.key.DeleteWhileEmpty());
 }
 
-/// Removes what other choices have written. What another program has set there does not concern us.
-void RemoveUnchosen(Scope scope, const Choices& choices, RegistrationResult& result)
-{
-    RegistrationResult removal;
-    for (const RegistryEntry& entry : UnchosenEntries(scope, choices))
-        Remove(entry, removal);
-    if (!result.failure)
-        result.failure = removal.failure;
-}
-
 } // namespace
 
 RegistrationResult Register(Scope scope, const std::wstring& dllPath, const std::optional<Choices>& given)
 {
     RegistrationResult result;
     const Choices choices = given ? *given : PresentChoices(scope);
-    RemoveUnchosen(scope, choices, result);
-    DeleteOwnTrees(scope, result.failure);
+    if (IsRegistered(scope))
+    {
+        // What another program has set there does not concern us.
+        RegistrationResult removal;
+        for (const RegistryEntry& entry : EntriesToRemove(scope, WrittenChoices(scope), choices))
+            Remove(entry, removal);
+        result.failure = removal.failure;
+    }
+    if (!result.failure)
+        DeleteOwnTrees(scope, result.failure);
     for (const RegistryEntry& entry : RegistryEntries(scope, dllPath, choices))
     {
         if (result.failure)
@@ -100,8 +98,7 @@ RegistrationResult Register(Scope scope, const std::wstring& dllPath, const std:
 RegistrationResult Unregister(Scope scope)
 {
     RegistrationResult result;
-    RemoveUnchosen(scope, {}, result);
-    for (const RegistryEntry& entry : RegistryEntries(scope, {}))
+    for (const RegistryEntry& entry : RegistryEntries(scope, {}, WrittenChoices(scope)))
     {
         if (!entry.isOwn)
             Remove(entry, result);

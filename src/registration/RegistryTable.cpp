@@ -213,9 +213,10 @@ void AppendPatterns(std::vector<RegistryEntry>& entries, Scope scope)
     }
 }
 
-/// Appends, for each extension of the formats, the rows that are chosen or those that are not.
+/// Appends the rows that `counts` takes for an extension, for each extension of the formats.
+template <typename Predicate>
 void AppendExtensions(std::vector<RegistryEntry>& entries, Scope scope,
-                      const std::vector<Substitution>& placeholders, const Choices& choices, bool areChosen)
+                      const std::vector<Substitution>& placeholders, const Predicate& counts)
 {
     for (const Format& format : Formats())
     {
@@ -227,7 +228,7 @@ void AppendExtensions(std::vector<RegistryEntry>& entries, Scope scope,
             for (const Row& row : RegistryRows())
             {
                 if (IsRead(row.branch, scope) && Concerns(row.subject, extension) &&
-                    IsChosen(row.subject, extension, choices) == areChosen)
+                    counts(row.subject, extension))
                     entries.push_back(MakeEntry(row, scope, substitutions, extension.text));
             }
         }
@@ -240,18 +241,30 @@ std::vector<RegistryEntry> RegistryEntries(Scope scope, const std::wstring& dllP
 {
     const std::vector<Substitution> placeholders = Placeholders(dllPath, choices);
     std::vector<RegistryEntry> entries;
+    // The choices come first, so that they are not lost if a later entry cannot be written.
+    AppendChoices(entries, scope, choices);
     AppendPatterns(entries, scope);
     AppendClasses(entries, scope, placeholders);
-    AppendChoices(entries, scope, choices);
-    AppendExtensions(entries, scope, placeholders, choices, true);
+    AppendExtensions(entries, scope, placeholders, [&choices](For subject, const Extension& extension) {
+        return IsChosen(subject, extension, choices);
+    });
     return entries;
 }
 
-std::vector<RegistryEntry> UnchosenEntries(Scope scope, const Choices& choices)
+std::vector<RegistryEntry> EntriesToRemove(Scope scope, const Choices& written, const Choices& wanted)
 {
     std::vector<RegistryEntry> entries;
-    AppendExtensions(entries, scope, Placeholders({}, choices), choices, false);
+    AppendExtensions(entries, scope, Placeholders({}, wanted), [&](For subject, const Extension& extension) {
+        return IsChosen(subject, extension, written) && !IsChosen(subject, extension, wanted);
+    });
     return entries;
+}
+
+bool IsRegistered(Scope scope)
+{
+    const RegistryKey decoder = ClassesKey(scope, L"CLSID\\" + GuidText(CLSID_LumoraDecoder));
+    std::optional<RegistryValue> name;
+    return decoder.Read({}, name) == ERROR_SUCCESS && name;
 }
 
 Choices PresentChoices(Scope scope)
@@ -264,6 +277,22 @@ Choices PresentChoices(Scope scope)
         // A value that cannot be taken stands for no choice.
         if (key.Read(choice.storedName, stored) == ERROR_SUCCESS && stored)
             static_cast<void>(choice.take(choices, stored->AsText()));
+    }
+    return choices;
+}
+
+Choices WrittenChoices(Scope scope)
+{
+    Choices choices = PresentChoices(scope);
+    // Version 0.1.0 registered properties of all files. Nobody else writes such values.
+    choices.withProperties.clear();
+    for (const Format& format : Formats())
+    {
+        for (const Extension& extension : format.extensions)
+        {
+            if (extension.use == Use::AnyData)
+                choices.withProperties.emplace_back(extension.text);
+        }
     }
     return choices;
 }

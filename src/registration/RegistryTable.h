@@ -40,11 +40,18 @@ struct RegistryEntry
 [[nodiscard]] std::vector<RegistryEntry> RegistryEntries(Scope scope, const std::wstring& dllPath,
                                                          const Choices& choices = {});
 
-/// The entries of extensions that these choices leave out, and other choices do not.
-[[nodiscard]] std::vector<RegistryEntry> UnchosenEntries(Scope scope, const Choices& choices);
+/// The entries of extensions that the first choices have and the second ones have not.
+[[nodiscard]] std::vector<RegistryEntry> EntriesToRemove(Scope scope, const Choices& written,
+                                                         const Choices& wanted);
+
+/// Whether there is a registration, complete or not, of any Lumora.dll.
+[[nodiscard]] bool IsRegistered(Scope scope);
 
 /// The choices that the present registration has stored; the usual ones where there is none.
 [[nodiscard]] Choices PresentChoices(Scope scope);
+
+/// The choices of all that the present registration may have written. Earlier versions knew fewer choices.
+[[nodiscard]] Choices WrittenChoices(Scope scope);
 
 /// A key among the classes of the machine or of the user.
 [[nodiscard]] RegistryKey ClassesKey(Scope scope, std::wstring_view path);
