@@ -16,6 +16,8 @@ namespace {
 
 /// The attributes that every file has in addition to its own.
 DWORD addedAttributes = 0;
+/// The tag with which every folder is a reparse point; 0 if none is.
+DWORD folderTag = 0;
 /// The names of the files that have been opened.
 std::vector<std::wstring> opened;
 
@@ -23,6 +25,11 @@ void AddAttributes(WIN32_FIND_DATAW& found)
 {
     if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
         found.dwFileAttributes |= addedAttributes;
+    else if (folderTag != 0)
+    {
+        found.dwFileAttributes |= FILE_ATTRIBUTE_REPARSE_POINT;
+        found.dwReserved0 = folderTag;
+    }
 }
 
 HANDLE WINAPI FindFirst(const wchar_t* pattern, WIN32_FIND_DATAW* found)
@@ -80,6 +87,19 @@ TEST(FileList, FetchesNoFileFromTheCloudToLookAtIt)
         EXPECT_THAT(CountingFiles(folder.Path(), attribute), ElementsAre(L"known.mrc")) << attribute;
         EXPECT_THAT(opened, IsEmpty()) << attribute;
     }
+}
+
+TEST(FileList, FollowsFoldersOfTheCloudButNoLinks)
+{
+    const TemporaryFolder folder;
+    folder.Write("sub\\known.mrc", std::vector<uint8_t>(1));
+    constexpr DWORD cloud = 0x9000101A;
+    constexpr DWORD mountPoint = 0xA0000003;
+    folderTag = cloud;
+    EXPECT_THAT(CountingFiles(folder.Path(), 0), ElementsAre(L"known.mrc"));
+    folderTag = mountPoint;
+    EXPECT_THAT(CountingFiles(folder.Path(), 0), IsEmpty());
+    folderTag = 0;
 }
 
 } // namespace

@@ -29,6 +29,13 @@ struct FolderEntry
     bool isElsewhere;
 };
 
+/// Folders of the cloud are reparse points, too, but no links.
+bool IsLink(const WIN32_FIND_DATAW& found) noexcept
+{
+    return (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
+           IsReparseTagNameSurrogate(found.dwReserved0);
+}
+
 /// The entries of a folder that match the pattern, sorted by name.
 std::vector<FolderEntry> ListFolder(const std::wstring& folder, const std::wstring& pattern)
 {
@@ -47,8 +54,7 @@ std::vector<FolderEntry> ListFolder(const std::wstring& folder, const std::wstri
     {
         const std::wstring name = found.cFileName;
         if (name != L"." && name != L"..")
-            entries.push_back({name, (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0,
-                               (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0,
+            entries.push_back({name, (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0, IsLink(found),
                                IsElsewhere(found.dwFileAttributes)});
     } while (FindNextFileW(first, &found));
     std::sort(entries.begin(), entries.end(), [](const FolderEntry& left, const FolderEntry& right) {
