@@ -198,7 +198,7 @@ TEST_F(ToolDoctor, SaysWhatTheUsersRegistrationAloneIsWorth)
                            "ok       Lumora.dll: " +
                            Shown(LumoraModule::File()) +
                            "\n"
-                           "ok       signature: there is none, and nothing known here asks for one\n"
+                           "ok       signature: there is none\n"
                            "note     properties: Windows takes them from a registration for all users alone\n"
                            "problem  decoder: cannot be started: the class is not registered "
                            "(REGDB_E_CLASSNOTREG)\n"));

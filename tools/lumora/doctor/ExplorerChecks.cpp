@@ -92,8 +92,11 @@ std::wstring Restriction(const Extension& extension, Scope scope)
         const ExtensionNames chosen = PresentChoices(scope).withProperties;
         if (std::ranges::find(chosen, extension.text) != chosen.end())
             break;
-        return std::wstring(L" for thumbnails alone: \"lumora register --with ") + extension.text +
-               L"\" adds properties";
+        // A registration for the user has no properties.
+        return std::wstring(L" for thumbnails alone") +
+               (scope == Scope::User ? L""
+                                     : std::wstring(L": \"lumora register --with ") + extension.text +
+                                           L"\" as administrator adds properties");
     }
     return {};
 }

@@ -49,18 +49,18 @@ std::vector<std::wstring> RegisteredDlls(Scope scope)
     return paths;
 }
 
-/// What may keep Windows from loading a DLL that nobody has signed; null if nothing does. Windows keeps the
-/// state of Smart App Control as a number.
-const wchar_t* WhatBlocksUnsignedDlls()
+/// What may keep Windows from loading a DLL without a trusted signature; null if nothing does. Windows keeps
+/// the state of Smart App Control as a number.
+const wchar_t* WhatBlocksUntrustedDlls()
 {
     const RegistryKey policy({HKEY_LOCAL_MACHINE, L"SYSTEM\\CurrentControlSet\\Control\\CI\\Policy"}, {});
     std::optional<RegistryValue> state;
     if (policy.Read(L"VerifiedAndReputablePolicyState", state) != ERROR_SUCCESS || !state)
         return nullptr;
     if (*state == RegistryValue::Number(1))
-        return L"Smart App Control is on, which blocks unsigned programs that it does not know";
+        return L"Smart App Control is on, which may block it";
     if (*state == RegistryValue::Number(2))
-        return L"Smart App Control is trying out whether to block unsigned programs that it does not know";
+        return L"Smart App Control is trying out whether to block it";
     return nullptr;
 }
 
@@ -156,14 +156,14 @@ private:
     void CheckSignature(const std::wstring& path)
     {
         const Signature signature = SignatureOf(path);
-        if (!signature.signer.empty() && signature.doubt.empty())
-            diagnosis.Ok(L"signature", L"of " + signature.signer);
-        else if (!signature.signer.empty())
-            diagnosis.Note(L"signature", L"of " + signature.signer + L", but " + signature.doubt);
-        else if (const wchar_t* const blocker = WhatBlocksUnsignedDlls())
-            diagnosis.Note(L"signature", std::wstring(L"there is none, and ") + blocker);
+        const bool isTrusted = !signature.signer.empty() && signature.doubt.empty();
+        const wchar_t* const blocker = isTrusted ? nullptr : WhatBlocksUntrustedDlls();
+        if (blocker)
+            diagnosis.Note(L"signature", signature.Words() + L", and " + blocker);
+        else if (!signature.doubt.empty())
+            diagnosis.Note(L"signature", signature.Words());
         else
-            diagnosis.Ok(L"signature", L"there is none, and nothing known here asks for one");
+            diagnosis.Ok(L"signature", signature.Words());
     }
 
     /// Compares the values in the scope that counts with the table for the DLL that is registered there.

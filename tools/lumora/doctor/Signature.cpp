@@ -13,6 +13,13 @@ namespace Lumora {
 
 namespace {
 
+/// Whether the file has no signature at all, of which these are the results.
+bool IsUnsigned(HRESULT result) noexcept
+{
+    return result == TRUST_E_NOSIGNATURE || result == TRUST_E_SUBJECT_FORM_UNKNOWN ||
+           result == TRUST_E_PROVIDER_UNKNOWN;
+}
+
 /// Windows' examination of one file, whose findings stay until this ends.
 class Examination
 {
@@ -68,11 +75,19 @@ private:
 
 } // namespace
 
+std::wstring Signature::Words() const
+{
+    if (signer.empty() && doubt.empty())
+        return L"there is none";
+    return (signer.empty() ? L"of an unknown signer" : L"of " + signer) +
+           (doubt.empty() ? L"" : L", but " + doubt);
+}
+
 Signature SignatureOf(const std::wstring& path)
 {
     const Examination examination(path);
     Signature signature = {examination.Signer(), {}};
-    if (!signature.signer.empty() && FAILED(examination.Result()))
+    if (FAILED(examination.Result()) && !IsUnsigned(examination.Result()))
         signature.doubt = DescribeResult(examination.Result());
     return signature;
 }

@@ -7,10 +7,9 @@ void CheckSignature(Report& report, const std::filesystem::path& file)
 {
     const std::string step = "signature of " + Utf8(file.filename());
     const Lumora::Signature signature = Lumora::SignatureOf(file);
-    if (signature.signer.empty())
-        report.Add(Verdict::NotChecked, step, {"the file is not signed"});
-    else if (signature.doubt.empty())
-        report.Add(Verdict::Passed, step, {Utf8(signature.signer)});
+    if (!signature.doubt.empty())
+        report.Add(Verdict::Differs, step, {Utf8(signature.Words())});
     else
-        report.Add(Verdict::Differs, step, {Utf8(signature.signer), Utf8(signature.doubt)});
+        report.Add(signature.signer.empty() ? Verdict::NotChecked : Verdict::Passed, step,
+                   {Utf8(signature.Words())});
 }
