@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# Shared by the tests of this folder. $output, which they set, names a file for the output of the commands.
+# Shared by the tests that are scripts. $output, which they set, names a file for the output of the commands.
 # shellcheck disable=SC2154,SC2034  # set and used by the tests
 failures=0
 
@@ -16,4 +16,14 @@ expect() {
 
 not() {
   ! "$@"
+}
+
+# names_none FILE FOLDER...: whether a program contains none of these names. Windows' own texts have a zero behind each
+# letter.
+names_none() {
+  local folder options=()
+  for folder in "${@:2}"; do
+    options+=(-e "$folder")
+  done
+  not grep -qaF "${options[@]}" <(tr -d '\0' <"$1")
 }

@@ -18,6 +18,8 @@ SetupData ReadSetupData(const std::wstring& text)
         const size_t sign = item.find(L'=');
         if (sign != std::wstring::npos)
             values.emplace(item.substr(0, sign), item.substr(sign + 1));
+        else
+            data.mistake = L"a choice cannot contain the sign |, which stands before \"" + item + L'"';
     }
 
     for (const Choice& choice : AllChoices())
