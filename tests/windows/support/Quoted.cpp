@@ -2,6 +2,8 @@
 
 std::wstring Quoted(const std::wstring& argument)
 {
+    if (!argument.empty() && argument.find_first_of(L" \t\"") == std::wstring::npos)
+        return argument;
     std::wstring text = L"\"";
     size_t backslashes = 0;
     for (const wchar_t character : argument)

@@ -14,7 +14,8 @@ class InstallerSteps
 public:
     InstallerSteps(Report& report, std::filesystem::path logs);
 
-    /// Has the installer do this with a package, silently. Whether it ended with one of the codes.
+    /// Has the installer do this with a package, silently. Whether it ended with one of the codes. A property
+    /// such as L"WITHOUT=.map" has no spaces: the installer would not understand it in quotes.
     bool Install(const std::string& step, const std::filesystem::path& package,
                  std::initializer_list<unsigned long> codes = {0},
                  const std::vector<std::wstring>& properties = {});

@@ -1,6 +1,7 @@
 #include "windows/walk/programs/TestPrograms.h"
 
 #include "support/ProgramFolder.h"
+#include "windows/walk/package/InstalledProduct.h"
 #include "windows/walk/programs/LoggedProgram.h"
 #include "windows/walk/programs/TestLog.h"
 
@@ -17,8 +18,8 @@ struct TestProgram
     const char* filter;
     /// Several times as long as it has ever taken.
     unsigned seconds;
-    /// Registering for the machine needs an administrator.
-    bool needsElevation;
+    /// It needs an administrator, and would replace what is registered already.
+    bool registers;
 };
 
 // The tests without the mutex must run before any process has created the mutex of the HDF5 library.
@@ -52,9 +53,11 @@ std::string Ending(const std::optional<unsigned long>& exitCode, unsigned second
 void Run(Report& report, const Host& host, const std::filesystem::path& logs, const TestProgram& test)
 {
     const std::string step = test.step;
-    if (test.needsElevation && !host.isElevated)
+    if (test.registers && (!host.isElevated || IsLumoraThere()))
     {
-        report.Add(Verdict::NotChecked, step, {"it needs an administrator"});
+        report.Add(
+            Verdict::NotChecked, step,
+            {host.isElevated ? "there is a Lumora already; remove it first" : "it needs an administrator"});
         return;
     }
     const std::filesystem::path log = logs / (step + ".txt");

@@ -1,4 +1,5 @@
 #include "platform/ComPtr.h"
+#include "registration/Formats.h"
 #include "windows/gauntlet/FilesBelow.h"
 #include "windows/walk/shell/ShellSteps.h"
 #include "windows/walk/shell/ThumbnailMatch.h"
@@ -37,12 +38,6 @@ HRESULT GetThumbnail(const std::filesystem::path& file, Bitmap& bitmap)
     return item->GetImage({thumbnailSide, thumbnailSide}, SIIGBF_THUMBNAILONLY, &bitmap.handle);
 }
 
-/// Lumora does not register these extensions, because many other programs use them.
-bool IsRegistered(const std::filesystem::path& sample)
-{
-    return sample.extension() != ".raw" && sample.extension() != ".bin";
-}
-
 /// What is wrong with a thumbnail, or nothing.
 std::string Difference(const std::filesystem::path& picture, HBITMAP thumbnail)
 {
@@ -68,7 +63,7 @@ void CheckThumbnail(Report& report, const Host& host, const std::filesystem::pat
     Bitmap thumbnail;
     const HRESULT result = GetThumbnail(sample, thumbnail);
     const std::string none = "there is none: " + HexCode(static_cast<unsigned long>(result));
-    if (!IsRegistered(sample) && !host.isWine)
+    if (!Lumora::RegisteredExtension(sample.extension().wstring()) && !host.isWine)
     {
         report.Add(FAILED(result) ? Verdict::Passed : Verdict::Look, step + ", which must have none",
                    {FAILED(result) ? none : "there is one; another program may have made it"});
