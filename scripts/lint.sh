@@ -20,13 +20,17 @@ clang_for_gcc() {
     -Wno-unknown-warning-option -Wshadow
 }
 
+# The checks that run in addition to those of .clang-tidy, or with a minus not at all.
+tidy_checks=
+
 # tidy PRESET FILE...: runs clang-tidy with the options of a build. For a header, it checks the source file of the same
 # name.
 tidy() {
   local preset=$1 arguments=()
   shift
   [ "$preset" != windows ] || mapfile -t arguments < <(clang_for_gcc)
-  step "tidy-$preset" "Running clang-tidy ($preset)" cmake/tidy --cache "$cache/tidy" --jobs "$jobs" "${arguments[@]}" \
+  step "tidy-$preset" "Running clang-tidy ($preset)" cmake/tidy --cache "$cache/tidy" --jobs "$jobs" \
+    --checks "$tidy_checks" "${arguments[@]}" \
     "build/$preset" $(printf '%s\n' "${@/%.h/.cpp}" | sort -u)
 }
 

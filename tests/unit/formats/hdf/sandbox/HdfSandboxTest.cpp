@@ -135,7 +135,7 @@ TEST(SandboxCorruption, EndsInTheSandbox)
 #ifdef _WIN32
     constexpr int rounds = 1000;
 #else
-    constexpr int rounds = 10000;
+    constexpr int rounds = 3000;
 #endif
     std::mt19937 random{RandomSeed()};
     int traps = 0;
