@@ -30,7 +30,7 @@ tidy() {
   shift
   [ "$preset" != windows ] || mapfile -t arguments < <(clang_for_gcc)
   step "tidy-$preset" "Running clang-tidy ($preset)" cmake/tidy --cache "$cache/tidy" --jobs "$jobs" \
-    --checks "$tidy_checks" "${arguments[@]}" \
+    --checks="$tidy_checks" "${arguments[@]}" \
     "build/$preset" $(printf '%s\n' "${@/%.h/.cpp}" | sort -u)
 }
 

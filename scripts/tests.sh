@@ -50,7 +50,7 @@ real_files() {
 run_tests() {
   local real status=0 started=$SECONDS
   real=$(real_files)
-  # The analyser takes three quarters of clang-tidy's time. ./dev check has it look at what was edited, and ./dev lint
+  # The analyser takes about half of clang-tidy's time. ./dev check has it look at what was edited, and ./dev lint
   # at everything.
   tidy_checks='-clang-analyzer-*'
   be_strict

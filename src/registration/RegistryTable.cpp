@@ -262,7 +262,8 @@ std::vector<RegistryEntry> EntriesToRemove(Scope scope, const Choices& written, 
 
 bool IsRegistered(Scope scope)
 {
-    const RegistryKey decoder = ClassesKey(scope, L"CLSID\\" + GuidText(CLSID_LumoraDecoder));
+    const std::wstring path = L"CLSID\\" + GuidText(CLSID_LumoraDecoder);
+    const RegistryKey decoder = ClassesKey(scope, path);
     std::optional<RegistryValue> name;
     return decoder.Read({}, name) == ERROR_SUCCESS && name;
 }

@@ -118,4 +118,32 @@ TEST_F(Registration, LeavesALeftOutExtensionToItsOwner)
     EXPECT_EQ(Text(handlers + L".mrc"), L"{11111111-2222-3333-4444-555555555555}");
 }
 
+TEST_F(Registration, LeavesEqualValuesToThoseWhoHaveSetThem)
+{
+    // Every codec has its thumbnails made by this class.
+    const std::wstring provider = L"{C7657C4A-9F68-40fa-A4DF-96BC08EB3551}";
+    const std::wstring viewer = L"SOFTWARE\\Microsoft\\Windows Photo Viewer\\Capabilities\\FileAssociations";
+    SetText(classes + L".map" + thumbnails, L"", provider);
+    SetText(viewer, L".mrc", L"PhotoViewer.FileAssoc.Tiff");
+    const RegistrySnapshot withForeign = TakeRegistrySnapshot();
+
+    ASSERT_FALSE(Register(Scope::Machine, dllPath, Lumora::Choices{.leftOut = {L".map"}}).failure);
+    EXPECT_EQ(Text(classes + L".map" + thumbnails), provider);
+    EXPECT_EQ(Text(viewer, L".mrc"), L"PhotoViewer.FileAssoc.Tiff");
+    ASSERT_FALSE(Unregister(Scope::Machine).failure);
+    EXPECT_THAT(Differences(withForeign, TakeRegistrySnapshot()), IsEmpty());
+}
+
+TEST_F(Registration, KeepsItsClassesAndChoicesIfItCannotRemoveAnExtension)
+{
+    ASSERT_FALSE(Register(Scope::Machine, dllPath, Lumora::Choices{.leftOut = {L".map"}}).failure);
+    const ReadOnlyKey locked(handlers + L".mrc");
+    const RegistrationResult result =
+        Register(Scope::Machine, dllPath, Lumora::Choices{.leftOut = {L".mrc"}});
+    ASSERT_TRUE(result.failure);
+    EXPECT_EQ(result.failure->key, L"HKEY_LOCAL_MACHINE\\" + handlers + L".mrc");
+    EXPECT_EQ(Text(decoder + L"\\InprocServer32"), dllPath);
+    EXPECT_THAT(Lumora::PresentChoices(Scope::Machine).leftOut, ElementsAre(L".map"));
+}
+
 } // namespace
