@@ -1,18 +1,17 @@
 #include "lumora/arguments/CommandLine.h"
 #include "lumora/arguments/HelpText.h"
+#include "lumora/batch/WorkerProcess.h"
 #include "lumora/commands/DoctorCommand.h"
 #include "lumora/commands/InfoCommand.h"
 #include "lumora/commands/RegisterCommand.h"
 #include "lumora/commands/RenderCommand.h"
 #include "lumora/commands/SheetCommand.h"
+#include "lumora/console/ComApartment.h"
 #include "lumora/console/Console.h"
 #include "lumora/console/Failure.h"
 
-#include <windows.h>
-
-#include <objbase.h>
-
 #include <exception>
+#include <span>
 
 using namespace Lumora;
 
@@ -20,16 +19,6 @@ namespace {
 
 constexpr int somethingFailed = 1;
 constexpr int wrongUsage = 2;
-
-/// COM for this thread. The classes can be called directly from any apartment.
-class ComApartment
-{
-public:
-    ComApartment() { Require(CoInitializeEx(nullptr, COINIT_MULTITHREADED), L"cannot start COM"); }
-    ComApartment(const ComApartment&) = delete;
-    ComApartment& operator=(const ComApartment&) = delete;
-    ~ComApartment() { CoUninitialize(); }
-};
 
 int RunCommand(const CommandLine& line, Console& console)
 {
@@ -72,8 +61,14 @@ bool IsOutputWanted(const CommandLine& line)
     return !changesTheRegistry || line.onlyCheck || line.wantsHelp || line.wantsVersion;
 }
 
-int Run(const CommandLine& line, Console& console)
+int Run(std::span<const wchar_t* const> arguments, Console& console)
 {
+    if (arguments.size() == 1 && std::wstring_view(arguments.front()) == workerArgument)
+    {
+        const ComApartment apartment;
+        return RunWorkerProcess();
+    }
+    const CommandLine line = ParseCommandLine(arguments);
     const int exitCode = RunCommand(line, console);
     if (exitCode == 0 && IsOutputWanted(line) && !console.IsComplete())
         throw Failure{L"not all of the output could be written"};
@@ -89,7 +84,7 @@ int wmain(int count, wchar_t** arguments) // NOLINT(readability-identifier-namin
     int exitCode = somethingFailed;
     try
     {
-        exitCode = Run(ParseCommandLine({arguments + 1, arguments + count}), console);
+        exitCode = Run({arguments + 1, arguments + count}, console);
     }
     catch (const UsageError& error)
     {

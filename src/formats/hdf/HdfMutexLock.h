@@ -1,12 +1,9 @@
 #pragma once
 
+#include "platform/HdfMutexName.h"
 #include "platform/Platform.h"
 
 namespace Tav::Imaging::RawImage {
-
-/// The mutex that serialises every use of the HDF5 library, in all threads of all processes that know its
-/// name.
-constexpr wchar_t hdfMutexName[] = L"Perivane_Mutex_HDF5_Library";
 
 /// Holds a handle of the mutex, which may be null. Its destructor releases the mutex, even if it was not
 /// acquired. The handle is never closed: closing the last handle destroys the mutex, and the next read would

@@ -135,10 +135,18 @@ TEST(ToolRender, KeepsTheSubfoldersOfAFolder)
 TEST(ToolRender, ReplacesAnEarlierPictureOnly)
 {
     const TemporaryFolder folder;
-    folder.Write("x.png", Pixels{1, 2, 3});
-    folder.Write("x.mrc", GrayStack(1));
+    folder.Write("x.mrc", GrayStack(2));
+    EXPECT_EQ(ToolRun({L"render", L"--frame", L"1", L"x.mrc"}, folder.Path()).exitCode, 0U);
+    std::filesystem::rename(folder.Path() / "x-1.png", folder.Path() / "x.png");
     EXPECT_EQ(ToolRun({L"render", L"x.mrc"}, folder.Path()).exitCode, 0U);
     EXPECT_EQ(PngPixels(folder, "x.png"), grayPictures[0]);
+    // An empty file holds nothing that could be lost; any other may.
+    folder.Write("x.png", Pixels());
+    EXPECT_EQ(ToolRun({L"render", L"x.mrc"}, folder.Path()).exitCode, 0U);
+    const Pixels other = {0x89, 'P', 'N', 'G'};
+    folder.Write("x.png", other);
+    EXPECT_EQ(ToolRun({L"render", L"x.mrc"}, folder.Path()).exitCode, 1U);
+    EXPECT_EQ(folder.Read("x.png"), other);
 }
 
 TEST(ToolRender, NeverReplacesASource)
@@ -148,8 +156,11 @@ TEST(ToolRender, NeverReplacesASource)
     folder.Write("x.mrc", GrayStack(1));
     const ToolRun run({L"render", L"x.mrc", L"X.png"}, folder.Path());
     EXPECT_EQ(run.exitCode, 1U);
-    EXPECT_THAT(run.error, HasSubstr("lumora: x.mrc: its picture would be x.png, which is a source"));
-    EXPECT_THAT(run.error, HasSubstr("lumora: X.png: its picture would be X.png, which is the file itself"));
+    EXPECT_THAT(run.error,
+                HasSubstr("lumora: x.mrc: there is a file of another kind of the name x.png; -o names "
+                          "another place"));
+    EXPECT_THAT(run.error,
+                HasSubstr("lumora: X.png: its picture would be X.png, which is the picture of x.mrc"));
     EXPECT_EQ(folder.Read("x.png"), GrayStack(1));
     EXPECT_THAT(folder.Files(), ElementsAre("x.mrc", "x.png"));
 }
@@ -172,7 +183,8 @@ TEST(ToolRender, LeavesNothingUnfinishedWhereItCannotWrite)
     std::filesystem::create_directory(folder.Path() / "x.png");
     const ToolRun run({L"render", L"x.mrc"}, folder.Path());
     EXPECT_EQ(run.exitCode, 1U);
-    EXPECT_THAT(run.error, HasSubstr("lumora: x.mrc: cannot name the picture: "));
+    EXPECT_THAT(run.error,
+                HasSubstr("lumora: x.mrc: there is a folder of the name x.png; -o names another place"));
     EXPECT_THAT(folder.Files(), ElementsAre("x.mrc"));
 }
 

@@ -288,7 +288,7 @@ TEST(ToolSheet, SaysInItsPlaceThatAFileCannotBeShown)
     EXPECT_THAT(place, AllOf(Not(Each(place[0])), Not(testing::Contains(background))));
     EXPECT_EQ(sheet.Part(16 + 2 * columnStep, 16, cellWidth, 32), place);
     EXPECT_NE(Line(sheet, 0, 0, 0), Line(sheet, 2, 0, 0));
-    EXPECT_TRUE(IsBackground(sheet, 16, 72, cellWidth, 32)); // no facts
+    EXPECT_FALSE(IsBackground(sheet, 16, 72, cellWidth, 32)); // the reason
     EXPECT_EQ(sheet.Part(86 + columnStep, 31, 4, 2), InThreeColours(grayPictures[1]));
 }
 
@@ -296,13 +296,14 @@ TEST(ToolSheet, IsNotWrittenWhenThereAreNoFiles)
 {
     const TemporaryFolder folder;
     folder.Write("in\\readme.txt", Pixels(1));
-    folder.Write("sheet.png", Pixels{1, 2, 3});
+    const Pixels earlier = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
+    folder.Write("sheet.png", earlier);
     const ToolRun run({L"sheet", L"in"}, folder.Path());
     EXPECT_EQ(run.exitCode, 1U);
     EXPECT_THAT(run.output, IsEmpty());
     EXPECT_EQ(run.error, "lumora: in: there is no file for Lumora in this folder\n"
                          "lumora: there are no files for a sheet\n");
-    EXPECT_THAT(folder.Read("sheet.png"), ElementsAre(1, 2, 3));
+    EXPECT_EQ(folder.Read("sheet.png"), earlier);
 }
 
 TEST(ToolSheet, GoesWhereItIsWanted)
@@ -338,8 +339,8 @@ TEST(ToolSheet, NeverReplacesASource)
         const ToolRun run({L"sheet", L"-o", std::filesystem::path(name).wstring(), L".\\x.mrc"},
                           folder.Path());
         EXPECT_EQ(run.exitCode, 1U);
-        EXPECT_EQ(run.error, std::string("lumora: ") + name +
-                                 ": the sheet would replace a source; -o names another file\n");
+        EXPECT_EQ(run.error, std::string("lumora: there is a file of another kind of the name ") + name +
+                                 "; -o names another place\n");
         EXPECT_EQ(folder.Read(name), GrayStack(1));
     }
     EXPECT_THAT(folder.Files(), ElementsAre("link.png", "x.mrc"));
@@ -352,27 +353,60 @@ TEST(ToolSheet, LeavesNothingUnfinishedWhereItCannotWrite)
     std::filesystem::create_directory(folder.Path() / "pictures");
     const ToolRun run({L"sheet", L"-o", L"pictures", L"x.mrc"}, folder.Path());
     EXPECT_EQ(run.exitCode, 1U);
-    EXPECT_EQ(run.error, "lumora: pictures: this is a folder; -o names the file for the sheet\n");
+    EXPECT_EQ(run.error, "lumora: there is a folder of the name pictures; -o names another place\n");
     const ToolRun below({L"sheet", L"-o", L"x.mrc\\sheet.png", L"x.mrc"}, folder.Path());
     EXPECT_EQ(below.exitCode, 1U);
-    EXPECT_THAT(below.error, StartsWith("lumora: x.mrc\\sheet.png: "));
+    EXPECT_THAT(below.error, StartsWith("lumora: cannot make the folder x.mrc\\: "));
     EXPECT_THAT(folder.Files(), ElementsAre("x.mrc"));
 }
 
-TEST(ToolSheet, SaysWhenItWouldBeTooLargeToBeShown)
+TEST(ToolSheet, BeginsAnotherOneWhenItIsAsLargeAsProgramsCanShow)
 {
     const TemporaryFolder folder;
     folder.Write("x.mrc", GrayStack(1));
     Arguments arguments = {L"sheet", L"--size", L"1024"};
     arguments.insert(arguments.end(), 60, L"x.mrc");
     const ToolRun run(arguments, folder.Path());
+    EXPECT_EQ(run.exitCode, 0U) << run.error;
+    EXPECT_EQ(run.output, "sheet-1.png\nsheet-2.png\n");
+    // 16 + 59 * (1024 + 8 + 48 + 16); the 60th would end at 65776.
+    EXPECT_EQ(PngPicture(folder, "sheet-1.png").height, 64'680U);
+    EXPECT_EQ(PngPicture(folder, "sheet-2.png").height, 1'112U);
+    EXPECT_THAT(folder.Files(), ElementsAre("sheet-1.png", "sheet-2.png", "x.mrc"));
+}
+
+TEST(ToolSheet, BeginsAnotherOneAfterSoManyRows)
+{
+    const TemporaryFolder folder;
+    for (const char* const name : {"a.mrc", "b.mrc", "c.mrc", "d.mrc", "e.mrc"})
+        folder.Write(name, GrayPicture(1));
+    const ToolRun run(
+        {L"sheet", L"--size", L"32", L"--columns", L"2", L"--rows", L"1", L"-o", L"day.1\\all.png", L"*.mrc"},
+        folder.Path());
+    EXPECT_EQ(run.exitCode, 0U) << run.error;
+    EXPECT_EQ(run.output, "day.1\\all-1.png\nday.1\\all-2.png\nday.1\\all-3.png\n");
+    for (const auto& [name, columns] :
+         {std::pair("day.1/all-1.png", 2U), {"day.1/all-2.png", 2U}, {"day.1/all-3.png", 1U}})
+    {
+        const PngPicture sheet(folder, name);
+        EXPECT_EQ(sheet.width, 16 + columns * columnStep) << name;
+        EXPECT_EQ(sheet.height, 16U + 32 + 8 + 3 * 16 + 16) << name;
+        EXPECT_EQ(sheet.Part(86, 31, 4, 2), InThreeColours(grayPictures[1])) << name;
+    }
+}
+
+TEST(ToolSheet, LeavesOutWhatCannotBeShownWhenThatIsWanted)
+{
+    const TemporaryFolder folder;
+    folder.Write("cut.mrc", MrcFile().Size(4, 2, 1).Mode(6).Build());
+    folder.Write("good.mrc", GrayPicture(1));
+    const ToolRun run({L"sheet", L"--size", L"32", L"--only-readable", L"cut.mrc", L"good.mrc"},
+                      folder.Path());
     EXPECT_EQ(run.exitCode, 1U);
-    // 16 + 1024 + 16; 16 + 60 * (1024 + 8 + 48 + 16)
-    EXPECT_THAT(
-        run.error,
-        HasSubstr("lumora: sheet.png: 60 files would make a sheet of 1056 x 65776 pixels, and no side "
-                  "may be longer than 65535"));
-    EXPECT_THAT(folder.Files(), ElementsAre("x.mrc"));
+    EXPECT_THAT(run.error, StartsWith("lumora: cut.mrc: "));
+    const PngPicture sheet(folder, "sheet.png");
+    EXPECT_EQ(sheet.width, 16 + columnStep);
+    EXPECT_EQ(sheet.Part(86, 31, 4, 2), InThreeColours(grayPictures[1]));
 }
 
 } // namespace

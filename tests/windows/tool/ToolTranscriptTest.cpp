@@ -10,12 +10,13 @@
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
+#include <regex>
 #include <sstream>
 
 // A transcript in tests/transcripts is what a terminal shows: command lines after "$ ", what the tool prints,
 // what it prints on standard error after "! ", and in brackets an exit code other than 0. At the end are the
-// files that the commands have written, after "+ ". With LUMORA_APPROVE=1 in the environment, these tests
-// write the transcripts anew. Read what has changed in them.
+// files that the commands have written, after "+ ". Times are written as 0. With LUMORA_APPROVE=1 in the
+// environment, these tests write the transcripts anew. Read what has changed in them.
 
 namespace {
 
@@ -50,6 +51,10 @@ void WriteFiles(const TemporaryFolder& folder)
     // The header promises more than the file holds.
     folder.Write("cut.mrc", MrcFile().Size(4, 2, 1).Mode(6).Build());
     folder.Write("--json", good);
+    const std::string names = "mixed/deep/d.st\r\n\nmissing.mrc\nmixed\\deep\\er\ngood.mrc";
+    folder.Write("names.txt", Bytes(names.begin(), names.end()));
+    const std::string separated("good.mrc\0.\\mixed\\b.mrc", 22);
+    folder.Write("names.nul", Bytes(separated.begin(), separated.end()));
     for (const char* const name : {"mixed/b.mrc", "mixed/A.MRC", "mixed/scan.dat", "mixed/deep/er/c.rec",
                                    "mixed/deep/d.st", "mixed/mrc", "mixed/.mrc"})
         folder.Write(name, good);
@@ -90,12 +95,13 @@ std::string RunAgain(const std::string& approved)
     for (std::string line; std::getline(lines, line);)
     {
         constexpr std::string_view prompt = "$ lumora";
+        static const std::regex milliseconds("(\"milliseconds\": )[0-9]+");
         if (!line.starts_with(prompt))
             continue;
         const std::string_view arguments = std::string_view(line).substr(prompt.size());
         const ToolRun run(Words(arguments.substr(std::min<size_t>(arguments.size(), 1))), folder.Path());
         transcript += line + '\n';
-        AppendLines(transcript, run.output, "");
+        AppendLines(transcript, std::regex_replace(run.output, milliseconds, "$010"), "");
         AppendLines(transcript, run.error, "! ");
         if (run.exitCode != 0)
             transcript += '[' + std::to_string(run.exitCode) + "]\n";

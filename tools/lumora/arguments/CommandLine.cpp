@@ -101,8 +101,10 @@ private:
     {
         if (line.command == Command::None)
             Refuse(L"a command is missing");
-        if (Description().needsPath && line.paths.empty())
+        if (Description().needsPath && line.paths.empty() && line.namesFrom.empty())
             Refuse(L"a file or folder is missing");
+        if (const wchar_t* const conflict = Description().conflict(line))
+            Refuse(conflict);
     }
 
     std::span<const wchar_t* const> rest;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "lumora/arguments/FrameSelection.h"
+#include "lumora/files/NameList.h"
 #include "registration/RegistryTable.h"
 
 #include <cstdint>
@@ -31,22 +33,36 @@ struct CommandLine
 
     /// Files, folders and patterns of names.
     std::vector<std::wstring> paths;
+    /// A file with further names; empty for none.
+    std::wstring namesFrom;
+    NameList::Separator separator = NameList::Separator::Line;
     bool isVerbose = false;
+
+    // info, render and sheet
+    uint32_t jobs = 1;
 
     // info and doctor
     bool wantsJson = false;
+    // info and render
+    bool wantsJsonLines = false;
 
     // render
-    std::wstring outputFolder;
-    /// Empty for every frame.
-    std::optional<uint32_t> frame = 0;
+    std::optional<FrameSelection> frames;
+    bool isMontage = false;
+    bool isJpeg = false;
+    std::optional<uint32_t> quality;
 
     // render and sheet
+    /// The folder for the pictures, or the sheet.
+    std::optional<std::wstring> output;
     std::optional<uint32_t> longerSide;
+    std::optional<uint32_t> columns;
+    bool skipsExisting = false;
 
     // sheet
-    std::wstring sheetName = L"sheet.png";
-    std::optional<uint32_t> columns;
+    std::optional<uint32_t> rows;
+    bool isPage = false;
+    bool onlyReadable = false;
 
     // register and unregister; doctor has the path too
     Scope scope = Scope::Machine;

@@ -1,5 +1,8 @@
 #include "lumora/arguments/Commands.h"
 
+#include "lumora/arguments/Numbers.h"
+#include "lumora/sheet/SheetLayout.h"
+
 #include <algorithm>
 #include <limits>
 
@@ -9,22 +12,14 @@ namespace {
 
 using Value = std::wstring_view;
 
+constexpr uint32_t mostJobs = 64;
 constexpr uint32_t noLimit = std::numeric_limits<uint32_t>::max();
 
 /// Writes a decimal number from `lowest` to `highest` into the target. Returns false for any other text.
 bool TakeNumber(std::optional<uint32_t>& target, Value text, uint32_t lowest, uint32_t highest)
 {
-    uint64_t number = 0;
-    for (const wchar_t digit : text)
-    {
-        if (digit < L'0' || digit > L'9' || number > highest)
-            return false;
-        number = number * 10 + static_cast<uint64_t>(digit - L'0');
-    }
-    if (number < lowest || number > highest)
-        return false;
-    target = static_cast<uint32_t>(number);
-    return true;
+    target = ParseNumber(text, lowest, highest);
+    return target.has_value();
 }
 
 bool TakeText(std::wstring& target, Value text)
@@ -33,10 +28,33 @@ bool TakeText(std::wstring& target, Value text)
     return true;
 }
 
+bool TakeJobs(CommandLine& line, Value text)
+{
+    const std::optional<uint32_t> jobs = ParseNumber(text, 1, mostJobs);
+    line.jobs = jobs.value_or(1);
+    return jobs.has_value();
+}
+
 bool TakeChoice(CommandLine& line, const wchar_t* property, Value value)
 {
     line.choices.emplace_back(property, value);
     return true;
+}
+
+bool TakeOutput(CommandLine& line, Value value)
+{
+    line.output = value;
+    return true;
+}
+
+bool TakeColumns(CommandLine& line, Value value)
+{
+    return TakeNumber(line.columns, value, 1, SheetLayout::mostColumns);
+}
+
+bool TakeSkipExisting(CommandLine& line, Value)
+{
+    return line.skipsExisting = true;
 }
 
 constexpr Option verbose = {L"--verbose", L"",
@@ -52,46 +70,136 @@ constexpr Option programOptions[] = {
      [](CommandLine& line, Value) { return line.wantsVersion = true; }},
 };
 
+constexpr Option filesFrom = {
+    L"--files-from", L"LIST",
+    L"take the names in this file, too, one on a line; - is the standard input. A relative name keeps its "
+    L"folders where pictures are written",
+    [](CommandLine& line, Value value) { return TakeText(line.namesFrom, value); }};
+
+constexpr Option nulSeparated = {L"-0", L"", L"the names of the list end with NUL characters",
+                                 [](CommandLine& line, Value) {
+                                     line.separator = NameList::Separator::Nul;
+                                     return true;
+                                 }};
+
+constexpr Option jobs = {
+    L"--jobs", L"N",
+    L"so many processes work on the files, 1 to 64; the results are the same, and in the "
+    L"same order. Default: 1, this process",
+    TakeJobs};
+
+constexpr Option jsonLines = {
+    L"--jsonl", L"",
+    L"write JSON Lines: one object for each file, with all that is known, as soon as it is done",
+    [](CommandLine& line, Value) { return line.wantsJsonLines = true; }};
+
 constexpr Option infoOptions[] = {
     {L"--json", L"",
      L"write an array with one object for each file. A file that cannot be read has the member \"error\"; a "
      L"property that a file does not have is null",
      [](CommandLine& line, Value) { return line.wantsJson = true; }},
+    jsonLines,
+    filesFrom,
+    nulSeparated,
+    jobs,
     verbose,
 };
 
 constexpr Option renderOptions[] = {
     {L"-o", L"FOLDER",
      L"the folder for the pictures; it is made if it does not exist. Default: the current folder",
-     [](CommandLine& line, Value value) { return TakeText(line.outputFolder, value); }},
-    {L"--frame", L"N|all", L"the frame with this number, counted from 0, or all frames. Default: 0",
+     TakeOutput},
+    {L"--frame", L"FRAMES",
+     L"frames by their numbers, counted from 0, or all: 5, 0-9,20, all, all/10 (every tenth). Default: 0; "
+     L"all "
+     L"for a montage",
      [](CommandLine& line, Value value) {
-         if (value != L"all")
-             return TakeNumber(line.frame, value, 0, noLimit);
-         line.frame.reset();
-         return true;
+         line.frames = FrameSelection::Parse(value);
+         return line.frames.has_value();
      }},
     {L"--size", L"PIXELS",
-     L"scale down so that the longer side has this many pixels; smaller pictures stay as they are",
+     L"scale down so that the longer side has this many pixels; smaller pictures stay as they are. Default "
+     L"for "
+     L"the frames of a montage: 256",
      [](CommandLine& line, Value value) { return TakeNumber(line.longerSide, value, 1, noLimit); }},
+    {L"--montage", L"", L"show the frames of each file side by side in one picture",
+     [](CommandLine& line, Value) { return line.isMontage = true; }},
+    {L"--columns", L"N",
+     L"at most this many frames of a montage side by side, 1 to 32. Default: about as many as there are rows",
+     TakeColumns},
+    {L"--jpeg", L"", L"write JPEG pictures instead of PNG",
+     [](CommandLine& line, Value) { return line.isJpeg = true; }},
+    {L"--quality", L"N", L"the quality of JPEG pictures, 1 to 100. Default: 90",
+     [](CommandLine& line, Value value) { return TakeNumber(line.quality, value, 1, 100); }},
+    {L"--skip-existing", L"", L"leave pictures as they are that are not older than their files",
+     TakeSkipExisting},
+    jsonLines,
+    filesFrom,
+    nulSeparated,
+    jobs,
     verbose,
 };
 
 constexpr Option sheetOptions[] = {
-    {L"-o", L"FILE",
-     L"the sheet; its folder is made if it does not exist. Default: sheet.png in the current folder",
-     [](CommandLine& line, Value value) { return TakeText(line.sheetName, value); }},
+    {L"-o", L"PATH",
+     L"the sheet, or the folder of the page; it is made with its folder if it does not exist. Default: "
+     L"sheet.png, or sheet, in the current folder",
+     TakeOutput},
     // A smaller picture shows nothing; a row of larger ones takes too much memory.
     {L"--size", L"PIXELS",
      L"scale pictures down so that the longer side has this many pixels, 32 to 1024; smaller pictures stay "
-     L"as "
-     L"they are. Default: 200",
+     L"as they are. Default: 200",
      [](CommandLine& line, Value value) { return TakeNumber(line.longerSide, value, 32, 1024); }},
     {L"--columns", L"N",
      L"at most this many pictures side by side, 1 to 32. Default: as many as a screen of 1920 pixels shows",
-     [](CommandLine& line, Value value) { return TakeNumber(line.columns, value, 1, 32); }},
+     TakeColumns},
+    {L"--rows", L"N",
+     L"begin another sheet after so many rows. Default: when the sheet is as large as programs can show",
+     [](CommandLine& line, Value value) { return TakeNumber(line.rows, value, 1, noLimit); }},
+    {L"--html", L"",
+     L"write a page for a browser instead, in a folder of its own with all pictures: it can be searched and "
+     L"sorted",
+     [](CommandLine& line, Value) { return line.isPage = true; }},
+    {L"--skip-existing", L"", L"of a page: leave pictures as they are that are not older than their files",
+     TakeSkipExisting},
+    {L"--only-readable", L"", L"leave out files that cannot be shown",
+     [](CommandLine& line, Value) { return line.onlyReadable = true; }},
+    filesFrom,
+    nulSeparated,
+    jobs,
     verbose,
 };
+
+const wchar_t* ListConflict(const CommandLine& line)
+{
+    const bool isNulAlone = line.namesFrom.empty() && line.separator == NameList::Separator::Nul;
+    return isNulAlone ? L"-0 is for the names of --files-from" : nullptr;
+}
+
+const wchar_t* InfoConflict(const CommandLine& line)
+{
+    if (line.wantsJson && line.wantsJsonLines)
+        return L"--json and --jsonl exclude each other";
+    return ListConflict(line);
+}
+
+const wchar_t* RenderConflict(const CommandLine& line)
+{
+    if (line.quality && !line.isJpeg)
+        return L"--quality is for --jpeg";
+    if (line.columns && !line.isMontage)
+        return L"--columns is for --montage";
+    return ListConflict(line);
+}
+
+const wchar_t* SheetConflict(const CommandLine& line)
+{
+    if (line.isPage && (line.columns || line.rows))
+        return L"a page has no fixed --columns and --rows";
+    if (line.skipsExisting && !line.isPage)
+        return L"--skip-existing is for --html";
+    return ListConflict(line);
+}
 
 constexpr Option doctorOptions[] = {
     {L"--json", L"",
@@ -159,35 +267,42 @@ constexpr CommandDescription commands[] = {
         .pathName = L"PATH",
         .filesOfFolder = everyReadableFile,
         .options = infoOptions,
+        .conflict = InfoConflict,
     },
     {
         .command = Command::Render,
         .needsPath = true,
         .name = L"render",
-        .summary = L"Write frames as PNG pictures",
+        .summary = L"Write frames as PNG or JPEG pictures",
         .pathName = L"PATH",
         .filesOfFolder = everyReadableFile,
         .details =
-            L"The picture of NAME.mrc is NAME.png. It is NAME-N.png for a frame other than the first, and "
-            L"for every frame when all are written. Files from the subfolders of a PATH go to subfolders "
-            L"of the same names.\n"
-            L"An earlier picture is replaced, a source never, and no two pictures of one run get the same "
-            L"name. The names of the pictures are printed.\n",
+            L"The picture of NAME.mrc is NAME.png. It is NAME-N.png for a single frame other than the first, "
+            L"and for every frame when there may be several. Frames that a file does not have are left out; "
+            L"one of them must be there. Files from the subfolders of a PATH go to subfolders of the same "
+            L"names.\n"
+            L"An earlier picture is replaced, a file of another kind never, and no two pictures of one run "
+            L"get the same name. The names of the pictures are printed. With --skip-existing, a run that was "
+            L"interrupted goes on where it was.\n",
         .options = renderOptions,
+        .conflict = RenderConflict,
     },
     {
         .command = Command::Sheet,
         .needsPath = true,
         .name = L"sheet",
-        .summary = L"Write one PNG picture that shows the first frame of many files",
+        .summary = L"Show the first frames of many files on one PNG picture, or on a page",
         .pathName = L"PATH",
         .filesOfFolder = everyReadableFile,
         .details =
             L"Below each picture are the file's name, with its subfolder of the PATH, its size in pixels, "
-            L"its pixel type and its number of frames. A file that cannot be shown has a sign in its "
-            L"place; the reason is printed on standard error.\n"
-            L"An earlier sheet is replaced, a source never. The name of the sheet is printed.\n",
+            L"its pixel type and its number of frames. A file that cannot be shown has a sign and the reason "
+            L"in its place.\n"
+            L"When there is more than one sheet, a number is added to each name: sheet-1.png. An earlier "
+            L"sheet is replaced, a file of another kind never. The names of the sheets, or of the page, are "
+            L"printed.\n",
         .options = sheetOptions,
+        .conflict = SheetConflict,
     },
     {
         .command = Command::Doctor,

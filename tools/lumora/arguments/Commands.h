@@ -33,6 +33,10 @@ struct CommandDescription
     /// Paragraphs, each with a line feed at its end.
     std::wstring_view details = {};
     std::span<const Option> options;
+    /// What is wrong with the options taken together; null if nothing is.
+    const wchar_t* (*conflict)(const CommandLine& line) = [](const CommandLine&) -> const wchar_t* {
+        return nullptr;
+    };
 };
 
 /// All commands, in the order of the program's help.

@@ -6,7 +6,7 @@
 #include "lumora/doctor/ExplorerChecks.h"
 #include "lumora/doctor/OpeningChecks.h"
 #include "lumora/doctor/RegistrationChecks.h"
-#include "lumora/files/FileList.h"
+#include "lumora/files/FileSource.h"
 
 namespace Lumora {
 
@@ -110,8 +110,10 @@ std::wstring ForPrograms(const Diagnosis& diagnosis)
 int RunDoctor(const CommandLine& line, Console& console)
 {
     Diagnosis diagnosis;
-    const FileList list = FindFiles(line.paths, FolderRule::RegisteredExtension, console);
-    if (list.failures > 0)
+    const FileList list = AllFilesOf({line.paths, nullptr, FolderRule::RegisteredExtension});
+    for (const SourceFile& missing : list.failures)
+        console.Complain(L"lumora: " + missing.name + L": " + *missing.failure);
+    if (!list.failures.empty())
         diagnosis.Problem(Cause::File, L"files", L"not all that were named are there",
                           L"Not all of the files that were named are there.");
     CheckProcessor(diagnosis);
@@ -121,10 +123,10 @@ int RunDoctor(const CommandLine& line, Console& console)
         factory = CheckClasses(findings.scope, diagnosis);
     CheckExplorerSettings(diagnosis);
 
-    Progress progress(console, list.files.size());
+    Progress progress(console);
+    size_t done = 0;
     for (const SourceFile& file : list.files)
     {
-        progress.Next(file.name);
         diagnosis.BeginFile(file.name);
         if (findings.isRegistered)
             CheckExtension(file.name, findings, diagnosis);
@@ -132,6 +134,7 @@ int RunDoctor(const CommandLine& line, Console& console)
             CheckOpening(*factory.Get(), file, diagnosis);
         else
             diagnosis.Note(L"picture", L"not looked at, as Lumora does not start");
+        progress.Show(++done, list.files.size(), file.name);
     }
     console.Print(line.wantsJson ? ForPrograms(diagnosis) : ForPeople(diagnosis));
     return diagnosis.IsAllWell() ? 0 : 1;

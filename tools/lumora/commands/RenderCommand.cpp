@@ -1,66 +1,58 @@
 #include "lumora/commands/RenderCommand.h"
 
-#include "lumora/files/FileLoop.h"
+#include "lumora/batch/Batch.h"
+#include "lumora/batch/JsonLine.h"
 #include "lumora/files/OutputNames.h"
 #include "lumora/pictures/ImagingFactory.h"
-#include "lumora/pictures/PictureFile.h"
-#include "lumora/pictures/PngWriter.h"
-#include "platform/ComPtr.h"
-
-#include <windows.h>
-
-#include <wincodec.h>
 
 namespace Lumora {
 
 namespace {
 
-class Renderer
+/// What is the same for all files.
+PictureOrder OrderOf(const CommandLine& line)
 {
-public:
-    Renderer(ComPtr<IWICImagingFactory> wicFactory, const FileList& sources, const CommandLine& commandLine,
-             Console& userConsole)
-        : factory(std::move(wicFactory)), names(commandLine.outputFolder, sources.files), line(commandLine),
-          console(userConsole)
-    {}
+    PictureOrder order;
+    order.frames = line.frames.value_or(line.isMontage ? FrameSelection::All() : FrameSelection());
+    order.format = {line.isJpeg, line.quality.value_or(PictureFormat::usualQuality)};
+    order.longerSide = line.longerSide;
+    order.isMontage = line.isMontage;
+    order.columns = line.columns;
+    order.skipsExisting = line.skipsExisting;
+    return order;
+}
 
-    void Render(const SourceFile& file)
+void PrintNames(Console& console, const FileReport& report)
+{
+    for (const PictureReport& picture : report.pictures)
     {
-        const PictureFile picture(*factory.Get(), file.path);
-        if (line.frame)
-        {
-            RenderFrame(file, picture, *line.frame, *line.frame == 0 ? std::nullopt : line.frame);
-            return;
-        }
-        const uint32_t count = picture.FrameCount();
-        for (uint32_t frame = 0; frame < count; ++frame)
-            RenderFrame(file, picture, frame, frame);
+        if (!picture.isSkipped)
+            console.Print(picture.name + L'\n');
     }
-
-private:
-    void RenderFrame(const SourceFile& file, const PictureFile& picture, uint32_t frame,
-                     std::optional<uint32_t> numberInName)
-    {
-        const ComPtr<IWICBitmapSource> pixels = picture.Frame(frame, line.longerSide);
-        const std::wstring name = names.Claim(file, numberInName);
-        WritePng(*factory.Get(), *pixels.Get(), OpenablePath(name));
-        console.Print(name + L'\n');
-    }
-
-    ComPtr<IWICImagingFactory> factory;
-    OutputNames names;
-    const CommandLine& line;
-    Console& console;
-};
+}
 
 } // namespace
 
 int RunRender(const CommandLine& line, Console& console)
 {
-    ComPtr<IWICImagingFactory> factory = MakeImagingFactory();
-    const FileList list = FindFiles(line.paths, FolderRule::ReadableToo, console);
-    Renderer renderer(std::move(factory), list, line, console);
-    return ForEachFile(list, line, console, [&renderer](const SourceFile& file) { renderer.Render(file); });
+    RequireDecoder();
+    const PictureOrder order = OrderOf(line);
+    OutputNames names(line.output.value_or(L""));
+    return RunBatch(line, console,
+                    {[&](const SourceFile& file) {
+                         FileTask task;
+                         task.path = file.path;
+                         task.wantsProperties = line.wantsJsonLines;
+                         task.pictures = order;
+                         names.Claim(file, *task.pictures);
+                         return task;
+                     },
+                     [&](const SourceFile& file, const FileReport& report) {
+                         if (line.wantsJsonLines)
+                             console.Print(JsonLine(file, report, true));
+                         else
+                             PrintNames(console, report);
+                     }});
 }
 
 } // namespace Lumora

@@ -126,4 +126,14 @@ catch (const std::exception& exception)
     return L"an exception ended the work: " + std::wstring(text.begin(), text.end());
 }
 
+void WithName(const std::wstring& name, const std::function<void()>& work)
+try
+{
+    work();
+}
+catch (const Failure& failure)
+{
+    throw Failure{name + L": " + failure.text};
+}
+
 } // namespace Lumora

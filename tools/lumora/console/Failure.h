@@ -30,4 +30,7 @@ void Require(HRESULT result, const wchar_t* what);
 /// Does the work. Returns what went wrong: the text of a failure, or what is known of another exception.
 [[nodiscard]] std::optional<std::wstring> FailureOf(const std::function<void()>& work);
 
+/// Does the work. A Failure gets the name of what it is about in front.
+void WithName(const std::wstring& name, const std::function<void()>& work);
+
 } // namespace Lumora

@@ -1,5 +1,7 @@
 #include "lumora/console/JsonWriter.h"
 
+#include "lumora/console/Unicode.h"
+
 #include <array>
 #include <cwchar>
 #include <utility>
@@ -37,7 +39,7 @@ void JsonWriter::EndArray()
 {
     --depth;
     // An empty array ends in the line in which it began.
-    if (!isFirst)
+    if (!isFirst && layout == Layout::Lines)
         text += L'\n' + std::wstring(2 * depth, L' ');
     text += L']';
     isFirst = false;
@@ -49,7 +51,20 @@ void JsonWriter::Text(std::wstring_view name, std::wstring_view value)
     Quoted(value);
 }
 
-void JsonWriter::Number(std::wstring_view name, uint32_t value)
+void JsonWriter::Texts(std::wstring_view name, const std::vector<std::wstring>& values)
+{
+    Name(name);
+    text += L'[';
+    for (const std::wstring& value : values)
+    {
+        if (&value != &values.front())
+            text += L", ";
+        Quoted(value);
+    }
+    text += L']';
+}
+
+void JsonWriter::Number(std::wstring_view name, uint64_t value)
 {
     Name(name);
     text += std::to_wstring(value);
@@ -84,29 +99,38 @@ void JsonWriter::Name(std::wstring_view name)
 void JsonWriter::Quoted(std::wstring_view value)
 {
     text += L'"';
-    for (const wchar_t character : value)
+    for (size_t index = 0; index < value.size(); ++index)
     {
+        const wchar_t character = value[index];
+        const bool isPair =
+            IsHighSurrogate(character) && index + 1 < value.size() && IsLowSurrogate(value[index + 1]);
         if (character == L'"' || character == L'\\')
-        {
             text += L'\\';
-            text += character;
-        }
-        else if (character < 0x20)
-        {
-            std::array<wchar_t, 7> escape = {};
-            std::swprintf(escape.data(), escape.size(), L"\\u%04x", static_cast<unsigned>(character));
-            text += escape.data();
-        }
+        // Half of a pair, which the name of a file may hold, cannot be written as UTF-8.
+        if (character < 0x20 || (IsSurrogate(character) && !isPair))
+            Escaped(character);
         else
-        {
             text += character;
-        }
+        if (isPair)
+            text += value[++index];
     }
     text += L'"';
 }
 
+void JsonWriter::Escaped(wchar_t character)
+{
+    std::array<wchar_t, 7> escape = {};
+    std::swprintf(escape.data(), escape.size(), L"\\u%04x", static_cast<unsigned>(character));
+    text += escape.data();
+}
+
 void JsonWriter::BeginLine()
 {
+    if (layout == Layout::OneLine)
+    {
+        text += isFirst ? L"" : L", ";
+        return;
+    }
     text += isFirst ? L"\n" : L",\n";
     text.append(2 * depth, L' ');
 }

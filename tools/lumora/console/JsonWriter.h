@@ -4,14 +4,23 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace Lumora {
 
-/// Writes JSON (RFC 8259): each object of an array begins a line. The caller ends what it has begun, in the
-/// reverse order.
+/// Writes JSON (RFC 8259). The caller ends what it has begun, in the reverse order.
 class JsonWriter
 {
 public:
+    enum class Layout
+    {
+        /// Each object of an array begins a line.
+        Lines,
+        OneLine,
+    };
+
+    explicit JsonWriter(Layout jsonLayout = Layout::Lines) : layout(jsonLayout) {}
+
     /// The outermost object, or one in an array.
     void BeginObject();
     void EndObject();
@@ -22,7 +31,8 @@ public:
     void EndArray();
 
     void Text(std::wstring_view name, std::wstring_view value);
-    void Number(std::wstring_view name, uint32_t value);
+    void Texts(std::wstring_view name, const std::vector<std::wstring>& values);
+    void Number(std::wstring_view name, uint64_t value);
     void Truth(std::wstring_view name, bool value);
     void Null(std::wstring_view name);
 
@@ -32,8 +42,10 @@ public:
 private:
     void Name(std::wstring_view name);
     void Quoted(std::wstring_view value);
+    void Escaped(wchar_t character);
     void BeginLine();
 
+    const Layout layout;
     std::wstring text;
     bool isFirst = true;
     /// How many arrays are open.

@@ -47,7 +47,7 @@ std::wstring DecodePicture(IWICImagingFactory& factory, const std::wstring& path
     UINT height = 0;
     Require(picture.Frame(0, std::nullopt)->GetSize(&width, &height), L"cannot ask for the frame's size");
     std::vector<BYTE> pixels(size_t{stride} * thumbnailSide);
-    Require(picture.Frame(0, thumbnailSide)
+    Require(picture.Frame(0, Box{thumbnailSide, thumbnailSide})
                 ->CopyPixels(nullptr, stride, static_cast<UINT>(pixels.size()), pixels.data()),
             L"cannot decode the frame");
     const uint32_t count = picture.FrameCount();

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "lumora/doctor/Diagnosis.h"
-#include "lumora/files/FileList.h"
+#include "lumora/files/FileSource.h"
 #include "platform/ComPtr.h"
 #include "registration/RegistryTable.h"
 

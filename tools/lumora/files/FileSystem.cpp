@@ -7,23 +7,56 @@
 
 namespace Lumora {
 
+namespace {
+
+std::optional<WIN32_FILE_ATTRIBUTE_DATA> AttributesOf(const std::wstring& path) noexcept
+{
+    WIN32_FILE_ATTRIBUTE_DATA attributes = {};
+    if (!GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &attributes))
+        return std::nullopt;
+    return attributes;
+}
+
+bool IsFolder(const std::wstring& path) noexcept
+{
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+} // namespace
+
 void MakeFolder(std::wstring_view folder)
 {
     const std::wstring path = OpenablePath(std::wstring(folder));
-    if (CreateDirectoryW(path.c_str(), nullptr))
+    if (IsFolder(path) || CreateDirectoryW(path.c_str(), nullptr))
         return;
-    const DWORD error = GetLastError();
-    if (error == ERROR_ALREADY_EXISTS)
-        return;
+    DWORD error = GetLastError();
     std::wstring_view parent = ParentFolder(path);
     while (!parent.empty() && (parent.back() == L'\\' || parent.back() == L'/'))
         parent.remove_suffix(1);
-    if (error != ERROR_PATH_NOT_FOUND || parent.empty() || parent.size() >= path.size())
+    if (error == ERROR_PATH_NOT_FOUND && !parent.empty() && parent.size() < path.size())
+    {
+        MakeFolder(parent);
+        error = CreateDirectoryW(path.c_str(), nullptr) ? ERROR_SUCCESS : GetLastError();
+    }
+    // Another process may have made it in the meantime.
+    if (error != ERROR_SUCCESS && !IsFolder(path))
         throw Failure{L"cannot make the folder " + std::wstring(folder) + L": " + DescribeError(error)};
-    MakeFolder(parent);
-    if (!CreateDirectoryW(path.c_str(), nullptr) && GetLastError() != ERROR_ALREADY_EXISTS)
-        throw Failure{L"cannot make the folder " + std::wstring(folder) + L": " +
-                      DescribeError(GetLastError())};
+}
+
+std::optional<uint64_t> FileSize(const std::wstring& path) noexcept
+{
+    const std::optional<WIN32_FILE_ATTRIBUTE_DATA> attributes = AttributesOf(path);
+    if (!attributes)
+        return std::nullopt;
+    return uint64_t{attributes->nFileSizeHigh} << 32 | attributes->nFileSizeLow;
+}
+
+bool IsUpToDate(const std::wstring& path, const std::wstring& source) noexcept
+{
+    const std::optional<WIN32_FILE_ATTRIBUTE_DATA> target = AttributesOf(path);
+    const std::optional<WIN32_FILE_ATTRIBUTE_DATA> origin = AttributesOf(source);
+    return target && origin && CompareFileTime(&target->ftLastWriteTime, &origin->ftLastWriteTime) >= 0;
 }
 
 bool IsElsewhere(unsigned long attributes) noexcept

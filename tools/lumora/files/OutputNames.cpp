@@ -1,34 +1,26 @@
 #include "lumora/files/OutputNames.h"
 
 #include "lumora/console/Failure.h"
-#include "lumora/files/FileSystem.h"
+#include "lumora/pictures/PictureMaker.h"
 
 namespace Lumora {
 
-OutputNames::OutputNames(std::wstring pictureFolder, const std::vector<SourceFile>& sources)
-    : folder(std::move(pictureFolder))
+void OutputNames::Claim(const SourceFile& file, PictureOrder& order)
 {
-    for (const SourceFile& source : sources)
-        taken.emplace(source.path, L"a source");
+    order.target = JoinPath(JoinPath(folder, file.subfolder), Stem(file.name));
+    // All files have the same numbers behind their names, so two names are the same only if these are.
+    const auto [claim, isNew] = taken.emplace(FullPath(order.target), file.name);
+    if (!isNew)
+        throw Failure{L"its picture would be " + FirstPictureName(order) + L", which is the picture of " +
+                      claim->second + L"; -o names another folder"};
 }
 
-std::wstring OutputNames::Claim(const SourceFile& file, std::optional<uint32_t> frame)
+void PagePictureNames::Claim(const SourceFile& file, PictureOrder& order)
 {
-    const std::wstring place = JoinPath(folder, file.subfolder);
-    std::wstring name(Stem(file.name));
-    if (frame)
-        name += L'-' + std::to_wstring(*frame);
-    name = JoinPath(place, name + L".png");
-
-    const std::wstring path = OpenablePath(name);
-    const auto [claim, isNew] = taken.emplace(path, L"the picture of " + file.name);
-    const bool isSource = IsSameFile(path, file.path);
-    if (!isNew || isSource)
-        throw Failure{L"its picture would be " + name + L", which is " +
-                      (isSource ? L"the file itself" : claim->second) + L"; -o names another folder"};
-    if (!place.empty())
-        MakeFolder(place);
-    return name;
+    const std::wstring name = JoinPath(JoinPath(folder, file.subfolder), FileName(file.name));
+    order.target = name;
+    for (size_t number = 2; !taken.insert(order.target).second; ++number)
+        order.target = name + L'~' + std::to_wstring(number);
 }
 
 } // namespace Lumora

@@ -1,30 +1,43 @@
 #pragma once
 
-#include "lumora/files/FileList.h"
+#include "lumora/batch/FileTask.h"
+#include "lumora/files/FileSource.h"
 #include "lumora/files/Paths.h"
 
-#include <cstdint>
 #include <map>
-#include <optional>
+#include <set>
 #include <string>
-#include <vector>
 
 namespace Lumora {
 
-/// Chooses the names of the pictures: each only once, and never that of a source.
+/// Chooses the names of pictures, so that no two files have the same.
 class OutputNames
 {
 public:
-    OutputNames(std::wstring folder, const std::vector<SourceFile>& sources);
+    explicit OutputNames(std::wstring pictureFolder) : folder(std::move(pictureFolder)) {}
 
-    /// The name for a frame of the file, with the frame's number if one is given. Makes the folder of the
-    /// picture. Throws a Failure if the name is taken.
-    [[nodiscard]] std::wstring Claim(const SourceFile& file, std::optional<uint32_t> frame);
+    /// Names the pictures after the file without its extension. Throws a Failure if another file has that
+    /// name.
+    void Claim(const SourceFile& file, PictureOrder& order);
 
 private:
     std::wstring folder;
-    /// Full paths that are taken, and what is there.
+    /// Names that are taken, and the files that have them.
     std::map<std::wstring, std::wstring, NameLess> taken;
+};
+
+/// Chooses the names of the pictures of a page, which nobody but the page needs to know.
+class PagePictureNames
+{
+public:
+    explicit PagePictureNames(std::wstring pictureFolder) : folder(std::move(pictureFolder)) {}
+
+    /// Names the picture after the whole name of the file, with a number if another file has that name.
+    void Claim(const SourceFile& file, PictureOrder& order);
+
+private:
+    std::wstring folder;
+    std::set<std::wstring, NameLess> taken;
 };
 
 } // namespace Lumora

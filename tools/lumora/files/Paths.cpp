@@ -75,7 +75,7 @@ std::wstring_view Stem(std::wstring_view path) noexcept
     return name.substr(0, name.size() - FileExtension(path).size());
 }
 
-std::wstring ProgramFolder()
+std::wstring ProgramPath()
 {
     std::wstring path(MAX_PATH, L'\0');
     DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
@@ -85,7 +85,12 @@ std::wstring ProgramFolder()
         length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
     }
     path.resize(length);
-    return std::wstring(ParentFolder(path));
+    return path;
+}
+
+std::wstring ProgramFolder()
+{
+    return std::wstring(ParentFolder(ProgramPath()));
 }
 
 bool NameLess::operator()(std::wstring_view left, std::wstring_view right) const noexcept

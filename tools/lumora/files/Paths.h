@@ -26,6 +26,9 @@ namespace Lumora {
 /// The extension with its dot, or nothing. A dot at the beginning of a name starts no extension.
 [[nodiscard]] std::wstring_view FileExtension(std::wstring_view path) noexcept;
 
+/// The file of this program.
+[[nodiscard]] std::wstring ProgramPath();
+
 /// The folder in which this program lies.
 [[nodiscard]] std::wstring ProgramFolder();
 

@@ -5,13 +5,13 @@
 #include <algorithm>
 #include <iterator>
 #include <string_view>
-#include <utility>
 
 namespace Lumora {
 
 namespace {
 
-thread_local std::vector<std::string> collected;
+/// What the object of this thread has collected; null for a thread that has none.
+thread_local std::vector<std::string>* collected = nullptr;
 
 /// Without a debugger, each line arrives as an exception that carries its text in the ANSI code page. Other
 /// components write lines too.
@@ -26,7 +26,8 @@ LONG CALLBACK CollectLine(EXCEPTION_POINTERS* pointers)
     const std::string_view line = text;
     if (!line.starts_with("[Lumora] "))
         return EXCEPTION_CONTINUE_SEARCH;
-    collected.emplace_back(line);
+    if (collected)
+        collected->emplace_back(line);
     return EXCEPTION_CONTINUE_EXECUTION;
 }
 
@@ -43,20 +44,21 @@ std::wstring FromAnsi(const std::string& text)
 
 DecoderLines::DecoderLines() : handler(AddVectoredExceptionHandler(1, CollectLine))
 {
-    collected.clear();
+    collected = &lines;
 }
 
 DecoderLines::~DecoderLines()
 {
+    collected = nullptr;
     RemoveVectoredExceptionHandler(handler);
 }
 
 std::vector<std::wstring> DecoderLines::Take()
 {
-    std::vector<std::wstring> lines;
-    std::transform(collected.begin(), collected.end(), std::back_inserter(lines), FromAnsi);
-    collected.clear();
-    return lines;
+    std::vector<std::wstring> taken;
+    std::transform(lines.begin(), lines.end(), std::back_inserter(taken), FromAnsi);
+    lines.clear();
+    return taken;
 }
 
 } // namespace Lumora

@@ -5,7 +5,8 @@
 
 namespace Lumora {
 
-/// Collects what Lumora.dll writes to the debugger output on this thread. One at a time.
+/// Collects what Lumora.dll writes to the debugger output on the thread that has made this object. A thread
+/// has one at a time.
 class DecoderLines
 {
 public:
@@ -19,6 +20,7 @@ public:
 
 private:
     void* handler;
+    std::vector<std::string> lines;
 };
 
 } // namespace Lumora

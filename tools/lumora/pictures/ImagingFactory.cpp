@@ -17,4 +17,9 @@ ComPtr<IWICImagingFactory> MakeImagingFactory()
     return factory;
 }
 
+void RequireDecoder()
+{
+    static_cast<void>(MakeImagingFactory());
+}
+
 } // namespace Lumora

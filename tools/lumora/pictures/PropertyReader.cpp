@@ -7,10 +7,9 @@
 
 #include <windows.h>
 
+#include <objbase.h>
 #include <propsys.h>
 #include <shlwapi.h>
-
-#include <iterator>
 
 namespace Lumora {
 
@@ -18,41 +17,31 @@ using namespace Tav::Imaging::RawImage;
 
 namespace {
 
-struct NamedProperty
-{
-    PROPERTYKEY key;
-    const wchar_t* label;
-    const wchar_t* name;
-};
-
-/// In the order of the output.
-constexpr NamedProperty namedProperties[] = {
-    {KeyOf(MetadataProperty::Dimensions), L"Dimensions", L"dimensions"},
-    {KeyOf(MetadataProperty::Width), L"Width", L"width"},
-    {KeyOf(MetadataProperty::Height), L"Height", L"height"},
-    {KeyOf(MetadataProperty::FrameCount), L"Frames", L"frameCount"},
-    {KeyOf(MetadataProperty::BitDepth), L"Bit depth", L"bitDepth"},
-    {KeyOf(MetadataProperty::PixelFormat), L"Pixel type", L"pixelType"},
-    {KeyOf(MetadataProperty::Software), L"Software", L"software"},
-    {KeyOf(MetadataProperty::FormatDetails), L"Format details", L"formatDetails"},
-};
-static_assert(std::size(namedProperties) == metadataPropertyCount);
-
 /// A value that is freed when it is no longer needed.
-class PropertyValue
+class ClearedVariant
 {
 public:
-    PropertyValue() noexcept { PropVariantInit(&variant); }
-    PropertyValue(const PropertyValue&) = delete;
-    PropertyValue& operator=(const PropertyValue&) = delete;
-    ~PropertyValue() { PropVariantClear(&variant); }
+    ClearedVariant() noexcept { PropVariantInit(&variant); }
+    ClearedVariant(const ClearedVariant&) = delete;
+    ClearedVariant& operator=(const ClearedVariant&) = delete;
+    ~ClearedVariant() { PropVariantClear(&variant); }
 
     PROPVARIANT variant;
 };
 
 } // namespace
 
-std::vector<PropertyReading> ReadProperties(const std::wstring& path)
+void RequirePropertyHandler()
+{
+    ComPtr<IClassFactory> factory;
+    const HRESULT result = CoGetClassObject(CLSID_LumoraPropertyHandler, CLSCTX_INPROC_SERVER, nullptr,
+                                            IID_IClassFactory, factory.PutVoid());
+    if (result == REGDB_E_CLASSNOTREG)
+        throw Failure{notRegistered};
+    Require(result, L"cannot start Lumora's property handler");
+}
+
+FileProperties ReadProperties(const std::wstring& path)
 {
     // A program that is writing the file can continue.
     ComPtr<IStream> stream;
@@ -67,19 +56,18 @@ std::vector<PropertyReading> ReadProperties(const std::wstring& path)
     ComPtr<IPropertyStore> store;
     Require(handler->QueryInterface(IID_IPropertyStore, store.PutVoid()), L"cannot ask for properties");
 
-    std::vector<PropertyReading> readings;
-    for (const NamedProperty& property : namedProperties)
+    FileProperties properties;
+    for (const KeyedProperty& keyed : keyedProperties)
     {
-        PropertyReading& reading = readings.emplace_back(PropertyReading{property.label, property.name, {}});
-        PropertyValue value;
-        if (FAILED(store->GetValue(property.key, &value.variant)))
+        ClearedVariant value;
+        if (FAILED(store->GetValue(keyed.key, &value.variant)))
             continue;
         if (value.variant.vt == VT_UI4)
-            reading.value = uint32_t{value.variant.ulVal};
+            properties[keyed.property] = uint32_t{value.variant.ulVal};
         else if (value.variant.vt == VT_LPWSTR)
-            reading.value = std::wstring(value.variant.pwszVal);
+            properties[keyed.property] = std::wstring(value.variant.pwszVal);
     }
-    return readings;
+    return properties;
 }
 
 } // namespace Lumora

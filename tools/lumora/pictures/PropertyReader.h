@@ -1,25 +1,15 @@
 #pragma once
 
-#include <cstdint>
+#include "lumora/pictures/FileProperties.h"
+
 #include <string>
-#include <variant>
-#include <vector>
 
 namespace Lumora {
 
-/// One property of a file.
-struct PropertyReading
-{
-    /// In words, for people.
-    const wchar_t* label;
-    /// For programs.
-    const wchar_t* name;
-    /// Nothing when the file does not have the property.
-    std::variant<std::monostate, uint32_t, std::wstring> value;
-};
+/// Throws a Failure when the property handler is not registered, or cannot be started.
+void RequirePropertyHandler();
 
-/// What the registered property handler says about the file, always the same properties in the same order.
-/// Throws a Failure when it cannot read the file.
-[[nodiscard]] std::vector<PropertyReading> ReadProperties(const std::wstring& path);
+/// What the registered property handler says about the file. Throws a Failure when it cannot read the file.
+[[nodiscard]] FileProperties ReadProperties(const std::wstring& path);
 
 } // namespace Lumora

@@ -1,7 +1,6 @@
 #include "lumora/sheet/Canvas.h"
 
 #include "lumora/console/Failure.h"
-#include "platform/ComPtr.h"
 
 #include <algorithm>
 #include <cwchar>
@@ -10,12 +9,13 @@ namespace Lumora {
 
 namespace {
 
-constexpr uint32_t bytesPerPixel = 3;
+/// GDI takes at most 8192 characters at a time, and no cell has room for this many.
+constexpr size_t longestText = 1000;
 
 /// Rows of a bitmap in memory begin at multiples of four bytes.
 constexpr uint32_t StrideOf(uint32_t width) noexcept
 {
-    return (width * bytesPerPixel + 3) / 4 * 4;
+    return static_cast<uint32_t>((size_t{width} * PixelBlock::bytesPerPixel + 3) / 4 * 4);
 }
 
 /// The font of Windows. If it is missing, GDI uses another one.
@@ -54,7 +54,7 @@ Canvas::Canvas(uint32_t width, uint32_t wantedHeight)
     info.bmiHeader.biWidth = static_cast<LONG>(width);
     info.bmiHeader.biHeight = -static_cast<LONG>(height); // the top row comes first
     info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 8 * bytesPerPixel;
+    info.bmiHeader.biBitCount = 8 * PixelBlock::bytesPerPixel;
     info.bmiHeader.biCompression = BI_RGB;
     void* memory = nullptr;
     bitmap.reset(CreateDIBSection(context.get(), &info, DIB_RGB_COLORS, &memory, nullptr, 0));
@@ -83,28 +83,17 @@ void Canvas::Fill(const Area& area, COLORREF colour)
            static_cast<int>(area.width), static_cast<int>(area.height), PATCOPY);
 }
 
-void Canvas::Paint(IWICBitmapSource& picture, const Area& area)
+void Canvas::Paint(const PixelBlock& picture, const Area& area)
 {
-    UINT pictureWidth = 0;
-    UINT pictureHeight = 0;
-    Require(picture.GetSize(&pictureWidth, &pictureHeight), L"cannot ask for the picture's size");
-    if (pictureWidth > area.width || pictureHeight > area.height)
+    if (picture.width > area.width || picture.height > area.height)
         throw Failure{L"the picture is too large for its place"};
-    // Wine cannot convert gray pixels to three bytes directly, but from four bytes it can.
-    ComPtr<IWICBitmapSource> wide;
-    ComPtr<IWICBitmapSource> converted;
-    Require(WICConvertBitmapSource(GUID_WICPixelFormat32bppBGR, &picture, wide.Put()),
-            L"cannot convert the picture");
-    Require(WICConvertBitmapSource(Format(), wide.Get(), converted.Put()), L"cannot convert the picture");
-
     // GDI may not have finished drawing yet.
     GdiFlush();
-    const uint32_t left = area.left + (area.width - pictureWidth) / 2;
-    const uint32_t top = area.top + (area.height - pictureHeight) / 2;
-    const std::span<uint8_t> place =
-        Rows(top + pictureHeight).subspan(size_t{top} * stride + size_t{left} * bytesPerPixel);
-    Require(converted->CopyPixels(nullptr, stride, static_cast<UINT>(place.size()), place.data()),
-            L"cannot decode the frame");
+    const uint32_t left = area.left + (area.width - picture.width) / 2;
+    const uint32_t top = area.top + (area.height - picture.height) / 2;
+    for (uint32_t row = 0; row < picture.height; ++row)
+        std::copy_n(picture.pixels.begin() + static_cast<std::ptrdiff_t>(row * picture.Stride()),
+                    picture.Stride(), pixels + size_t{top + row} * stride + left * PixelBlock::bytesPerPixel);
 }
 
 void Canvas::Write(std::wstring_view text, const Area& area, COLORREF colour)
@@ -116,6 +105,17 @@ void Canvas::Write(std::wstring_view text, const Area& area, COLORREF colour)
     SetTextColor(context.get(), colour);
     ExtTextOutW(context.get(), (clip.left + clip.right) / 2, clip.top + above, ETO_CLIPPED, &clip,
                 fitted.data(), static_cast<UINT>(fitted.size()), nullptr);
+}
+
+void Canvas::Write(std::wstring_view text, std::span<const Area> lines, COLORREF colour)
+{
+    while (!lines.empty() && !text.empty())
+    {
+        const std::wstring_view line = lines.size() == 1 ? text : FirstLine(text, lines.front().width);
+        Write(line, lines.front(), colour);
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
+        lines = lines.subspan(1);
+    }
 }
 
 std::span<uint8_t> Canvas::Rows(uint32_t count) noexcept
@@ -132,10 +132,22 @@ uint32_t Canvas::WidthOf(std::wstring_view text) const
     return static_cast<uint32_t>(size.cx);
 }
 
+/// As many words as have room side by side, but at least one.
+std::wstring_view Canvas::FirstLine(std::wstring_view text, uint32_t room) const
+{
+    std::wstring_view line = text.substr(0, text.find(L' '));
+    while (line.size() < text.size())
+    {
+        const std::wstring_view longer = text.substr(0, text.find(L' ', line.size() + 1));
+        if (longer.size() > longestText || WidthOf(longer) > room)
+            break;
+        line = longer;
+    }
+    return line;
+}
+
 std::wstring Canvas::Fitted(std::wstring_view text, uint32_t room) const
 {
-    // GDI takes at most 8192 characters at a time, and no cell has room for that many.
-    constexpr size_t longestText = 1000;
     if (text.size() <= longestText && WidthOf(text) <= room)
         return std::wstring(text);
     size_t fitting = 0;

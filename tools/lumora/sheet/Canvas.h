@@ -1,5 +1,7 @@
 #pragma once
 
+#include "lumora/pictures/PixelBlock.h"
+
 #include <windows.h>
 
 #include <wincodec.h>
@@ -32,11 +34,14 @@ public:
     void Fill(const Area& area, COLORREF colour);
 
     /// Copies the picture into the middle of an area in which it has room.
-    void Paint(IWICBitmapSource& picture, const Area& area);
+    void Paint(const PixelBlock& picture, const Area& area);
 
     /// Writes one line into the middle of the area. A line that is too long loses its middle, because the
     /// names of a series differ at the end.
     void Write(std::wstring_view text, const Area& area, COLORREF colour);
+
+    /// Writes a text that may take several lines, each into an area. What has no room loses its middle.
+    void Write(std::wstring_view text, std::span<const Area> lines, COLORREF colour);
 
     /// How the pixels are stored.
     static const WICPixelFormatGUID& Format() noexcept { return GUID_WICPixelFormat24bppBGR; }
@@ -57,6 +62,7 @@ private:
     };
 
     [[nodiscard]] uint32_t WidthOf(std::wstring_view text) const;
+    [[nodiscard]] std::wstring_view FirstLine(std::wstring_view text, uint32_t room) const;
     [[nodiscard]] std::wstring Fitted(std::wstring_view text, uint32_t room) const;
 
     const uint32_t height;

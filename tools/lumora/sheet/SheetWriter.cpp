@@ -1,15 +1,19 @@
 #include "lumora/sheet/SheetWriter.h"
 
+#include "lumora/console/Failure.h"
 #include "lumora/files/Paths.h"
-#include "lumora/pictures/PictureFile.h"
-#include "lumora/pictures/PropertyReader.h"
+#include "lumora/pictures/PictureWriter.h"
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 namespace Lumora {
 
 namespace {
+
+constexpr uint32_t linesPerCell = 3;
+constexpr uint32_t smallestCellWidth = 144;
 
 /// Dark, so that it does not outshine the pictures. Not black, because many pictures have black edges.
 constexpr COLORREF backgroundColour = RGB(48, 48, 48);
@@ -18,80 +22,114 @@ constexpr COLORREF nameColour = RGB(236, 236, 236);
 constexpr COLORREF factsColour = RGB(168, 168, 168);
 constexpr COLORREF failureColour = RGB(240, 160, 80);
 
-/// The value of the property with that name in words; empty when the file does not have it.
-std::wstring TextOf(const std::vector<PropertyReading>& readings, std::wstring_view name)
+SheetLayout LayoutOf(uint32_t side, std::optional<uint32_t> columns)
 {
-    const auto found = std::find_if(readings.begin(), readings.end(),
-                                    [name](const PropertyReading& reading) { return reading.name == name; });
-    if (found == readings.end())
-        return {};
-    if (const uint32_t* const number = std::get_if<uint32_t>(&found->value))
-        return std::to_wstring(*number);
-    const std::wstring* const words = std::get_if<std::wstring>(&found->value);
-    return words ? *words : std::wstring();
+    return {{.picture = {side, side}, .lines = linesPerCell, .smallestWidth = smallestCellWidth}, columns};
+}
+
+/// The reason in few words: a cell has room for no more. The reader's own are the most exact ones.
+std::wstring_view ReasonOf(const FileReport& report)
+{
+    constexpr std::wstring_view source = L"[Lumora] ";
+    if (report.lines.empty())
+        return *report.failure;
+    std::wstring_view line = report.lines.back();
+    if (line.starts_with(source))
+        line.remove_prefix(source.size());
+    return line;
+}
+
+std::wstring NumberedName(const std::wstring& name, size_t number)
+{
+    const std::wstring_view extension = FileExtension(name);
+    return name.substr(0, name.size() - extension.size()) + L'-' + std::to_wstring(number) +
+           std::wstring(extension);
 }
 
 } // namespace
 
-SheetWriter::SheetWriter(IWICImagingFactory& wicFactory, const SheetLayout& sheetLayout, uint32_t side,
-                         const std::wstring& path)
-    : factory(wicFactory), layout(sheetLayout), pictureSide(side),
-      png(factory, path, layout.Width(), layout.Height(), Canvas::Format()),
-      strip(layout.Width(), layout.StripHeight())
+SheetWriter::SheetWriter(ComPtr<IWICImagingFactory> wicFactory, std::wstring sheetName, uint32_t side,
+                         std::optional<uint32_t> columns, std::optional<uint32_t> rows)
+    : factory(std::move(wicFactory)), name(std::move(sheetName)), layout(LayoutOf(side, columns)),
+      rowsOfSheet(std::min(rows.value_or(layout.MostRows()), layout.MostRows())),
+      strip(layout.WidthOf(layout.Columns()), layout.StripHeight()), store(OpenablePath(name))
 {
-    strip.Fill({0, 0, layout.Width(), strip.Height()}, backgroundColour);
-    png.WriteRows(SheetLayout::gap, strip.Stride(), strip.Rows(SheetLayout::gap));
+    strip.Fill({0, 0, layout.WidthOf(layout.Columns()), layout.StripHeight()}, backgroundColour);
 }
 
-void SheetWriter::Show(const SourceFile& file)
+void SheetWriter::Add(const SourceFile& file, const FileReport& report)
 {
+    if (row == rowsOfSheet)
+        FinishSheet(false);
     const SheetLayout::Cell cell = layout.CellAt(column);
-    const PictureFile picture(factory, file.path);
-    strip.Paint(*picture.Frame(0, pictureSide).Get(), cell.picture);
-
-    const std::vector<PropertyReading> readings = ReadProperties(file.path);
-    const std::wstring frames = TextOf(readings, L"frameCount");
-    WriteName(file, nameColour);
-    strip.Write(TextOf(readings, L"width") + L" x " + TextOf(readings, L"height") + L", " +
-                    TextOf(readings, L"pixelType"),
-                cell.lines[1], factsColour);
-    strip.Write(frames + (frames == L"1" ? L" frame" : L" frames"), cell.lines[2], factsColour);
-}
-
-void SheetWriter::ShowFailure(const SourceFile& file)
-{
-    const SheetLayout::Cell cell = layout.CellAt(column);
-    // Part of the picture may be there already.
-    strip.Fill(cell.whole, backgroundColour);
-    strip.Fill(cell.picture, emptyPlaceColour);
-    strip.Write(L"cannot be shown", cell.picture, failureColour);
-    WriteName(file, failureColour);
-}
-
-void SheetWriter::FinishCell()
-{
+    const COLORREF colour = report.failure ? failureColour : nameColour;
+    strip.Write(JoinPath(file.subfolder, FileName(file.name)), cell.lines[0], colour);
+    report.failure ? ShowFailure(report, cell) : ShowPicture(report, cell);
     ++column;
     if (column == layout.Columns())
         FinishRow();
 }
 
-void SheetWriter::Finish()
+std::vector<std::wstring> SheetWriter::Finish()
 {
-    if (column > 0)
-        FinishRow();
-    png.Finish();
+    if (row > 0 || column > 0)
+        FinishSheet(true);
+    return std::move(names);
 }
 
-void SheetWriter::WriteName(const SourceFile& file, COLORREF colour)
+void SheetWriter::ShowPicture(const FileReport& report, const SheetLayout::Cell& cell)
 {
-    strip.Write(JoinPath(file.subfolder, FileName(file.name)), layout.CellAt(column).lines[0], colour);
+    const FileProperties& properties = *report.properties;
+    const std::wstring frames = properties.TextOf(MetadataProperty::FrameCount);
+    strip.Paint(*report.thumbnail, cell.picture);
+    strip.Write(properties.TextOf(MetadataProperty::Width) + L" x " +
+                    properties.TextOf(MetadataProperty::Height) + L", " +
+                    properties.TextOf(MetadataProperty::PixelFormat),
+                cell.lines[1], factsColour);
+    strip.Write(frames + (frames == L"1" ? L" frame" : L" frames"), cell.lines[2], factsColour);
+}
+
+void SheetWriter::ShowFailure(const FileReport& report, const SheetLayout::Cell& cell)
+{
+    strip.Fill(cell.picture, emptyPlaceColour);
+    strip.Write(L"cannot be shown", cell.picture, failureColour);
+    strip.Write(ReasonOf(report), std::span(cell.lines).subspan(1), factsColour);
 }
 
 void SheetWriter::FinishRow()
 {
-    png.WriteRows(strip.Height(), strip.Stride(), strip.Rows(strip.Height()));
-    strip.Fill({0, 0, layout.Width(), strip.Height()}, backgroundColour);
+    store.Append(strip.Rows(strip.Height()));
+    strip.Fill({0, 0, layout.WidthOf(layout.Columns()), strip.Height()}, backgroundColour);
     column = 0;
+    ++row;
+}
+
+void SheetWriter::FinishSheet(bool isLast)
+{
+    // A single row may be shorter than the others would be.
+    const uint32_t columns = row == 0 ? column : layout.Columns();
+    if (column > 0)
+        FinishRow();
+    const bool isOnlyOne = isLast && names.empty();
+    names.push_back(isOnlyOne ? name : NumberedName(name, names.size() + 1));
+
+    WithName(names.back(), [&] { WriteSheet(layout.WidthOf(columns)); });
+}
+
+void SheetWriter::WriteSheet(uint32_t width)
+{
+    PictureWriter png(*factory.Get(), OpenablePath(names.back()), PictureFormat{}, width,
+                      layout.HeightOf(row), Canvas::Format());
+    png.WriteRows(SheetLayout::gap, strip.Stride(), strip.Rows(SheetLayout::gap));
+    std::vector<uint8_t> rows(size_t{strip.Stride()} * strip.Height());
+    store.Rewind();
+    for (; row > 0; --row)
+    {
+        store.Read(rows);
+        png.WriteRows(strip.Height(), strip.Stride(), rows);
+    }
+    png.Finish();
+    store.Rewind();
 }
 
 } // namespace Lumora

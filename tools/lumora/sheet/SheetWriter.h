@@ -1,46 +1,56 @@
 #pragma once
 
-#include "lumora/files/FileList.h"
-#include "lumora/pictures/PngWriter.h"
+#include "lumora/batch/FileReport.h"
+#include "lumora/files/FileSource.h"
 #include "lumora/sheet/Canvas.h"
+#include "lumora/sheet/RowStore.h"
 #include "lumora/sheet/SheetLayout.h"
+#include "platform/ComPtr.h"
+
+#include <wincodec.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace Lumora {
 
-/// Writes a contact sheet, cell after cell. Only the cells of one row are in memory at a time. Whatever fails
+/// Writes contact sheets, cell after cell. Only the cells of one row are in memory at a time. Whatever fails
 /// throws a Failure.
 class SheetWriter
 {
 public:
-    SheetWriter(IWICImagingFactory& factory, const SheetLayout& layout, uint32_t pictureSide,
-                const std::wstring& path);
+    /// A sheet of that name, whose pictures have this side. When a sheet has this number of rows, or as many
+    /// as programs can show, the next one begins: then a number is added to each name.
+    SheetWriter(ComPtr<IWICImagingFactory> factory, std::wstring name, uint32_t pictureSide,
+                std::optional<uint32_t> columns, std::optional<uint32_t> rows);
 
-    /// Fills the cell with the file's first frame and what is known of the file.
-    void Show(const SourceFile& file);
+    /// Fills the next cell with the file's first frame and what is known of the file, or with the reason why
+    /// it cannot be shown.
+    void Add(const SourceFile& file, const FileReport& report);
 
-    /// Says in the cell that the file cannot be shown.
-    void ShowFailure(const SourceFile& file);
-
-    /// Goes on to the next cell.
-    void FinishCell();
-
-    /// Completes the sheet after the last cell.
-    void Finish();
+    /// Completes the last sheet. Returns the names of all; none if there is no cell.
+    [[nodiscard]] std::vector<std::wstring> Finish();
 
 private:
-    void WriteName(const SourceFile& file, COLORREF colour);
+    void ShowPicture(const FileReport& report, const SheetLayout::Cell& cell);
+    void ShowFailure(const FileReport& report, const SheetLayout::Cell& cell);
     void FinishRow();
+    void FinishSheet(bool isLast);
+    void WriteSheet(uint32_t width);
 
-    IWICImagingFactory& factory;
+    ComPtr<IWICImagingFactory> factory;
+    const std::wstring name;
     const SheetLayout layout;
-    const uint32_t pictureSide;
-    PngWriter png;
+    const uint32_t rowsOfSheet;
     /// The row that is being filled.
     Canvas strip;
+    /// The rows that are complete.
+    RowStore store;
+    uint32_t row = 0;
     uint32_t column = 0;
+    std::vector<std::wstring> names;
 };
 
 } // namespace Lumora

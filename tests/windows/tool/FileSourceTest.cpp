@@ -1,4 +1,4 @@
-#include "lumora/files/FileList.h"
+#include "lumora/files/FileSource.h"
 #include "windows/clients/TemporaryFolder.h"
 #include "windows/support/ImportHook.h"
 
@@ -64,15 +64,14 @@ std::vector<std::wstring> CountingFiles(const std::filesystem::path& folder, DWO
     const ImportHook open(program, "SHCreateStreamOnFileEx", Open);
     addedAttributes = attributes;
     opened.clear();
-    Lumora::Console console;
     std::vector<std::wstring> names;
     for (const Lumora::SourceFile& file :
-         FindFiles({folder.wstring()}, Lumora::FolderRule::ReadableToo, console).files)
+         Lumora::AllFilesOf({{folder.wstring()}, nullptr, Lumora::FolderRule::ReadableToo}).files)
         names.emplace_back(PathFindFileNameW(file.path.c_str()));
     return names;
 }
 
-TEST(FileList, FetchesNoFileFromTheCloudToLookAtIt)
+TEST(FileSource, FetchesNoFileFromTheCloudToLookAtIt)
 {
     const TemporaryFolder folder;
     folder.Write("known.mrc", std::vector<uint8_t>(1));
@@ -89,7 +88,7 @@ TEST(FileList, FetchesNoFileFromTheCloudToLookAtIt)
     }
 }
 
-TEST(FileList, FollowsFoldersOfTheCloudButNoLinks)
+TEST(FileSource, FollowsFoldersOfTheCloudButNoLinks)
 {
     const TemporaryFolder folder;
     folder.Write("sub\\known.mrc", std::vector<uint8_t>(1));

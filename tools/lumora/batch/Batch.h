@@ -1,0 +1,28 @@
+#pragma once
+
+#include "lumora/arguments/CommandLine.h"
+#include "lumora/batch/FileReport.h"
+#include "lumora/batch/FileTask.h"
+#include "lumora/console/Console.h"
+#include "lumora/files/FileSource.h"
+
+#include <functional>
+
+namespace Lumora {
+
+/// What a command does with its files.
+struct BatchWork
+{
+    /// What is to be done with a file. Called for each file in the order of the source, on another thread. A
+    /// Failure is that of the file.
+    std::function<FileTask(const SourceFile&)> plan;
+    /// Takes the outcome, in the same order, on the thread of RunBatch. An exception ends the batch.
+    std::function<void(const SourceFile&, const FileReport&)> finish;
+};
+
+/// Works on all files that the command line names, with as many jobs as it asks for. Complains about each
+/// failure, and passes it on. Returns the exit code. Throws a Failure if the batch cannot go on, or was
+/// interrupted.
+[[nodiscard]] int RunBatch(const CommandLine& line, Console& console, const BatchWork& work);
+
+} // namespace Lumora

@@ -1,0 +1,206 @@
+#include "lumora/files/FileSource.h"
+
+#include "lumora/console/Failure.h"
+#include "lumora/files/FileSystem.h"
+#include "lumora/files/Paths.h"
+#include "lumora/pictures/PropertyReader.h"
+#include "registration/Formats.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+namespace Lumora {
+
+namespace {
+
+struct FindCloser
+{
+    void operator()(HANDLE search) const noexcept { FindClose(search); }
+};
+
+/// Folders of the cloud are reparse points, too, but no links.
+bool IsLink(const WIN32_FIND_DATAW& found) noexcept
+{
+    return (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
+           IsReparseTagNameSurrogate(found.dwReserved0);
+}
+
+/// The entries of a folder that match the pattern, sorted by name. Throws a Failure.
+std::vector<FolderEntry> ListFolder(const std::wstring& folder, const std::wstring& pattern)
+{
+    std::vector<FolderEntry> entries;
+    WIN32_FIND_DATAW found = {};
+    const HANDLE first = FindFirstFileW(OpenablePath(JoinPath(folder, pattern)).c_str(), &found);
+    if (first == INVALID_HANDLE_VALUE)
+    {
+        const DWORD error = GetLastError();
+        if (error == ERROR_FILE_NOT_FOUND)
+            return entries;
+        throw Failure{DescribeError(error)};
+    }
+    const std::unique_ptr<void, FindCloser> search(first);
+    do
+    {
+        const std::wstring name = found.cFileName;
+        if (name != L"." && name != L"..")
+            entries.push_back({name, (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0, IsLink(found),
+                               IsElsewhere(found.dwFileAttributes)});
+    } while (FindNextFileW(first, &found));
+    std::sort(entries.begin(), entries.end(), [](const FolderEntry& left, const FolderEntry& right) {
+        return NameLess{}(left.name, right.name);
+    });
+    return entries;
+}
+
+/// A relative path in its shortest form. Empty for a path from a root, and for one that leads upwards.
+std::wstring PathBelow(std::wstring_view path)
+{
+    if (path.starts_with(L'\\') || path.starts_with(L'/') || path.find(L':') != std::wstring_view::npos)
+        return {};
+    std::wstring below;
+    while (!path.empty())
+    {
+        const std::wstring_view part = path.substr(0, path.find_first_of(L"\\/"));
+        path.remove_prefix(std::min(part.size() + 1, path.size()));
+        if (part == L"..")
+            return {};
+        if (!part.empty() && part != L".")
+            below = JoinPath(below, part);
+    }
+    return below;
+}
+
+SourceFile NoFile(const std::wstring& name, std::wstring failure)
+{
+    return {name, {}, {}, std::move(failure)};
+}
+
+} // namespace
+
+FileSource::FileSource(std::vector<std::wstring> namedPaths, std::unique_ptr<NameList> nameList,
+                       FolderRule folderRule)
+    : paths(std::move(namedPaths)), names(std::move(nameList)), rule(folderRule)
+{}
+
+std::optional<SourceFile> FileSource::Next()
+{
+    for (;;)
+    {
+        std::optional<SourceFile> found;
+        if (nextEntry < entries.size())
+        {
+            found = Take(entries[nextEntry++]);
+        }
+        else if (!pending.empty())
+        {
+            const std::wstring next = std::move(pending.back());
+            pending.pop_back();
+            found = LookInto(next, L"*");
+        }
+        else if (root)
+        {
+            if (root->isEmpty)
+                found = NoFile(root->name, root->isPattern ? L"no file has such a name"
+                                                           : L"there is no file for Lumora in this folder");
+            root.reset();
+        }
+        else if (nextPath < paths.size())
+        {
+            found = Begin(paths[nextPath++], false);
+        }
+        else
+        {
+            const std::optional<std::wstring> name = names ? names->Next() : std::nullopt;
+            if (!name)
+                return std::nullopt;
+            found = Begin(*name, true);
+        }
+        if (found)
+        {
+            if (root)
+                root->isEmpty = false;
+            return found;
+        }
+    }
+}
+
+/// A path that names one file or none is done at once. Others become the root.
+std::optional<SourceFile> FileSource::Begin(const std::wstring& path, bool isFromList)
+{
+    if (!isFromList && FileName(path).find_first_of(L"*?") != std::wstring::npos)
+    {
+        root = {.name = path, .folder = std::wstring(ParentFolder(path)), .subfolder = {}, .isPattern = true};
+        return LookInto({}, std::wstring(FileName(path)));
+    }
+    const std::wstring openable = OpenablePath(path);
+    const DWORD attributes = GetFileAttributesW(openable.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES)
+        return NoFile(path, DescribeError(GetLastError()));
+    const bool isFolder = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    std::wstring place;
+    if (isFromList)
+        place = PathBelow(isFolder ? path : ParentFolder(path));
+    if (!isFolder)
+        return SourceFile{path, openable, std::move(place), {}};
+    root = {.name = path, .folder = path, .subfolder = std::move(place)};
+    pending.emplace_back();
+    return std::nullopt;
+}
+
+/// If a folder cannot be listed, the search goes on with the others.
+std::optional<SourceFile> FileSource::LookInto(const std::wstring& next, const std::wstring& pattern)
+try
+{
+    subfolder = next;
+    nextEntry = 0;
+    entries.clear();
+    entries = ListFolder(Here(), pattern);
+    if (root->isPattern)
+        return std::nullopt;
+    // The folders of a folder come after its files, in the order of their names.
+    for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry)
+    {
+        if (entry->isFolder && !entry->isLink)
+            pending.push_back(JoinPath(subfolder, entry->name));
+    }
+    return std::nullopt;
+}
+catch (const Failure& failure)
+{
+    return NoFile(root->isPattern ? root->name : Here(), failure.text);
+}
+
+std::optional<SourceFile> FileSource::Take(const FolderEntry& entry)
+{
+    if (entry.isFolder || !(root->isPattern || Counts(entry)))
+        return std::nullopt;
+    const std::wstring name = root->isPattern ? root->folder + entry.name : JoinPath(Here(), entry.name);
+    return SourceFile{name, OpenablePath(name), JoinPath(root->subfolder, subfolder), {}};
+}
+
+bool FileSource::Counts(const FolderEntry& file) const
+{
+    if (RegisteredExtension(FileExtension(file.name)))
+        return true;
+    if (rule == FolderRule::RegisteredExtension || file.isElsewhere)
+        return false;
+    return !FailureOf([&] { static_cast<void>(ReadProperties(OpenablePath(JoinPath(Here(), file.name)))); });
+}
+
+std::wstring FileSource::Here() const
+{
+    return JoinPath(root->folder, subfolder);
+}
+
+FileList AllFilesOf(FileSource source)
+{
+    FileList list;
+    while (std::optional<SourceFile> found = source.Next())
+        (found->failure ? list.failures : list.files).push_back(std::move(*found));
+    return list;
+}
+
+} // namespace Lumora

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "lumora/batch/FileReport.h"
+#include "lumora/batch/FileTask.h"
+
+#include <wincodec.h>
+
+#include <string>
+#include <vector>
+
+namespace Lumora {
+
+/// Writes the pictures that are ordered of a file, and adds each one that is complete to the reports. Throws
+/// a Failure.
+void MakePictures(IWICImagingFactory& factory, const std::wstring& path, const PictureOrder& order,
+                  std::vector<PictureReport>& reports);
+
+/// The name of the first picture that is ordered.
+[[nodiscard]] std::wstring FirstPictureName(const PictureOrder& order);
+
+} // namespace Lumora
