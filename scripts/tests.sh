@@ -63,6 +63,7 @@ run_tests() {
   configure windows
   configure_windows_tests -D LUMORA_REAL_FILES="$real"
   lint_format
+  step json-lines "Checking the approved lines of JSON" tests/json/check-lines
   # Programs under Wine wait much, compilers do not: side by side they keep the processors busy.
   test_natively &
   local natively=$!

@@ -114,19 +114,29 @@ std::string RunAgain(const std::string& approved)
     return transcript;
 }
 
+std::string TextOf(const std::filesystem::path& file)
+{
+    const Bytes bytes = FileBytes(file);
+    return {bytes.begin(), bytes.end()};
+}
+
 class ToolTranscript : public testing::TestWithParam<std::string>
 {};
+
+/// Compares a text that the tool has made with the one in the file, or writes it there.
+void CompareWithApproved(const std::filesystem::path& file, const std::string& text, const std::string& approved)
+{
+    EXPECT_EQ(text, approved);
+    if (std::getenv("LUMORA_APPROVE") != nullptr)
+        std::ofstream(file, std::ios::binary) << text;
+}
 
 TEST_P(ToolTranscript, IsTheApprovedOne)
 {
     const std::filesystem::path file = transcripts / (GetParam() + ".txt");
-    const Bytes bytes = FileBytes(file);
-    const std::string approved(bytes.begin(), bytes.end());
+    const std::string approved = TextOf(file);
     ASSERT_NE(approved, "");
-    const std::string transcript = RunAgain(approved);
-    EXPECT_EQ(transcript, approved);
-    if (std::getenv("LUMORA_APPROVE") != nullptr)
-        std::ofstream(file, std::ios::binary) << transcript;
+    CompareWithApproved(file, RunAgain(approved), approved);
 }
 
 std::vector<std::string> Names()
@@ -140,5 +150,28 @@ std::vector<std::string> Names()
 
 INSTANTIATE_TEST_SUITE_P(Of, ToolTranscript, testing::ValuesIn(Names()),
                          [](const auto& name) { return name.param; });
+
+// The chapter of the guide that describes all options is what the tool itself says.
+TEST(ToolHelp, IsAChapterOfTheGuide)
+{
+    const TemporaryFolder folder;
+    std::string chapter = "# All commands and options\n";
+    for (const wchar_t* const command : {L"", L"info", L"render", L"sheet", L"doctor", L"register", L"unregister"})
+    {
+        const std::wstring name = command;
+        const ToolRun run(name.empty() ? std::vector<std::wstring>{L"--help"}
+                                       : std::vector<std::wstring>{name, L"--help"},
+                          folder.Path());
+        EXPECT_EQ(run.exitCode, 0U);
+        EXPECT_EQ(run.error, "");
+        chapter += "\n## lumora" + std::string(name.empty() ? "" : " ") + std::filesystem::path(name).string() +
+                   "\n\n";
+        std::istringstream lines(run.output);
+        for (std::string line; std::getline(lines, line);)
+            chapter += (line.empty() ? "" : "    ") + line + '\n';
+    }
+    const std::filesystem::path file = TestFolder("source") / "docs" / "commands.md";
+    CompareWithApproved(file, chapter, TextOf(file));
+}
 
 } // namespace

@@ -8,7 +8,7 @@
 
 namespace Lumora {
 
-/// All that is known of a file as one line of JSON Lines; docs/json.md describes it. With the pictures that
+/// All that is known of a file as one line of JSON Lines; docs/json-lines.md describes it. With the pictures that
 /// were written, if there could be any.
 [[nodiscard]] std::wstring JsonLine(const SourceFile& file, const FileReport& report, bool withTargets);
 
