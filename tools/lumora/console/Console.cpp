@@ -1,22 +1,11 @@
 #include "lumora/console/Console.h"
 
+#include "lumora/console/Utf8.h"
+
 #include <algorithm>
 #include <string>
 
 namespace Lumora {
-
-namespace {
-
-std::string ToUtf8(std::wstring_view text)
-{
-    const auto length = static_cast<int>(text.size());
-    const int needed = WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
-    std::string bytes(static_cast<size_t>(needed), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text.data(), length, bytes.data(), needed, nullptr, nullptr);
-    return bytes;
-}
-
-} // namespace
 
 Console::Console() : output(Open(STD_OUTPUT_HANDLE)), error(Open(STD_ERROR_HANDLE)) {}
 
