@@ -35,6 +35,8 @@ test_windows() {
   test_package &
   packaged=$!
   prefix
+  show_tests gallery "Looking at pages of the HTML sheet in a browser" tests/gallery/check-page \
+    build/windows/bin/gallery_page.exe build/gallery || status=1
   show_tests ctest-windows "Running the Windows tests" ctest --preset windows-tests -j "$jobs" || status=1
   wait $packaged || status=1
   wait $lint || status=1
