@@ -27,7 +27,7 @@ test_package() {
 }
 
 test_windows() {
-  local status=0 lint packaged
+  local status=0 lint packaged looked
   compile windows
   compile windows-tests
   (tidy windows $(sources | grep -E "$for_windows")) &
@@ -36,8 +36,10 @@ test_windows() {
   packaged=$!
   prefix
   show_tests gallery "Looking at pages of the HTML sheet in a browser" tests/gallery/check-page \
-    build/windows/bin/gallery_page.exe build/gallery || status=1
+    build/windows/bin/gallery_page.exe build/gallery &
+  looked=$!
   show_tests ctest-windows "Running the Windows tests" ctest --preset windows-tests -j "$jobs" || status=1
+  wait $looked || status=1
   wait $packaged || status=1
   wait $lint || status=1
   return $status

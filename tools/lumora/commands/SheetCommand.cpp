@@ -7,6 +7,7 @@
 #include "lumora/files/Paths.h"
 #include "lumora/pictures/ImagingFactory.h"
 #include "lumora/pictures/UnfinishedFile.h"
+#include "lumora/sheet/GalleryWriter.h"
 #include "lumora/sheet/SheetWriter.h"
 
 #include <algorithm>
@@ -52,11 +53,83 @@ int WriteSheets(const CommandLine& line, Console& console)
     return exitCode;
 }
 
+/// The path of a picture from the folder of the page, with slashes.
+std::wstring PathOnPage(const std::wstring& folder, const std::wstring& picture)
+{
+    std::wstring path = picture.substr(JoinPath(folder, L"x").size() - 1);
+    std::ranges::replace(path, L'\\', L'/');
+    return path;
+}
+
+GalleryEntry EntryOf(const std::wstring& folder, const SourceFile& file, const FileReport& report)
+{
+    GalleryEntry entry;
+    entry.name = JoinPath(file.subfolder, FileName(file.name));
+    entry.source = file.path;
+    if (report.failure)
+    {
+        entry.failure = *report.failure;
+        return entry;
+    }
+    const PictureReport& picture = report.pictures.front();
+    entry.picture = PathOnPage(folder, picture.name);
+    entry.pictureWidth = picture.width;
+    entry.pictureHeight = picture.height;
+    const FileProperties& properties = *report.properties;
+    entry.width = properties.NumberOf(MetadataProperty::Width);
+    entry.height = properties.NumberOf(MetadataProperty::Height);
+    entry.frames = properties.NumberOf(MetadataProperty::FrameCount);
+    entry.pixelType = properties.TextOf(MetadataProperty::PixelFormat);
+    entry.software = properties.TextOf(MetadataProperty::Software);
+    entry.details = properties.TextOf(MetadataProperty::FormatDetails);
+    return entry;
+}
+
+/// What the page is called in the browser: what it shows.
+std::wstring TitleOf(const CommandLine& line)
+{
+    return line.paths.empty() ? line.namesFrom
+                              : line.paths.front() + (line.paths.size() > 1 ? L" \u2026" : L"");
+}
+
+int WritePage(const CommandLine& line, Console& console)
+{
+    const std::wstring folder = line.output.value_or(L"sheet");
+    const std::wstring name = JoinPath(folder, L"index.html");
+    const uint32_t side = line.longerSide.value_or(usualPictureSide);
+    GalleryWriter page(OpenablePath(name), TitleOf(line), side);
+    PagePictureNames names(JoinPath(folder, L"pictures"));
+    size_t entries = 0;
+    const int exitCode = RunBatch(line, console,
+                                  {[&](const SourceFile& file) {
+                                       FileTask task;
+                                       task.path = file.path;
+                                       task.wantsProperties = true;
+                                       task.pictures.emplace();
+                                       task.pictures->longerSide = side;
+                                       task.pictures->skipsExisting = line.skipsExisting;
+                                       names.Claim(file, *task.pictures);
+                                       return task;
+                                   },
+                                   [&](const SourceFile& file, const FileReport& report) {
+                                       if (!HasPlace(line, file, report))
+                                           return;
+                                       page.Add(EntryOf(folder, file, report));
+                                       ++entries;
+                                   }});
+    if (entries == 0)
+        throw Failure{noFiles};
+    page.Finish();
+    console.Print(name + L'\n');
+    return exitCode;
+}
+
 } // namespace
 
 int RunSheet(const CommandLine& line, Console& console)
 {
-    return WriteSheets(line, console);
+    RequireDecoder();
+    return line.isPage ? WritePage(line, console) : WriteSheets(line, console);
 }
 
 } // namespace Lumora

@@ -40,7 +40,7 @@ class GalleryWriter
 public:
     /// The page gets this path when it is finished; its folder is made. No picture has a side longer than
     /// `pictureSide`, in pixels.
-    GalleryWriter(const std::wstring& path, std::wstring_view title, uint32_t pictureSide = 200);
+    GalleryWriter(const std::wstring& path, std::wstring_view title, uint32_t pictureSide);
 
     void Add(const GalleryEntry& entry);
 
