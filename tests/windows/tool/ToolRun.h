@@ -1,15 +1,10 @@
 #pragma once
 
+#include "windows/tool/RunningTool.h"
+
 #include <filesystem>
 #include <string>
 #include <vector>
-
-/// What becomes of what a program prints: it is kept, or cannot be written, as on a full disk.
-enum class ToolOutput
-{
-    Kept,
-    Unwritable,
-};
 
 /// One run of lumora.exe: its exit code and what it wrote, as UTF-8.
 struct ToolRun
