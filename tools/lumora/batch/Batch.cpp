@@ -107,6 +107,9 @@ private:
         {
             item->report = worker.Do(item->task);
             queue.Done(*item);
+            // The next result may be long in coming, and no other job may go on until then.
+            if (Interruption::IsWanted())
+                queue.Close();
         }
     }
 

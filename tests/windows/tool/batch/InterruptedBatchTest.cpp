@@ -140,6 +140,26 @@ TEST_F(InterruptedBatch, StopsAfterCtrlCWithoutHalfWrittenFilesAndCanGoOn)
     EXPECT_EQ(Lines(Complete(L"stopped").output), files - done);
 }
 
+TEST_F(InterruptedBatch, BeginsNothingNewAfterCtrlCEvenIfAFileTakesLong)
+{
+    folder->Write("slow.h5", FileBytes(TestFolder("source") / "samples" / "acquisition.h5"));
+    const HolderProcess holder;
+    const RunningTool tool({L"render", L"--jobs", L"2", L"-o", L"late", L"slow.h5", L"in"}, folder->Path(),
+                           ToolOutput::Kept, CREATE_NO_WINDOW);
+    while (FilesIn("late").size() < 5 && !tool.HasEnded())
+        Sleep(5);
+    PressCtrlC(tool);
+    Sleep(200);
+    const size_t begun = FilesIn("late").size();
+    EXPECT_THAT(begun, Lt(size_t{files}));
+    Sleep(300);
+    EXPECT_THAT(FilesIn("late"), SizeIs(begun));
+    holder.LetGo();
+    EXPECT_EQ(tool.WaitForEnd(), 1U);
+    EXPECT_THAT(FilesIn("late"), SizeIs(begun + 1)) << "slow.png";
+    EXPECT_EQ(tool.Error(), "lumora: stopped after " + std::to_string(begun + 1) + " files\n");
+}
+
 TEST_F(InterruptedBatch, LosesNothingWhenItIsKilled)
 {
     const std::unique_ptr<RunningTool> tool = RunInTheMiddle(L"killed");
