@@ -82,9 +82,11 @@ void WorkerProcess::Start()
         const std::lock_guard lock(inheriting);
         SetHandleInformation(startup.hStdInput, HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
         SetHandleInformation(startup.hStdOutput, HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
-        // It must belong to the job before it runs.
-        const BOOL isStarted = CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, TRUE,
-                                              CREATE_SUSPENDED, nullptr, nullptr, &startup, &started);
+        // It must belong to the job before it runs. In a group of its own it takes no notice of Ctrl+C from
+        // its first moment on.
+        const BOOL isStarted =
+            CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, TRUE,
+                           CREATE_SUSPENDED | CREATE_NEW_PROCESS_GROUP, nullptr, nullptr, &startup, &started);
         const DWORD error = GetLastError();
         input.reading.reset();
         output.writing.reset();
