@@ -22,7 +22,9 @@ std::wstring RateText(double perSecond)
 {
     if (perSecond >= 1)
         return std::to_wstring(std::llround(perSecond)) + L" a second";
-    return std::to_wstring(std::llround(perSecond * 60)) + L" a minute";
+    if (perSecond * 60 >= 1)
+        return std::to_wstring(std::llround(perSecond * 60)) + L" a minute";
+    return std::to_wstring(std::llround(perSecond * 3600)) + L" an hour";
 }
 
 } // namespace

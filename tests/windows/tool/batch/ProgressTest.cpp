@@ -19,10 +19,12 @@ TEST(ProgressLine, KnowsNoRestWithoutTheTotal)
     EXPECT_EQ(ProgressLine(300, std::nullopt, 2.0, L"in\\b.ser"), L"300, 150 a second: in\\b.ser");
 }
 
-TEST(ProgressLine, CountsFilesInAMinuteIfASecondIsTooShort)
+TEST(ProgressLine, TakesATimeInWhichAFileIsDone)
 {
     EXPECT_EQ(ProgressLine(4, 5, 4.0, L"a"), L"4 of 5, 1 a second, 1 s left: a");
     EXPECT_EQ(ProgressLine(1, 3, 16.0, L"a"), L"1 of 3, 4 a minute, 32 s left: a"); // 3.75
+    EXPECT_EQ(ProgressLine(1, 2, 60.0, L"a"), L"1 of 2, 1 a minute, 1 min 0 s left: a");
+    EXPECT_EQ(ProgressLine(1, 2, 128.0, L"a"), L"1 of 2, 28 an hour, 2 min 8 s left: a"); // 28.125
 }
 
 TEST(ProgressLine, ShowsTheTwoLargestUnitsOfTheRest)
