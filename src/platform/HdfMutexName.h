@@ -6,4 +6,7 @@ namespace Tav::Imaging::RawImage {
 /// name.
 constexpr wchar_t hdfMutexName[] = L"Perivane_Mutex_HDF5_Library";
 
+/// What the reader notes when it has not got the mutex.
+constexpr wchar_t hdfMutexTimeout[] = L"[Lumora] HDF: Mutex timeout";
+
 } // namespace Tav::Imaging::RawImage

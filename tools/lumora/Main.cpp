@@ -71,7 +71,7 @@ int Run(std::span<const wchar_t* const> arguments, Console& console)
     const CommandLine line = ParseCommandLine(arguments);
     const int exitCode = RunCommand(line, console);
     if (exitCode == 0 && IsOutputWanted(line) && !console.IsComplete())
-        throw Failure{L"not all of the output could be written"};
+        throw Failure{notAllWritten};
     return exitCode;
 }
 

@@ -15,8 +15,8 @@
 
 // A transcript in tests/transcripts is what a terminal shows: command lines after "$ ", what the tool prints,
 // what it prints on standard error after "! ", and in brackets an exit code other than 0. At the end are the
-// files that the commands have written, after "+ ". Times are written as 0. With LUMORA_APPROVE=1 in the
-// environment, these tests write the transcripts anew. Read what has changed in them.
+// files that the commands have written, after "+ ". Times are written as 0, and hashes as HASH. With
+// LUMORA_APPROVE=1 in the environment, these tests write the transcripts anew. Read what has changed in them.
 
 namespace {
 
@@ -90,6 +90,8 @@ std::string RunAgain(const std::string& approved)
     const TemporaryFolder folder;
     WriteFiles(folder);
     const std::vector<std::string> before = folder.Files();
+    // The names of a page's pictures depend on the full paths of the files.
+    static const std::regex hash("-[0-9A-F]{8}(~2)?\\.png$");
     std::string transcript;
     std::istringstream lines(approved);
     for (std::string line; std::getline(lines, line);)
@@ -109,7 +111,7 @@ std::string RunAgain(const std::string& approved)
     for (const std::string& file : folder.Files())
     {
         if (!std::ranges::binary_search(before, file))
-            transcript += "+ " + file + '\n';
+            transcript += "+ " + std::regex_replace(file, hash, "-HASH$1.png") + '\n';
     }
     return transcript;
 }
@@ -124,7 +126,8 @@ class ToolTranscript : public testing::TestWithParam<std::string>
 {};
 
 /// Compares a text that the tool has made with the one in the file, or writes it there.
-void CompareWithApproved(const std::filesystem::path& file, const std::string& text, const std::string& approved)
+void CompareWithApproved(const std::filesystem::path& file, const std::string& text,
+                         const std::string& approved)
 {
     EXPECT_EQ(text, approved);
     if (std::getenv("LUMORA_APPROVE") != nullptr)
@@ -156,7 +159,8 @@ TEST(ToolHelp, IsAChapterOfTheGuide)
 {
     const TemporaryFolder folder;
     std::string chapter = "# All commands and options\n";
-    for (const wchar_t* const command : {L"", L"info", L"render", L"sheet", L"doctor", L"register", L"unregister"})
+    for (const wchar_t* const command :
+         {L"", L"info", L"render", L"sheet", L"doctor", L"register", L"unregister"})
     {
         const std::wstring name = command;
         const ToolRun run(name.empty() ? std::vector<std::wstring>{L"--help"}
@@ -164,8 +168,8 @@ TEST(ToolHelp, IsAChapterOfTheGuide)
                           folder.Path());
         EXPECT_EQ(run.exitCode, 0U);
         EXPECT_EQ(run.error, "");
-        chapter += "\n## lumora" + std::string(name.empty() ? "" : " ") + std::filesystem::path(name).string() +
-                   "\n\n";
+        chapter += "\n## lumora" + std::string(name.empty() ? "" : " ") +
+                   std::filesystem::path(name).string() + "\n\n";
         std::istringstream lines(run.output);
         for (std::string line; std::getline(lines, line);)
             chapter += (line.empty() ? "" : "    ") + line + '\n';

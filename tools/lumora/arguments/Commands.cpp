@@ -72,8 +72,8 @@ constexpr Option programOptions[] = {
 
 constexpr Option filesFrom = {
     L"--files-from", L"LIST",
-    L"take the names in this file, too, one on a line; - is the standard input. A relative name keeps its "
-    L"folders where pictures are written",
+    L"take the names in this file, too, one on a line; - is the standard input. The picture of "
+    L"sub\\x.mrc goes to sub in the target folder",
     [](CommandLine& line, Value value) { return TakeText(line.namesFrom, value); }};
 
 constexpr Option nulSeparated = {L"-0", L"", L"the names of the list end with NUL characters",
@@ -281,9 +281,12 @@ constexpr CommandDescription commands[] = {
             L"and for every frame when there may be several. Frames that a file does not have are left out; "
             L"one of them must be there. Files from the subfolders of a PATH go to subfolders of the same "
             L"names.\n"
-            L"An earlier picture is replaced, a file of another kind never, and no two pictures of one run "
-            L"get the same name. The names of the pictures are printed. With --skip-existing, a run that was "
-            L"interrupted goes on where it was.\n",
+            L"A montage is NAME-montage.png.\n"
+            L"A picture of that name and format is replaced, a file of another kind never, and no two "
+            L"pictures "
+            L"of one run get the same name. The names of the pictures are printed.\n"
+            L"With --skip-existing, a run that was interrupted goes on where it was. The times of the files "
+            L"count, and not with which options a picture was made.\n",
         .options = renderOptions,
         .conflict = RenderConflict,
     },

@@ -1,65 +1,105 @@
 #include "lumora/batch/Batch.h"
 
 #include "lumora/batch/FileWorker.h"
-#include "lumora/batch/Interruption.h"
 #include "lumora/batch/WorkQueue.h"
 #include "lumora/batch/WorkerProcess.h"
 #include "lumora/console/ComApartment.h"
 #include "lumora/console/Failure.h"
+#include "lumora/console/Interruption.h"
 #include "lumora/console/Progress.h"
 
 #include <algorithm>
+#include <atomic>
+#include <list>
+#include <optional>
 #include <thread>
-#include <vector>
+
+#include <pthread.h>
 
 namespace Lumora {
 
 namespace {
 
-/// So many files wait at most. Each may hold a picture.
-constexpr size_t largestQueue = 1000;
-constexpr size_t memoryOfQueue = size_t{64} << 20;
+/// So many names are found ahead of the work at most, so that the time that is left can be told early.
+constexpr size_t mostFound = 20'000;
+/// So many files are worked on ahead of the results at most.
+constexpr size_t mostAhead = 1000;
+constexpr size_t memoryAhead = size_t{64} << 20;
 
-size_t QueueSize(const CommandLine& line)
+/// How many files may be worked on before the result of the first one is taken.
+size_t AheadOf(const CommandLine& line, size_t reportBytes)
 {
-    const size_t side = line.longerSide.value_or(0);
-    const size_t picture = line.command == Command::Sheet ? side * side * PixelBlock::bytesPerPixel : 0;
-    const size_t fitting = picture == 0 ? largestQueue : memoryOfQueue / picture;
-    return std::clamp(fitting, size_t{2} * line.jobs, largestQueue);
+    const size_t fitting = reportBytes == 0 ? mostAhead : memoryAhead / reportBytes;
+    return std::clamp(fitting, size_t{2} * line.jobs, mostAhead);
 }
 
-FileSource SourceOf(const CommandLine& line)
+/// Does tasks here, or with more than one job in another process, because a file could end the process.
+class Worker
+{
+public:
+    explicit Worker(uint32_t jobs) : isHere(jobs == 1) {}
+
+    FileReport Do(FileTask& task)
+    {
+        if (isHere && !worker)
+            worker.emplace();
+        if (!isHere && !process)
+            process.emplace();
+        return isHere ? worker->Do(task) : process->Do(task);
+    }
+
+private:
+    const bool isHere;
+    std::optional<FileWorker> worker;
+    std::optional<WorkerProcess> process;
+};
+
+FileSource SourceOf(const CommandLine& line, Worker& prober)
 {
     std::unique_ptr<NameList> names;
     if (!line.namesFrom.empty())
         names = std::make_unique<NameList>(line.namesFrom, line.separator);
-    return {line.paths, std::move(names), FolderRule::ReadableToo};
+    return {line.paths, std::move(names), [&prober](const std::wstring& path) {
+                FileTask task;
+                task.path = path;
+                task.wantsProperties = true;
+                return !prober.Do(task).failure;
+            }};
 }
 
 /// The threads of a batch. They end before this object does.
 class Crew
 {
 public:
-    Crew(WorkQueue& workQueue, FileSource source, const BatchWork& work, uint32_t jobs) : queue(workQueue)
+    Crew(WorkQueue& workQueue, const CommandLine& line, const BatchWork& work) : Crew(workQueue)
     {
-        Start([this, source = std::move(source), &work]() mutable { Find(source, work); });
-        for (uint32_t job = 0; job < jobs; ++job)
-            Start([this, jobs] { jobs == 1 ? WorkHere() : LetProcessWork(); });
+        finder = &Start([this, &line, &work] { Find(line, work); });
+        for (uint32_t job = 0; job < line.jobs; ++job)
+            Start([this, &line] { DoTasks(line.jobs); });
     }
     Crew(const Crew&) = delete;
     Crew& operator=(const Crew&) = delete;
     ~Crew()
     {
         queue.Close();
+        // The finder may wait for a pipe, in which perhaps nothing comes any more.
+        while (finder && !hasFound)
+        {
+            CancelSynchronousIo(pthread_gethandle(finder->native_handle()));
+            Sleep(10);
+        }
         for (std::thread& thread : threads)
             thread.join();
     }
 
 private:
+    // If a thread cannot be started, the destructor still waits for the others.
+    explicit Crew(WorkQueue& workQueue) : queue(workQueue) {}
+
     template <class Job>
-    void Start(Job job)
+    std::thread& Start(Job job)
     {
-        threads.emplace_back([this, job = std::move(job)]() mutable {
+        return threads.emplace_back([this, job] {
             try
             {
                 const ComApartment apartment;
@@ -72,8 +112,15 @@ private:
         });
     }
 
-    void Find(FileSource& source, const BatchWork& work)
+    void Find(const CommandLine& line, const BatchWork& work)
     {
+        const struct Finally
+        {
+            std::atomic<bool>& flag;
+            ~Finally() { flag = true; }
+        } whenDone = {hasFound};
+        Worker prober(line.jobs);
+        FileSource source = SourceOf(line, prober);
         while (std::optional<SourceFile> found = source.Next())
         {
             auto item = std::make_unique<WorkItem>();
@@ -88,21 +135,9 @@ private:
         queue.EndOfFiles();
     }
 
-    void WorkHere()
+    void DoTasks(uint32_t jobs)
     {
-        FileWorker worker;
-        WorkWith(worker);
-    }
-
-    void LetProcessWork()
-    {
-        WorkerProcess worker;
-        WorkWith(worker);
-    }
-
-    template <class Worker>
-    void WorkWith(Worker& worker)
-    {
+        Worker worker(jobs);
         while (WorkItem* const item = queue.TakeWork())
         {
             item->report = worker.Do(item->task);
@@ -114,7 +149,9 @@ private:
     }
 
     WorkQueue& queue;
-    std::vector<std::thread> threads;
+    std::list<std::thread> threads;
+    std::thread* finder = nullptr;
+    std::atomic<bool> hasFound = false;
 };
 
 void Tell(Console& console, const CommandLine& line, const WorkItem& item)
@@ -132,13 +169,12 @@ void Tell(Console& console, const CommandLine& line, const WorkItem& item)
 
 int RunBatch(const CommandLine& line, Console& console, const BatchWork& work)
 {
-    const Interruption interruption;
     Progress progress(console);
-    WorkQueue queue(QueueSize(line));
+    WorkQueue queue(mostFound, AheadOf(line, work.reportBytes));
     size_t files = 0;
     bool hasFailed = false;
     {
-        const Crew crew(queue, SourceOf(line), work, line.jobs);
+        const Crew crew(queue, line, work);
         while (const std::unique_ptr<WorkItem> item = queue.TakeResult())
         {
             Tell(console, line, *item);
@@ -146,8 +182,6 @@ int RunBatch(const CommandLine& line, Console& console, const BatchWork& work)
             work.finish(item->file, item->report);
             ++files;
             progress.Show(files, queue.Total(), item->file.name);
-            if (Interruption::IsWanted())
-                queue.Close();
         }
     }
     if (Interruption::IsWanted())

@@ -18,6 +18,8 @@ struct BatchWork
     std::function<FileTask(const SourceFile&)> plan;
     /// Takes the outcome, in the same order, on the thread of RunBatch. An exception ends the batch.
     std::function<void(const SourceFile&, const FileReport&)> finish;
+    /// About how many bytes a report holds, if it holds a picture.
+    size_t reportBytes = 0;
 };
 
 /// Works on all files that the command line names, with as many jobs as it asks for. Complains about each

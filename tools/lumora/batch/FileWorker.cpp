@@ -2,7 +2,6 @@
 
 #include "lumora/console/Failure.h"
 #include "lumora/files/FileSystem.h"
-#include "lumora/pictures/HdfTurn.h"
 #include "lumora/pictures/ImagingFactory.h"
 #include "lumora/pictures/PictureFile.h"
 #include "lumora/pictures/PictureMaker.h"
@@ -17,13 +16,6 @@ FileReport FileWorker::Do(const FileTask& task)
     using Clock = std::chrono::steady_clock;
     const Clock::time_point begin = Clock::now();
     FileReport report = Try(task);
-    while (report.failure && HasMissedTurn(report.lines))
-    {
-        const HdfTurn turn;
-        if (!turn.HasCome())
-            break;
-        report = Try(task);
-    }
     if (report.failure && !report.lines.empty())
         *report.failure += L"; the reader noted \"" + report.lines.back() + L"\"";
     report.milliseconds = static_cast<uint32_t>(

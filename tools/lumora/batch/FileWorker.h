@@ -14,7 +14,7 @@ class FileWorker
 {
 public:
     /// Does all that the task asks for. What goes wrong with the file is in the report, with the reader's
-    /// last line if there is one. Throws a Failure when Lumora is not registered.
+    /// last line if there is one.
     [[nodiscard]] FileReport Do(const FileTask& task);
 
 private:

@@ -151,7 +151,7 @@ private:
     void RequireBytes(size_t count) const
     {
         if (bytes.size() - position < count)
-            throw Failure{L"a message between two processes is not complete"};
+            throw Failure{incomplete};
     }
 
     /// The number of elements that follow, each of at least so many bytes.
@@ -159,11 +159,12 @@ private:
     {
         size_t count = 0;
         Field(count);
-        if (count > bytes.size() - position)
-            RequireBytes(bytes.size() + 1);
-        RequireBytes(count * elementSize);
+        if (count > (bytes.size() - position) / elementSize)
+            throw Failure{incomplete};
         return count;
     }
+
+    static constexpr const wchar_t* incomplete = L"a message between two processes is not complete";
 
     std::vector<uint8_t> bytes;
     size_t position = 0;

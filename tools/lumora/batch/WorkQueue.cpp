@@ -1,13 +1,30 @@
 #include "lumora/batch/WorkQueue.h"
 
+#include "lumora/console/Interruption.h"
+
+#include <chrono>
 #include <utility>
 
 namespace Lumora {
 
+template <class Condition>
+void WorkQueue::Wait(std::unique_lock<std::mutex>& lock, const Condition& condition)
+{
+    constexpr std::chrono::milliseconds attention(100);
+    while (!changed.wait_for(lock, attention, condition))
+    {
+        if (!isClosed && Interruption::IsWanted())
+        {
+            isClosed = true;
+            changed.notify_all();
+        }
+    }
+}
+
 bool WorkQueue::Add(std::unique_ptr<WorkItem> item)
 {
     std::unique_lock lock(mutex);
-    changed.wait(lock, [this] { return isClosed || items.size() < limit; });
+    Wait(lock, [this] { return isClosed || items.size() < limit; });
     if (isClosed)
         return false;
     items.push_back(std::move(item));
@@ -28,17 +45,16 @@ WorkItem* WorkQueue::TakeWork()
     std::unique_lock lock(mutex);
     for (;;)
     {
-        if (isClosed)
+        const auto canStart = [this] { return started < items.size() && started < startedLimit; };
+        const auto isAtEnd = [this] { return isClosed || (isComplete && started == items.size()); };
+        Wait(lock, [&] { return canStart() || isAtEnd(); });
+        if (Interruption::IsWanted())
+            isClosed = true;
+        if (isClosed || !canStart())
             return nullptr;
-        while (started < items.size())
-        {
-            WorkItem* const item = items[started++].get();
-            if (!item->isDone)
-                return item;
-        }
-        if (isComplete)
-            return nullptr;
-        changed.wait(lock);
+        WorkItem* const item = items[started++].get();
+        if (!item->isDone)
+            return item;
     }
 }
 
@@ -54,11 +70,13 @@ std::unique_ptr<WorkItem> WorkQueue::TakeResult()
     std::unique_lock lock(mutex);
     const auto isNextDone = [this] { return !items.empty() && items.front()->isDone; };
     const auto isAtEnd = [this] { return (isComplete && items.empty()) || (isClosed && started == 0); };
-    changed.wait(lock, [&] { return exception || isNextDone() || isAtEnd(); });
-    if (exception)
-        std::rethrow_exception(exception);
+    Wait(lock, [&] { return exception || isNextDone() || isAtEnd(); });
     if (!isNextDone())
+    {
+        if (exception)
+            std::rethrow_exception(exception);
         return nullptr;
+    }
     std::unique_ptr<WorkItem> item = std::move(items.front());
     items.pop_front();
     // A file that was done when it was added may not have been passed by a worker.

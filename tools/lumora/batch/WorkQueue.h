@@ -24,11 +24,13 @@ struct WorkItem
 };
 
 /// Hands files from the thread that finds them to threads that work on them, and on, in the order in which
-/// they were found, to the thread that takes the results. It holds a limited number of files.
+/// they were found, to the thread that takes the results. It holds a limited number of files. When somebody
+/// wants to interrupt the program, it closes itself.
 class WorkQueue
 {
 public:
-    explicit WorkQueue(size_t mostItems) : limit(mostItems) {}
+    /// Has room for so many files. So many of them are worked on, or are done, at most.
+    WorkQueue(size_t mostItems, size_t mostStarted) : limit(mostItems), startedLimit(mostStarted) {}
 
     /// Adds a file when there is room. One that is done already only waits for its turn. Returns false if the
     /// queue is closed.
@@ -43,7 +45,8 @@ public:
     /// The work on the file is done.
     void Done(WorkItem& item);
 
-    /// The next file in order. Waits until it is done. Null at the end. Throws what Fail was told.
+    /// The next file in order. Waits until it is done. Null at the end. Throws what Fail was told, after all
+    /// that was done before.
     [[nodiscard]] std::unique_ptr<WorkItem> TakeResult();
 
     /// Ends the batch with this exception.
@@ -56,7 +59,12 @@ public:
     [[nodiscard]] std::optional<size_t> Total();
 
 private:
+    /// Waits until it is true. Closes the queue when an interruption is wanted.
+    template <class Condition>
+    void Wait(std::unique_lock<std::mutex>& lock, const Condition& condition);
+
     const size_t limit;
+    const size_t startedLimit;
     std::mutex mutex;
     std::condition_variable changed;
     /// Files that are not taken as results, in order. The first `started` of them are being worked on, or are

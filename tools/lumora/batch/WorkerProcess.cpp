@@ -1,7 +1,6 @@
 #include "lumora/batch/WorkerProcess.h"
 
 #include "lumora/batch/FileWorker.h"
-#include "lumora/batch/Interruption.h"
 #include "lumora/batch/Message.h"
 #include "lumora/batch/Pipe.h"
 #include "lumora/console/Failure.h"
@@ -82,11 +81,11 @@ void WorkerProcess::Start()
         const std::lock_guard lock(inheriting);
         SetHandleInformation(startup.hStdInput, HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
         SetHandleInformation(startup.hStdOutput, HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
-        // It must belong to the job before it runs. In a group of its own it takes no notice of Ctrl+C from
-        // its first moment on.
+        // It must belong to the job before it runs. What happens in the terminal does not concern it: when
+        // this process is interrupted, it lets the other one finish its file.
         const BOOL isStarted =
             CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, TRUE,
-                           CREATE_SUSPENDED | CREATE_NEW_PROCESS_GROUP, nullptr, nullptr, &startup, &started);
+                           CREATE_SUSPENDED | DETACHED_PROCESS, nullptr, nullptr, &startup, &started);
         const DWORD error = GetLastError();
         input.reading.reset();
         output.writing.reset();
@@ -95,7 +94,12 @@ void WorkerProcess::Start()
     }
     process.reset(started.hProcess);
     const OwnedHandle thread(started.hThread);
-    AssignProcessToJobObject(job.get(), process.get());
+    if (!AssignProcessToJobObject(job.get(), process.get()))
+    {
+        const DWORD error = GetLastError();
+        TerminateProcess(process.get(), 1);
+        throw Failure{L"cannot put a process into the job: " + DescribeError(error)};
+    }
     ResumeThread(thread.get());
     tasks = std::move(input.writing);
     reports = std::move(output.reading);
@@ -125,15 +129,15 @@ FileReport WorkerProcess::Do(FileTask& task)
             return report;
         }
     }
-    report.failure =
-        L"the process that worked on it has ended: " + DescribeResult(static_cast<HRESULT>(End()));
+    report.failure = L"the process that worked on it has ended with " + HexText(End());
     Start();
     return report;
 }
 
 int RunWorkerProcess()
 {
-    IgnoreInterruptions();
+    // If it crashes, it ends at once, and nobody is asked.
+    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
     const HANDLE tasks = GetStdHandle(STD_INPUT_HANDLE);
     const HANDLE reports = GetStdHandle(STD_OUTPUT_HANDLE);
     FileWorker worker;

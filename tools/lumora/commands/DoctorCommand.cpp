@@ -110,7 +110,7 @@ std::wstring ForPrograms(const Diagnosis& diagnosis)
 int RunDoctor(const CommandLine& line, Console& console)
 {
     Diagnosis diagnosis;
-    const FileList list = AllFilesOf({line.paths, nullptr, FolderRule::RegisteredExtension});
+    const FileList list = AllFilesOf({line.paths, nullptr, nullptr});
     for (const SourceFile& missing : list.failures)
         console.Complain(L"lumora: " + missing.name + L": " + *missing.failure);
     if (!list.failures.empty())

@@ -2,6 +2,8 @@
 
 #include "lumora/batch/Batch.h"
 #include "lumora/batch/JsonLine.h"
+#include "lumora/console/Failure.h"
+#include "lumora/console/Interruption.h"
 #include "lumora/console/JsonWriter.h"
 #include "lumora/pictures/PropertyReader.h"
 
@@ -31,11 +33,19 @@ std::wstring ForPeople(const SourceFile& file, const FileProperties& properties)
     return text;
 }
 
+/// Prints what is known of a file. When nobody reads it any more, there is no use in going on.
+void PrintOrStop(Console& console, const std::wstring& text)
+{
+    console.Print(text);
+    if (!console.IsComplete())
+        throw Failure{notAllWritten};
+}
+
 int PrintForPeople(const CommandLine& line, Console& console)
 {
     return RunBatch(line, console, {ReadOnly, [&console](const SourceFile& file, const FileReport& report) {
                                         if (!report.failure)
-                                            console.Print(ForPeople(file, *report.properties));
+                                            PrintOrStop(console, ForPeople(file, *report.properties));
                                     }});
 }
 
@@ -52,7 +62,7 @@ int PrintArray(const CommandLine& line, Console& console)
                                      else
                                          WriteProperties(json, *report.properties);
                                      json.EndObject();
-                                     console.Print(json.Take());
+                                     PrintOrStop(console, json.Take());
                                  }});
     json.EndArray();
     console.Print(json.Take() + L'\n');
@@ -62,7 +72,7 @@ int PrintArray(const CommandLine& line, Console& console)
 int PrintLines(const CommandLine& line, Console& console)
 {
     return RunBatch(line, console, {ReadOnly, [&console](const SourceFile& file, const FileReport& report) {
-                                        console.Print(JsonLine(file, report, false));
+                                        PrintOrStop(console, JsonLine(file, report, false));
                                     }});
 }
 
@@ -70,6 +80,7 @@ int PrintLines(const CommandLine& line, Console& console)
 
 int RunInfo(const CommandLine& line, Console& console)
 {
+    const Interruption interruption;
     RequirePropertyHandler();
     if (line.wantsJsonLines)
         return PrintLines(line, console);

@@ -2,6 +2,7 @@
 
 #include "lumora/batch/Batch.h"
 #include "lumora/batch/JsonLine.h"
+#include "lumora/console/Interruption.h"
 #include "lumora/files/OutputNames.h"
 #include "lumora/pictures/ImagingFactory.h"
 
@@ -35,6 +36,7 @@ void PrintNames(Console& console, const FileReport& report)
 
 int RunRender(const CommandLine& line, Console& console)
 {
+    const Interruption interruption;
     RequireDecoder();
     const PictureOrder order = OrderOf(line);
     OutputNames names(line.output.value_or(L""));

@@ -2,6 +2,7 @@
 
 #include "lumora/batch/Batch.h"
 #include "lumora/console/Failure.h"
+#include "lumora/console/Interruption.h"
 #include "lumora/files/FileSystem.h"
 #include "lumora/files/OutputNames.h"
 #include "lumora/files/Paths.h"
@@ -44,7 +45,8 @@ int WriteSheets(const CommandLine& line, Console& console)
                                    [&](const SourceFile& file, const FileReport& report) {
                                        if (HasPlace(line, file, report))
                                            sheets.Add(file, report);
-                                   }});
+                                   },
+                                   size_t{side} * side * PixelBlock::bytesPerPixel});
     const std::vector<std::wstring> names = sheets.Finish();
     if (names.empty())
         throw Failure{noFiles};
@@ -88,8 +90,9 @@ GalleryEntry EntryOf(const std::wstring& folder, const SourceFile& file, const F
 /// What the page is called in the browser: what it shows.
 std::wstring TitleOf(const CommandLine& line)
 {
-    return line.paths.empty() ? line.namesFrom
-                              : line.paths.front() + (line.paths.size() > 1 ? L" \u2026" : L"");
+    if (line.paths.empty())
+        return line.namesFrom == L"-" ? L"Contact sheet" : line.namesFrom;
+    return line.paths.front() + (line.paths.size() > 1 ? L" \u2026" : L"");
 }
 
 int WritePage(const CommandLine& line, Console& console)
@@ -97,6 +100,7 @@ int WritePage(const CommandLine& line, Console& console)
     const std::wstring folder = line.output.value_or(L"sheet");
     const std::wstring name = JoinPath(folder, L"index.html");
     const uint32_t side = line.longerSide.value_or(usualPictureSide);
+    RequireDecoder();
     GalleryWriter page(OpenablePath(name), TitleOf(line), side);
     PagePictureNames names(JoinPath(folder, L"pictures"));
     size_t entries = 0;
@@ -128,7 +132,7 @@ int WritePage(const CommandLine& line, Console& console)
 
 int RunSheet(const CommandLine& line, Console& console)
 {
-    RequireDecoder();
+    const Interruption interruption;
     return line.isPage ? WritePage(line, console) : WriteSheets(line, console);
 }
 

@@ -78,14 +78,14 @@ constexpr NamedResult namedResults[] = {
     {WINCODEC_ERR_INSUFFICIENTBUFFER, L"WINCODEC_ERR_INSUFFICIENTBUFFER", L"a buffer is too small"},
 };
 
-std::wstring HexText(HRESULT result)
+} // namespace
+
+std::wstring HexText(uint32_t number)
 {
     std::array<wchar_t, 11> text = {};
-    std::swprintf(text.data(), text.size(), L"0x%08lX", static_cast<unsigned long>(result));
+    std::swprintf(text.data(), text.size(), L"0x%08lX", static_cast<unsigned long>(number));
     return text.data();
 }
-
-} // namespace
 
 std::wstring DescribeResult(HRESULT result)
 {
@@ -95,7 +95,8 @@ std::wstring DescribeResult(HRESULT result)
     if (named != std::end(namedResults))
         return std::wstring(named->words) + L" (" + named->name + L")";
     const std::wstring words = SystemText(static_cast<DWORD>(result));
-    return words.empty() ? HexText(result) : words + L" (" + HexText(result) + L")";
+    return words.empty() ? HexText(static_cast<uint32_t>(result))
+                         : words + L" (" + HexText(static_cast<uint32_t>(result)) + L")";
 }
 
 std::wstring DescribeError(DWORD error)

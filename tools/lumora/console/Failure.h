@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -17,6 +18,12 @@ struct Failure
 /// The message if Lumora is not registered.
 inline constexpr const wchar_t* notRegistered =
     L"Lumora is not registered with Windows; \"lumora register\" does that";
+
+/// The message if the standard output takes no more.
+inline constexpr const wchar_t* notAllWritten = L"not all of the output could be written";
+
+/// The number as Windows writes results and exit codes: 0xC0000005.
+[[nodiscard]] std::wstring HexText(uint32_t number);
 
 /// The result in words and by its SDK name, as "access is denied (E_ACCESSDENIED)".
 [[nodiscard]] std::wstring DescribeResult(HRESULT result);

@@ -1,9 +1,9 @@
 #include "lumora/files/FileSource.h"
 
 #include "lumora/console/Failure.h"
+#include "lumora/console/Interruption.h"
 #include "lumora/files/FileSystem.h"
 #include "lumora/files/Paths.h"
-#include "lumora/pictures/PropertyReader.h"
 #include "registration/Formats.h"
 
 #include <windows.h>
@@ -49,6 +49,8 @@ std::vector<FolderEntry> ListFolder(const std::wstring& folder, const std::wstri
             entries.push_back({name, (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0, IsLink(found),
                                IsElsewhere(found.dwFileAttributes)});
     } while (FindNextFileW(first, &found));
+    if (const DWORD error = GetLastError(); error != ERROR_NO_MORE_FILES)
+        throw Failure{DescribeError(error)};
     std::sort(entries.begin(), entries.end(), [](const FolderEntry& left, const FolderEntry& right) {
         return NameLess{}(left.name, right.name);
     });
@@ -81,13 +83,13 @@ SourceFile NoFile(const std::wstring& name, std::wstring failure)
 } // namespace
 
 FileSource::FileSource(std::vector<std::wstring> namedPaths, std::unique_ptr<NameList> nameList,
-                       FolderRule folderRule)
-    : paths(std::move(namedPaths)), names(std::move(nameList)), rule(folderRule)
+                       ReadableTest readableTest)
+    : paths(std::move(namedPaths)), names(std::move(nameList)), isReadable(std::move(readableTest))
 {}
 
 std::optional<SourceFile> FileSource::Next()
 {
-    for (;;)
+    while (!Interruption::IsWanted())
     {
         std::optional<SourceFile> found;
         if (nextEntry < entries.size())
@@ -125,6 +127,7 @@ std::optional<SourceFile> FileSource::Next()
             return found;
         }
     }
+    return std::nullopt;
 }
 
 /// A path that names one file or none is done at once. Others become the root.
@@ -135,6 +138,8 @@ std::optional<SourceFile> FileSource::Begin(const std::wstring& path, bool isFro
         root = {.name = path, .folder = std::wstring(ParentFolder(path)), .subfolder = {}, .isPattern = true};
         return LookInto({}, std::wstring(FileName(path)));
     }
+    if (const size_t nul = path.find(L'\0'); nul != std::wstring::npos)
+        return NoFile(path.substr(0, nul), L"the name holds a NUL character; -0 is for lists with these");
     const std::wstring openable = OpenablePath(path);
     const DWORD attributes = GetFileAttributesW(openable.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES)
@@ -178,16 +183,14 @@ std::optional<SourceFile> FileSource::Take(const FolderEntry& entry)
     if (entry.isFolder || !(root->isPattern || Counts(entry)))
         return std::nullopt;
     const std::wstring name = root->isPattern ? root->folder + entry.name : JoinPath(Here(), entry.name);
-    return SourceFile{name, OpenablePath(name), JoinPath(root->subfolder, subfolder), {}};
+    return SourceFile{name, OpenablePathIn(Here(), entry.name), JoinPath(root->subfolder, subfolder), {}};
 }
 
 bool FileSource::Counts(const FolderEntry& file) const
 {
     if (RegisteredExtension(FileExtension(file.name)))
         return true;
-    if (rule == FolderRule::RegisteredExtension || file.isElsewhere)
-        return false;
-    return !FailureOf([&] { static_cast<void>(ReadProperties(OpenablePath(JoinPath(Here(), file.name)))); });
+    return isReadable && !file.isElsewhere && isReadable(OpenablePathIn(Here(), file.name));
 }
 
 std::wstring FileSource::Here() const

@@ -3,6 +3,7 @@
 #include "lumora/files/NameList.h"
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -24,14 +25,8 @@ struct SourceFile
     std::optional<std::wstring> failure;
 };
 
-/// Which files below a folder count.
-enum class FolderRule
-{
-    /// Those with an extension that Lumora registers.
-    RegisteredExtension,
-    /// Those, and all other files that Lumora can read. Lumora must be registered.
-    ReadableToo,
-};
+/// Whether Lumora can read the file with this path.
+using ReadableTest = std::function<bool(const std::wstring& path)>;
 
 struct FolderEntry
 {
@@ -47,11 +42,12 @@ struct FolderEntry
 class FileSource
 {
 public:
-    /// Takes the paths, and then the names of the list, if there is one.
-    FileSource(std::vector<std::wstring> paths, std::unique_ptr<NameList> names, FolderRule rule);
+    /// Takes the paths, and then the names of the list, if there is one. Of the files below a folder, those
+    /// count that have an extension that Lumora registers, and those that pass the test, if there is one.
+    FileSource(std::vector<std::wstring> paths, std::unique_ptr<NameList> names, ReadableTest isReadable);
 
-    /// The next file, or the next name that stands for none. Nothing at the end. Throws a Failure when the
-    /// list cannot be read.
+    /// The next file, or the next name that stands for none. Nothing at the end, and after an interruption.
+    /// Throws a Failure when the list cannot be read.
     [[nodiscard]] std::optional<SourceFile> Next();
 
 private:
@@ -77,7 +73,7 @@ private:
     std::vector<std::wstring> paths;
     size_t nextPath = 0;
     std::unique_ptr<NameList> names;
-    FolderRule rule;
+    ReadableTest isReadable;
 
     std::optional<Root> root;
     /// Folders below the root that are still to be looked into, the last one first.

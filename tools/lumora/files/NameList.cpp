@@ -12,13 +12,20 @@ namespace {
 /// No path of Windows has more bytes, in either encoding.
 constexpr size_t longestName = size_t{32'768} * 4;
 
-std::wstring FromUtf8(const std::string& bytes)
+/// Empty if the bytes are not valid in the code page.
+std::wstring Decoded(const std::string& bytes, unsigned codePage, DWORD flags)
 {
     const auto length = static_cast<int>(bytes.size());
-    const int needed = MultiByteToWideChar(CP_UTF8, 0, bytes.data(), length, nullptr, 0);
+    const int needed = MultiByteToWideChar(codePage, flags, bytes.data(), length, nullptr, 0);
     std::wstring text(static_cast<size_t>(needed), L'\0');
-    MultiByteToWideChar(CP_UTF8, 0, bytes.data(), length, text.data(), needed);
+    MultiByteToWideChar(codePage, flags, bytes.data(), length, text.data(), needed);
     return text;
+}
+
+std::wstring FromUtf8(const std::string& bytes)
+{
+    const std::wstring text = Decoded(bytes, CP_UTF8, MB_ERR_INVALID_CHARS);
+    return text.empty() ? Decoded(bytes, CP_OEMCP, 0) : text;
 }
 
 std::wstring FromUtf16(const std::string& bytes)
@@ -45,11 +52,12 @@ NameList::NameList(const std::wstring& name, Separator nameSeparator) : file(nam
             throw Failure{file + L": " + DescribeError(GetLastError())};
         opened.reset(handle);
     }
-    DetectEncoding();
 }
 
 std::optional<std::wstring> NameList::Next()
 {
+    if (!isEncodingKnown)
+        DetectEncoding();
     while (const std::optional<std::string> bytes = NextBytes())
     {
         std::wstring name = isWide ? FromUtf16(*bytes) : FromUtf8(*bytes);
@@ -94,6 +102,9 @@ void NameList::DetectEncoding()
     }
     end = count;
     const std::string_view start(buffer.data(), count);
+    if (start.starts_with("\xFE\xFF"))
+        throw Failure{file + L": this is big-endian UTF-16; UTF-8 and little-endian UTF-16 are understood"};
+    isEncodingKnown = true;
     isWide = start.starts_with(utf16Mark);
     if (isWide)
         position = utf16Mark.size();

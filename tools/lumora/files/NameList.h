@@ -10,7 +10,8 @@
 namespace Lumora {
 
 /// A list of names, in a file or from another program, that is read as far as it is needed. It is UTF-8, or
-/// UTF-16 with a byte-order mark, as PowerShell writes it.
+/// UTF-16 with a byte-order mark, as PowerShell writes it. A name that is not valid UTF-8 is taken for one in
+/// the code page of the terminal, in which its own commands write lists.
 class NameList
 {
 public:
@@ -38,6 +39,7 @@ private:
     Separator separator;
     OwnedHandle opened;
     HANDLE handle = nullptr;
+    bool isEncodingKnown = false;
     bool isWide = false;
     std::array<char, 65'536> buffer = {};
     size_t position = 0;

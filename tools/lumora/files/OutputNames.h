@@ -32,7 +32,8 @@ class PagePictureNames
 public:
     explicit PagePictureNames(std::wstring pictureFolder) : folder(std::move(pictureFolder)) {}
 
-    /// Names the picture after the whole name of the file, with a number if another file has that name.
+    /// Names the picture after the whole name of the file. Another file of that name in another folder, or
+    /// another size, gives another name, so that an earlier picture is never taken for that of another file.
     void Claim(const SourceFile& file, PictureOrder& order);
 
 private:

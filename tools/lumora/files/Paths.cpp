@@ -17,6 +17,16 @@ int CompareNames(std::wstring_view left, std::wstring_view right) noexcept
                                 static_cast<int>(right.size()), TRUE);
 }
 
+/// The full path in the form that Windows takes as it is.
+std::wstring Unlimited(const std::wstring& full)
+{
+    if (full.starts_with(L"\\\\?\\"))
+        return full;
+    if (full.starts_with(L"\\\\"))
+        return L"\\\\?\\UNC\\" + full.substr(2);
+    return L"\\\\?\\" + full;
+}
+
 } // namespace
 
 std::wstring FullPath(const std::wstring& path)
@@ -31,11 +41,14 @@ std::wstring FullPath(const std::wstring& path)
 std::wstring OpenablePath(const std::wstring& path)
 {
     std::wstring full = FullPath(path);
-    if (full.size() < plainPathLimit || full.starts_with(L"\\\\?\\"))
-        return full;
-    if (full.starts_with(L"\\\\"))
-        return L"\\\\?\\UNC\\" + full.substr(2);
-    return L"\\\\?\\" + full;
+    return full.size() < plainPathLimit ? full : Unlimited(full);
+}
+
+std::wstring OpenablePathIn(const std::wstring& folder, std::wstring_view name)
+{
+    if (!name.ends_with(L'.') && !name.ends_with(L' '))
+        return OpenablePath(JoinPath(folder, name));
+    return Unlimited(JoinPath(FullPath(folder.empty() ? L"." : folder), name));
 }
 
 std::wstring JoinPath(std::wstring_view folder, std::wstring_view name)

@@ -11,6 +11,9 @@ namespace Lumora {
 /// The path from its root on, in a form that Windows opens however long it is.
 [[nodiscard]] std::wstring OpenablePath(const std::wstring& path);
 
+/// The same for a file that was found in a folder. Windows takes dots and spaces off the end of other names.
+[[nodiscard]] std::wstring OpenablePathIn(const std::wstring& folder, std::wstring_view name);
+
 /// A name below a folder. An empty folder is the current one.
 [[nodiscard]] std::wstring JoinPath(std::wstring_view folder, std::wstring_view name);
 

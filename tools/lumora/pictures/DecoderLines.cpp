@@ -61,4 +61,12 @@ std::vector<std::wstring> DecoderLines::Take()
     return taken;
 }
 
+bool DecoderLines::ForgetLast(std::wstring_view line)
+{
+    if (!collected || collected->empty() || FromAnsi(collected->back()) != line)
+        return false;
+    collected->pop_back();
+    return true;
+}
+
 } // namespace Lumora

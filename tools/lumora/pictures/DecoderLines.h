@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Lumora {
@@ -17,6 +18,9 @@ public:
 
     /// The lines since the last call, in order.
     [[nodiscard]] std::vector<std::wstring> Take();
+
+    /// Forgets the last line of this thread, if it is this one. Returns whether it was.
+    static bool ForgetLast(std::wstring_view line);
 
 private:
     void* handler;

@@ -56,7 +56,7 @@ struct PropertyName
 };
 
 /// In the order of the output.
-constexpr std::array<PropertyName, metadataPropertyCount> propertyNames = {{
+constexpr auto propertyNames = std::to_array<PropertyName>({
     {MetadataProperty::Dimensions, L"Dimensions", L"dimensions"},
     {MetadataProperty::Width, L"Width", L"width"},
     {MetadataProperty::Height, L"Height", L"height"},
@@ -65,6 +65,7 @@ constexpr std::array<PropertyName, metadataPropertyCount> propertyNames = {{
     {MetadataProperty::PixelFormat, L"Pixel type", L"pixelType"},
     {MetadataProperty::Software, L"Software", L"software"},
     {MetadataProperty::FormatDetails, L"Format details", L"formatDetails"},
-}};
+});
+static_assert(propertyNames.size() == metadataPropertyCount);
 
 } // namespace Lumora

@@ -1,30 +1,61 @@
 #include "lumora/pictures/HdfTurn.h"
 
+#include "lumora/console/Failure.h"
+#include "lumora/files/OwnedHandle.h"
+#include "lumora/pictures/DecoderLines.h"
 #include "platform/HdfMutexName.h"
-
-#include <algorithm>
 
 namespace Lumora {
 
-bool HasMissedTurn(const std::vector<std::wstring>& decoderLines)
+using Tav::Imaging::RawImage::hdfMutexName;
+using Tav::Imaging::RawImage::hdfMutexTimeout;
+
+namespace {
+
+/// Holds the mutex of the HDF5 library, so that the next read on this thread gets it at once. A reader
+/// releases the mutex once more than it takes it, so the second read would have to wait again.
+class HdfTurn
 {
-    return std::ranges::find(decoderLines, L"[Lumora] HDF: Mutex timeout") != decoderLines.end();
+public:
+    HdfTurn() : mutex(OpenMutexW(SYNCHRONIZE, FALSE, hdfMutexName))
+    {
+        // Without a mutex, no reader can ever read.
+        if (!mutex)
+            throw Failure{L"there is no mutex for HDF5 files"};
+        WaitForSingleObject(mutex.get(), INFINITE);
+    }
+    HdfTurn(const HdfTurn&) = delete;
+    HdfTurn& operator=(const HdfTurn&) = delete;
+    ~HdfTurn() { ReleaseMutex(mutex.get()); }
+
+private:
+    OwnedHandle mutex;
+};
+
+/// Returns false if the reader has given up.
+bool HasRead(const std::function<void()>& read)
+try
+{
+    read();
+    return true;
+}
+catch (const Failure&)
+{
+    if (!DecoderLines::ForgetLast(hdfMutexTimeout))
+        throw;
+    return false;
 }
 
-HdfTurn::HdfTurn() : mutex(OpenMutexW(SYNCHRONIZE, FALSE, Tav::Imaging::RawImage::hdfMutexName))
-{
-    if (!mutex)
-        return;
-    // An abandoned mutex belongs to the thread that waits, too.
-    const DWORD result = WaitForSingleObject(mutex.get(), INFINITE);
-    hasCome = result == WAIT_OBJECT_0 || result == WAIT_ABANDONED;
-}
+} // namespace
 
-HdfTurn::~HdfTurn()
+void ReadInTurn(const std::function<void()>& read)
 {
-    // A reader releases the mutex once more than it takes it, so this may find nothing to release.
-    if (hasCome)
-        ReleaseMutex(mutex.get());
+    bool hasRead = HasRead(read);
+    while (!hasRead)
+    {
+        const HdfTurn turn;
+        hasRead = HasRead(read);
+    }
 }
 
 } // namespace Lumora

@@ -1,5 +1,6 @@
 #include "lumora/pictures/PictureFile.h"
 
+#include "lumora/pictures/HdfTurn.h"
 #include "registration/ClassIds.h"
 
 #include <algorithm>
@@ -47,9 +48,11 @@ std::wstring FramesOf(uint32_t count)
 
 PictureFile::PictureFile(IWICImagingFactory& wicFactory, const std::wstring& path) : factory(wicFactory)
 {
-    Require(factory.CreateDecoderFromFilename(path.c_str(), nullptr, GENERIC_READ,
-                                              WICDecodeMetadataCacheOnDemand, decoder.Put()),
-            L"WIC cannot open the file");
+    ReadInTurn([&] {
+        Require(factory.CreateDecoderFromFilename(path.c_str(), nullptr, GENERIC_READ,
+                                                  WICDecodeMetadataCacheOnDemand, decoder.Put()),
+                L"WIC cannot open the file");
+    });
     GUID format = {};
     Require(decoder->GetContainerFormat(&format), L"cannot ask for the format");
     if (format != GUID_ContainerFormatLumora)
@@ -68,7 +71,7 @@ ComPtr<IWICBitmapSource> PictureFile::Frame(uint32_t index, std::optional<Box> b
     if (const uint32_t count = FrameCount(); index >= count)
         throw Failure{L"there is no frame " + std::to_wstring(index) + L"; " + FramesOf(count)};
     ComPtr<IWICBitmapFrameDecode> frame;
-    Require(decoder->GetFrame(index, frame.Put()), L"cannot decode the frame");
+    ReadInTurn([&] { Require(decoder->GetFrame(index, frame.Put()), L"cannot decode the frame"); });
     UINT width = 0;
     UINT height = 0;
     Require(frame->GetSize(&width, &height), L"cannot ask for the frame's size");

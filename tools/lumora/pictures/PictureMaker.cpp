@@ -30,6 +30,8 @@ std::wstring PictureName(const PictureOrder& order, std::optional<uint32_t> numb
     std::wstring name = order.target;
     if (number)
         name += L'-' + std::to_wstring(*number);
+    if (order.isMontage)
+        name += L"-montage";
     return name.append(order.format.Extension());
 }
 
@@ -75,10 +77,18 @@ private:
     void Make(const std::wstring& name, const std::function<PictureSize(const std::wstring& path)>& write)
     {
         const std::wstring path = OpenablePath(name);
-        const bool isSkipped =
-            order.skipsExisting && IsUpToDate(path, source) && !UnfinishedFile::WasLeftBehind(path);
-        const PictureSize size = isSkipped ? SizeOfPicture(factory, path) : write(path);
-        reports.push_back({name, size.width, size.height, isSkipped});
+        const std::optional<PictureSize> existing = order.skipsExisting ? UsablePicture(path) : std::nullopt;
+        const PictureSize size = existing ? *existing : write(path);
+        reports.push_back({name, size.width, size.height, existing.has_value()});
+    }
+
+    /// The size of the picture that is there already. Nothing if it is older than the file, or damaged.
+    std::optional<PictureSize> UsablePicture(const std::wstring& path)
+    {
+        std::optional<PictureSize> size;
+        if (IsUpToDate(path, source) && !UnfinishedFile::WasLeftBehind(path))
+            static_cast<void>(FailureOf([&] { size = SizeOfPicture(factory, path); }));
+        return size;
     }
 
     /// The file, opened when it is first needed.

@@ -1,6 +1,7 @@
 #include "lumora/pictures/PropertyReader.h"
 
 #include "lumora/console/Failure.h"
+#include "lumora/pictures/HdfTurn.h"
 #include "metadata/PropertyKeys.h"
 #include "platform/ComPtr.h"
 #include "registration/ClassIds.h"
@@ -29,6 +30,22 @@ public:
     PROPVARIANT variant;
 };
 
+/// A property handler that has read the file. Throws a Failure.
+ComPtr<IInitializeWithStream> HandlerOf(const std::wstring& path)
+{
+    // A program that is writing the file can continue.
+    ComPtr<IStream> stream;
+    Require(SHCreateStreamOnFileEx(path.c_str(), STGM_READ | STGM_SHARE_DENY_NONE, 0, FALSE, nullptr,
+                                   stream.Put()),
+            L"cannot open the file");
+    ComPtr<IInitializeWithStream> handler;
+    Require(CoCreateInstance(CLSID_LumoraPropertyHandler, nullptr, CLSCTX_INPROC_SERVER,
+                             IID_IInitializeWithStream, handler.PutVoid()),
+            L"cannot start Lumora's property handler");
+    Require(handler->Initialize(stream.Get(), STGM_READ), L"the property handler could not read the file");
+    return handler;
+}
+
 } // namespace
 
 void RequirePropertyHandler()
@@ -43,16 +60,8 @@ void RequirePropertyHandler()
 
 FileProperties ReadProperties(const std::wstring& path)
 {
-    // A program that is writing the file can continue.
-    ComPtr<IStream> stream;
-    Require(SHCreateStreamOnFileEx(path.c_str(), STGM_READ | STGM_SHARE_DENY_NONE, 0, FALSE, nullptr,
-                                   stream.Put()),
-            L"cannot open the file");
     ComPtr<IInitializeWithStream> handler;
-    Require(CoCreateInstance(CLSID_LumoraPropertyHandler, nullptr, CLSCTX_INPROC_SERVER,
-                             IID_IInitializeWithStream, handler.PutVoid()),
-            L"cannot start Lumora's property handler");
-    Require(handler->Initialize(stream.Get(), STGM_READ), L"the property handler could not read the file");
+    ReadInTurn([&] { handler = HandlerOf(path); });
     ComPtr<IPropertyStore> store;
     Require(handler->QueryInterface(IID_IPropertyStore, store.PutVoid()), L"cannot ask for properties");
 

@@ -12,7 +12,7 @@ namespace {
 
 std::wstring UnfinishedName(const std::wstring& finalPath)
 {
-    return finalPath + L".part";
+    return finalPath + L".lumora-part";
 }
 
 /// Whether the file is empty, or begins like this.
@@ -47,7 +47,8 @@ UnfinishedFile::~UnfinishedFile()
 
 void UnfinishedFile::RequireFreePlace(const std::wstring& finalPath, std::string_view signature)
 {
-    const std::wstring name(FileName(finalPath));
+    const std::wstring_view last = FileName(finalPath);
+    const std::wstring name = last.empty() ? finalPath : std::wstring(last);
     const DWORD attributes = GetFileAttributesW(finalPath.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES)
         return;
@@ -64,7 +65,17 @@ bool UnfinishedFile::WasLeftBehind(const std::wstring& finalPath) noexcept
 
 void UnfinishedFile::Keep() const
 {
-    if (!MoveFileExW(path.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING))
+    // A virus scanner, or a program that shows the earlier picture, may hold a file for a moment.
+    constexpr int mostAttempts = 10;
+    constexpr DWORD pause = 50;
+    bool isNamed = false;
+    for (int attempt = 0; !isNamed && attempt < mostAttempts; ++attempt)
+    {
+        if (attempt > 0)
+            Sleep(pause);
+        isNamed = MoveFileExW(path.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING) != FALSE;
+    }
+    if (!isNamed)
         throw Failure{L"cannot give the file its name: " + DescribeError(GetLastError())};
 }
 

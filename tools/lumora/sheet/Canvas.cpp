@@ -1,6 +1,7 @@
 #include "lumora/sheet/Canvas.h"
 
 #include "lumora/console/Failure.h"
+#include "lumora/console/Unicode.h"
 
 #include <algorithm>
 #include <cwchar>
@@ -37,9 +38,9 @@ std::wstring WithoutMiddle(std::wstring_view text, size_t kept)
     std::wstring_view head = text.substr(0, kept - kept / 2);
     std::wstring_view tail = text.substr(text.size() - kept / 2);
     // A character outside the basic plane is a pair. If only half of the pair is left, it is removed, too.
-    if (!head.empty() && IS_HIGH_SURROGATE(head.back()))
+    if (!head.empty() && IsHighSurrogate(head.back()))
         head.remove_suffix(1);
-    if (!tail.empty() && IS_LOW_SURROGATE(tail.front()))
+    if (!tail.empty() && IsLowSurrogate(tail.front()))
         tail.remove_prefix(1);
     return std::wstring(head) + L'\u2026' + std::wstring(tail);
 }

@@ -53,7 +53,7 @@ PictureSize WriteMontage(IWICImagingFactory& factory, const PictureFile& file, c
     const SheetLayout layout({.picture = box, .lines = 1, .smallestWidth = smallestCellWidth}, columns);
     const uint32_t usedColumns = std::min(columns, static_cast<uint32_t>(frames.size()));
     const auto rows = static_cast<uint32_t>((frames.size() + columns - 1) / columns);
-    if (rows > layout.MostRows())
+    if (rows > layout.MostRows() || layout.WidthOf(usedColumns) > SheetLayout::longestSide)
         throw Failure{
             L"a montage has no room for so many frames; --size makes them smaller, and --frame all/10 "
             L"takes every tenth"};

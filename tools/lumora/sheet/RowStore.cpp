@@ -8,9 +8,9 @@ namespace Lumora {
 
 RowStore::RowStore(const std::wstring& neighbour)
 {
-    const HANDLE opened =
-        CreateFileW((neighbour + L".rows").c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                    FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+    const std::wstring name = neighbour + L'.' + std::to_wstring(GetCurrentProcessId()) + L".lumora-rows";
+    const HANDLE opened = CreateFileW(name.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                                      FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
     if (opened == INVALID_HANDLE_VALUE)
         throw Failure{L"cannot make a temporary file: " + DescribeError(GetLastError())};
     file.reset(opened);

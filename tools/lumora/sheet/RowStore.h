@@ -9,8 +9,8 @@
 namespace Lumora {
 
 /// Rows of pixels in a temporary file, because the number of rows must be known before the first one of a
-/// picture is written. The file has no name for others to use, and vanishes with the object, or with the
-/// program. Whatever fails throws a Failure.
+/// picture is written. The file vanishes with the object, or with the program. Whatever fails throws a
+/// Failure.
 class RowStore
 {
 public:

@@ -10,8 +10,7 @@ constexpr uint32_t gapAboveText = 8;
 constexpr uint32_t lineHeight = 16;
 constexpr uint32_t screenWidth = 1920;
 
-/// Few programs can show pictures with longer sides, or with more pixels.
-constexpr uint32_t longestSide = 65'535;
+/// Few programs can show pictures with more pixels.
 constexpr uint32_t mostPixels = 1U << 28;
 
 uint32_t ColumnsOnScreen(uint32_t cellWidth)
@@ -52,9 +51,7 @@ SheetLayout::Cell SheetLayout::CellAt(uint32_t column) const
 {
     const uint32_t left = gap + column * (cellWidth + gap);
     const uint32_t textTop = content.picture.height + gapAboveText;
-    Cell cell = {.whole = {left, 0, cellWidth, textTop + content.lines * lineHeight},
-                 .picture = {left, 0, cellWidth, content.picture.height},
-                 .lines = {}};
+    Cell cell = {.picture = {left, 0, cellWidth, content.picture.height}, .lines = {}};
     for (uint32_t line = 0; line < content.lines; ++line)
         cell.lines.push_back({left, textTop + line * lineHeight, cellWidth, lineHeight});
     return cell;

@@ -18,6 +18,8 @@ public:
     /// The gap around the cells.
     static constexpr uint32_t gap = 16;
     static constexpr uint32_t mostColumns = 32;
+    /// Few programs can show pictures with longer sides.
+    static constexpr uint32_t longestSide = 65'535;
 
     /// What a cell has room for.
     struct Content
@@ -31,7 +33,6 @@ public:
     /// A cell in a strip as wide as the sheet.
     struct Cell
     {
-        Area whole;
         Area picture;
         std::vector<Area> lines;
     };

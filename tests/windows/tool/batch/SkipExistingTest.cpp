@@ -70,7 +70,7 @@ TEST_F(SkipExisting, ReplacesAnOlderPicture)
 TEST_F(SkipExisting, ReplacesAPictureIfAProgramWasKilledWhileItWroteAnother)
 {
     SetAge(hours(1));
-    folder.Write("a-1.png.part", Bytes(100, 0x89));
+    folder.Write("a-1.png.lumora-part", Bytes(100, 0x89));
     const ToolRun run = Render();
     EXPECT_EQ(run.exitCode, 0U) << run.error;
     EXPECT_EQ(run.output, "a-1.png\n");

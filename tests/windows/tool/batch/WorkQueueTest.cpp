@@ -42,7 +42,7 @@ auto Waiting(Call call)
 
 TEST(WorkQueue, GivesResultsInTheOrderOfTheFiles)
 {
-    WorkQueue queue(10);
+    WorkQueue queue(10, 10);
     for (const wchar_t* const name : {L"a", L"b", L"c"})
         EXPECT_TRUE(queue.Add(Item(name)));
     queue.EndOfFiles();
@@ -65,7 +65,7 @@ TEST(WorkQueue, KeepsTheOrderAndItsLimitWhileManyThreadsWork)
 {
     constexpr size_t limit = 8;
     constexpr size_t files = 2000;
-    WorkQueue queue(limit);
+    WorkQueue queue(limit, limit);
     std::atomic<size_t> taken = 0;
     std::atomic<bool> wasTooFull = false;
     std::vector<std::thread> threads;
@@ -108,7 +108,7 @@ TEST(WorkQueue, KeepsTheOrderAndItsLimitWhileManyThreadsWork)
 
 TEST(WorkQueue, HasRoomForSoManyFiles)
 {
-    WorkQueue queue(2);
+    WorkQueue queue(2, 2);
     EXPECT_TRUE(queue.Add(Item(L"a")));
     EXPECT_TRUE(queue.Add(Item(L"b")));
     auto third = Waiting([&queue] { return queue.Add(Item(L"c")); });
@@ -123,7 +123,7 @@ TEST(WorkQueue, HasRoomForSoManyFiles)
 
 TEST(WorkQueue, PassesFilesThatAreDoneWhenTheyArrive)
 {
-    WorkQueue queue(10);
+    WorkQueue queue(10, 10);
     queue.Add(Item(L"missing", true));
     EXPECT_EQ(NextResult(queue), L"missing") << "before anybody has looked for work";
     queue.Add(Item(L"a"));
@@ -146,7 +146,7 @@ TEST(WorkQueue, PassesFilesThatAreDoneWhenTheyArrive)
 
 TEST(WorkQueue, PassesTheFirstFailureOnAndEnds)
 {
-    WorkQueue queue(1);
+    WorkQueue queue(1, 1);
     queue.Add(Item(L"a"));
     WorkItem* const item = queue.TakeWork();
     auto result = Waiting([&queue]() -> std::wstring {
@@ -164,6 +164,7 @@ TEST(WorkQueue, PassesTheFirstFailureOnAndEnds)
     EXPECT_EQ(result.wait_for(patience), std::future_status::ready) << "it does not wait for work";
     queue.Done(*item);
     EXPECT_EQ(result.get(), L"the first");
+    EXPECT_EQ(NextResult(queue), L"a") << "what is done is not lost";
     EXPECT_THROW(static_cast<void>(queue.TakeResult()), Failure) << "it does not get better";
     EXPECT_EQ(queue.TakeWork(), nullptr);
     EXPECT_FALSE(queue.Add(Item(L"b")));
@@ -171,7 +172,7 @@ TEST(WorkQueue, PassesTheFirstFailureOnAndEnds)
 
 TEST(WorkQueue, StillGivesTheResultsOfWorkThatHadBegunWhenItIsClosed)
 {
-    WorkQueue queue(10);
+    WorkQueue queue(10, 10);
     for (const wchar_t* const name : {L"a", L"b", L"c"})
         queue.Add(Item(name));
     WorkItem* const first = queue.TakeWork();
@@ -189,11 +190,11 @@ TEST(WorkQueue, StillGivesTheResultsOfWorkThatHadBegunWhenItIsClosed)
 
 TEST(WorkQueue, WakesEverybodyWhenItIsClosed)
 {
-    WorkQueue full(1);
+    WorkQueue full(1, 1);
     full.Add(Item(L"a"));
     auto adding = Waiting([&full] { return full.Add(Item(L"b")); });
     auto taking = Waiting([&full] { return NextResult(full); });
-    WorkQueue empty(1);
+    WorkQueue empty(1, 1);
     auto working = Waiting([&empty] { return empty.TakeWork(); });
     full.Close();
     empty.Close();
@@ -204,7 +205,7 @@ TEST(WorkQueue, WakesEverybodyWhenItIsClosed)
 
 TEST(WorkQueue, KnowsTheTotalAtTheEndOfTheFiles)
 {
-    WorkQueue queue(10);
+    WorkQueue queue(10, 10);
     queue.Add(Item(L"a", true));
     queue.Add(Item(L"b", true));
     EXPECT_EQ(queue.Total(), std::nullopt);

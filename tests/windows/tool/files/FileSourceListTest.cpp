@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 using Lumora::FileSource;
-using Lumora::FolderRule;
 using Lumora::NameList;
 using Lumora::SourceFile;
 using testing::ElementsAre;
@@ -32,9 +31,7 @@ protected:
     [[nodiscard]] FileSource ListOf(const std::string& names) const
     {
         const std::filesystem::path file = folder.Write("names", Bytes(names.begin(), names.end()));
-        return {{},
-                std::make_unique<NameList>(file.wstring(), NameList::Separator::Line),
-                FolderRule::RegisteredExtension};
+        return {{}, std::make_unique<NameList>(file.wstring(), NameList::Separator::Line), nullptr};
     }
 
     /// The files that a list names, and in which folder below the current one each of them belongs.
@@ -91,7 +88,7 @@ TEST_F(FileSourceList, TakesAPatternInAListAsAName)
     ASSERT_EQ(list.failures.size(), 1U);
     EXPECT_EQ(list.failures[0].name, L"*.mrc");
 
-    const Lumora::FileList named = Lumora::AllFilesOf({{L"*.mrc"}, nullptr, FolderRule::RegisteredExtension});
+    const Lumora::FileList named = Lumora::AllFilesOf({{L"*.mrc"}, nullptr, nullptr});
     ASSERT_EQ(named.files.size(), 1U) << "on the command line, it is a pattern";
     EXPECT_EQ(named.files[0].name, L"a.mrc");
 }
@@ -108,8 +105,7 @@ TEST_F(FileSourceList, KeepsTheNameOfAFolderInAList)
 
     // The user has named the folder, so its name says nothing new.
     Found found;
-    for (const SourceFile& file :
-         Lumora::AllFilesOf({{L"sub"}, nullptr, FolderRule::RegisteredExtension}).files)
+    for (const SourceFile& file : Lumora::AllFilesOf({{L"sub"}, nullptr, nullptr}).files)
         found.emplace_back(file.name, file.subfolder);
     EXPECT_THAT(found, ElementsAre(Pair(L"sub\\a.mrc", L""), Pair(L"sub\\deep\\b.mrc", L"deep")));
 }
@@ -120,7 +116,7 @@ TEST_F(FileSourceList, ComesAfterThePaths)
     WriteFile("b.mrc");
     const std::filesystem::path names = folder.Write("names", Bytes{'a', '.', 'm', 'r', 'c', '\n', 'c'});
     FileSource source({L"b.mrc"}, std::make_unique<NameList>(names.wstring(), NameList::Separator::Line),
-                      FolderRule::RegisteredExtension);
+                      nullptr);
     EXPECT_EQ(source.Next()->name, L"b.mrc");
     EXPECT_EQ(source.Next()->name, L"a.mrc");
     const std::optional<SourceFile> missing = source.Next();
@@ -135,7 +131,7 @@ TEST_F(FileSourceList, LooksIntoAFolderOnlyWhenTheFilesBeforeAreTaken)
     WriteFile("a\\1.mrc");
     WriteFile("a\\sub\\2.mrc");
     WriteFile("b\\4.mrc");
-    FileSource source({L"a", L"b", L"c"}, nullptr, FolderRule::RegisteredExtension);
+    FileSource source({L"a", L"b", L"c"}, nullptr, nullptr);
     EXPECT_EQ(source.Next()->name, L"a\\1.mrc");
     WriteFile("a\\sub\\3.mrc");
     EXPECT_EQ(source.Next()->name, L"a\\sub\\2.mrc");

@@ -49,10 +49,10 @@ BOOL WINAPI FindNext(HANDLE search, WIN32_FIND_DATAW* found)
     return result;
 }
 
-HRESULT WINAPI Open(const wchar_t* path, DWORD, DWORD, BOOL, IStream*, IStream**)
+bool IsReadable(const std::wstring& path)
 {
-    opened.emplace_back(PathFindFileNameW(path));
-    return E_FAIL;
+    opened.emplace_back(PathFindFileNameW(path.c_str()));
+    return false;
 }
 
 /// The names of the files in the folder that count, when all of them have these attributes.
@@ -61,12 +61,10 @@ std::vector<std::wstring> CountingFiles(const std::filesystem::path& folder, DWO
     const HMODULE program = GetModuleHandleW(nullptr);
     const ImportHook first(program, "FindFirstFileW", FindFirst);
     const ImportHook next(program, "FindNextFileW", FindNext);
-    const ImportHook open(program, "SHCreateStreamOnFileEx", Open);
     addedAttributes = attributes;
     opened.clear();
     std::vector<std::wstring> names;
-    for (const Lumora::SourceFile& file :
-         Lumora::AllFilesOf({{folder.wstring()}, nullptr, Lumora::FolderRule::ReadableToo}).files)
+    for (const Lumora::SourceFile& file : Lumora::AllFilesOf({{folder.wstring()}, nullptr, IsReadable}).files)
         names.emplace_back(PathFindFileNameW(file.path.c_str()));
     return names;
 }

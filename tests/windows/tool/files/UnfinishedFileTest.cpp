@@ -79,7 +79,7 @@ TEST_F(UnfinishedFileTest, TakesOverWhatWasLeftBehind)
     folder.Write("kind", ours);
     const std::wstring path = (folder.Path() / "kind").wstring();
     EXPECT_FALSE(UnfinishedFile::WasLeftBehind(path));
-    folder.Write("kind.part", Bytes(100));
+    folder.Write("kind.lumora-part", Bytes(100));
     EXPECT_TRUE(UnfinishedFile::WasLeftBehind(path));
     EXPECT_EQ(WriteAnew("kind", true), std::nullopt);
     EXPECT_FALSE(UnfinishedFile::WasLeftBehind(path));

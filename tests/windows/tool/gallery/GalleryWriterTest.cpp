@@ -177,7 +177,7 @@ TEST(GalleryWriter, LeavesNoUnfinishedPage)
     {
         GalleryWriter writer((folder.Path() / "index.html").native(), L"title", 200);
         writer.Add(Entry());
-        EXPECT_THAT(folder.Files(), ElementsAre("index.html.part"));
+        EXPECT_THAT(folder.Files(), ElementsAre("index.html.lumora-part"));
     }
     EXPECT_THAT(folder.Files(), IsEmpty());
 }
@@ -186,7 +186,7 @@ TEST(GalleryWriter, FailsWhereItCannotWrite)
 {
     const TemporaryFolder folder;
     // No file can be made in the place of this folder.
-    std::filesystem::create_directory(folder.Path() / "index.html.part");
+    std::filesystem::create_directory(folder.Path() / "index.html.lumora-part");
     const std::wstring path = (folder.Path() / "index.html").native();
     const auto failure = Lumora::FailureOf([&] { const GalleryWriter writer(path, L"title", 200); });
     ASSERT_TRUE(failure);

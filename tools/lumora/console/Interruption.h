@@ -17,7 +17,4 @@ public:
     [[nodiscard]] static bool IsWanted() noexcept;
 };
 
-/// For a program that another one of its terminal ends: it takes no notice of Ctrl+C.
-void IgnoreInterruptions() noexcept;
-
 } // namespace Lumora

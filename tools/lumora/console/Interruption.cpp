@@ -1,4 +1,4 @@
-#include "lumora/batch/Interruption.h"
+#include "lumora/console/Interruption.h"
 
 #include <windows.h>
 
@@ -20,11 +20,6 @@ BOOL WINAPI AskToStop(DWORD event)
     return TRUE;
 }
 
-BOOL WINAPI TakeNoNotice(DWORD)
-{
-    return TRUE;
-}
-
 } // namespace
 
 Interruption::Interruption()
@@ -40,11 +35,6 @@ Interruption::~Interruption()
 bool Interruption::IsWanted() noexcept
 {
     return isWanted;
-}
-
-void IgnoreInterruptions() noexcept
-{
-    SetConsoleCtrlHandler(TakeNoNotice, TRUE);
 }
 
 } // namespace Lumora
