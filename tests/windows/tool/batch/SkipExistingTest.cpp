@@ -67,6 +67,19 @@ TEST_F(SkipExisting, ReplacesAnOlderPicture)
     EXPECT_EQ(folder.Read("a-1.png"), right);
 }
 
+TEST_F(SkipExisting, ReplacesADamagedPicture)
+{
+    for (const size_t length : {size_t{0}, size_t{8}, size_t{40}})
+    {
+        folder.Write("a-1.png", Bytes(right.begin(), right.begin() + static_cast<std::ptrdiff_t>(length)));
+        SetAge(hours(1));
+        const ToolRun run = Render();
+        EXPECT_EQ(run.exitCode, 0U) << length << run.error;
+        EXPECT_EQ(run.output, "a-1.png\n") << length;
+        EXPECT_EQ(folder.Read("a-1.png"), right) << length;
+    }
+}
+
 TEST_F(SkipExisting, ReplacesAPictureIfAProgramWasKilledWhileItWroteAnother)
 {
     SetAge(hours(1));

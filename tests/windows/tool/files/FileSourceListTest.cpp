@@ -110,6 +110,16 @@ TEST_F(FileSourceList, KeepsTheNameOfAFolderInAList)
     EXPECT_THAT(found, ElementsAre(Pair(L"sub\\a.mrc", L""), Pair(L"sub\\deep\\b.mrc", L"deep")));
 }
 
+TEST_F(FileSourceList, SaysWhenANameHoldsNulCharacters)
+{
+    WriteFile("a.mrc");
+    const Lumora::FileList list = Lumora::AllFilesOf(ListOf(std::string("a.mrc\0b.mrc\n", 12)));
+    EXPECT_THAT(list.files, IsEmpty());
+    ASSERT_EQ(list.failures.size(), 1U);
+    EXPECT_EQ(list.failures[0].name, L"a.mrc");
+    EXPECT_EQ(list.failures[0].failure, L"the name holds a NUL character; -0 is for lists with these");
+}
+
 TEST_F(FileSourceList, ComesAfterThePaths)
 {
     WriteFile("a.mrc");

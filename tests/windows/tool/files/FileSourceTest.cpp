@@ -99,4 +99,28 @@ TEST(FileSource, FollowsFoldersOfTheCloudButNoLinks)
     folderTag = 0;
 }
 
+// Windows takes dots and spaces off the end of a name that does not begin in a special way.
+TEST(FileSource, OpensFilesWhoseNamesEndInADotOrASpace)
+{
+    const TemporaryFolder folder;
+    for (const wchar_t* const name : {L"a.mrc.", L"a.mrc "})
+    {
+        const std::wstring path = L"\\\\?\\" + (folder.Path() / name).wstring();
+        const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
+        ASSERT_NE(file, INVALID_HANDLE_VALUE);
+        CloseHandle(file);
+    }
+    folder.Write("a.mrc", std::vector<uint8_t>(1));
+    std::vector<std::wstring> paths;
+    const auto test = [&paths](const std::wstring& path) {
+        paths.push_back(path);
+        return false;
+    };
+    static_cast<void>(Lumora::AllFilesOf({{folder.Path().wstring()}, nullptr, test}));
+    const std::wstring unlimited = L"\\\\?\\" + (folder.Path() / "a.mrc").wstring();
+    EXPECT_THAT(paths, testing::UnorderedElementsAre(unlimited + L".", unlimited + L" "));
+    for (const std::wstring& path : paths)
+        EXPECT_TRUE(DeleteFileW(path.c_str()));
+}
+
 } // namespace

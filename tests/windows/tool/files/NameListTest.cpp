@@ -53,6 +53,21 @@ std::wstring FailureWith(const std::function<void()>& work)
     return Lumora::FailureOf(work).value_or(L"no failure");
 }
 
+TEST(NameList, TakesWhatIsNotUtf8ForTextOfTheTerminal)
+{
+    wchar_t expected[2] = {};
+    ASSERT_EQ(MultiByteToWideChar(CP_OEMCP, 0, "\x81", 1, expected, 2), 1);
+    EXPECT_THAT(NamesIn("a\x81.mrc\n\xC3\xBC.mrc\n"),
+                ElementsAre(std::wstring(L"a") + expected[0] + L".mrc", L"\u00FC.mrc"));
+}
+
+TEST(NameList, RefusesTheOtherUtf16)
+{
+    EXPECT_THAT(
+        FailureWith([] { NamesIn("\xFE\xFF\0a"); }),
+        testing::EndsWith(L": this is big-endian UTF-16; UTF-8 and little-endian UTF-16 are understood"));
+}
+
 TEST(NameList, HasANameInEachLine)
 {
     EXPECT_THAT(NamesIn("a.mrc\nb c.mrc\n"), ElementsAre(L"a.mrc", L"b c.mrc"));
