@@ -10,7 +10,7 @@ packages=(
   googletest libbenchmark-dev                    # tests and benchmark
   libhdf5-dev libz-mingw-w64-dev zlib1g-dev      # … and what they write HDF5 files with
   python3 python3-numpy python3-h5py python3-mrcfile # test files by independent writers
-  libturbojpeg0-dev                              # decodes JPEG in the native build
+  libturbojpeg0-dev libpng-dev                   # read and write pictures in the native build
   chromium-headless-shell                        # looks at a page of lumora sheet --html
   clang-format clang-tidy cppcheck               # lint
   wixl msitools python3-markdown python3-pil     # the setup package, and its icon

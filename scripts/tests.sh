@@ -5,9 +5,11 @@ test_natively() {
   local status=0
   compile native
   show_tests ctest-native "Running the native tests" ctest --preset native -j "$jobs" || status=1
+  show_tests thumbnailer "Making thumbnails for Linux" tests/thumbnailer/check \
+    build/native/bin/lumora-thumbnailer . "$(real_files)" || status=1
   compile fuzz
   show_tests fuzz "Fuzzing each target for a moment" fuzz/run.py build/fuzz/bin --test || status=1
-  (lint_portable '^(src|fuzz)/') || status=1
+  (lint_portable '^(src|fuzz|tools/thumbnailer)/') || status=1
   return $status
 }
 

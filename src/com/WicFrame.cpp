@@ -1,33 +1,26 @@
 #include "com/WicFrame.h"
 
+#include "core/display/DisplayPicture.h"
+
 #include <algorithm>
 #include <utility>
 
 using Tav::Imaging::RawImage::BytesPerPixel;
-using Tav::Imaging::RawImage::FrameBytes;
+using Tav::Imaging::RawImage::DisplayPicture;
 using Tav::Imaging::RawImage::PixelType;
 using Tav::Imaging::RawImage::RawImageBase;
+using Tav::Imaging::RawImage::TakeDisplayPicture;
 
 WicFrame::WicFrame(std::unique_ptr<Tav::Imaging::RawImage::RawImage> holder) : image(std::move(holder))
 {
     RawImageBase* const reader = image ? image->Reader() : nullptr;
     if (!reader)
         return;
-    width = reader->width;
-    height = reader->height;
-    if (width == 0 || height == 0)
-        return;
-
-    if (reader->pixelType == PixelType::RGB24 || reader->pixelType == PixelType::RGBA32)
-        format = PixelType::RGB24;
-    pixels = std::move(reader->displayPixels);
-    const size_t pictureBytes = size_t{BytesPerPicturePixel()} * width * height;
-    if (pixels.size() != pictureBytes)
-    {
-        FrameBytes whole(pictureBytes);
-        std::copy_n(pixels.begin(), std::min(pixels.size(), pictureBytes), whole.data());
-        pixels = std::move(whole);
-    }
+    DisplayPicture picture = TakeDisplayPicture(*reader);
+    width = picture.width;
+    height = picture.height;
+    format = picture.format;
+    pixels = std::move(picture.pixels);
 }
 
 uint32_t WicFrame::BytesPerPicturePixel() const noexcept

@@ -45,7 +45,8 @@ OwnedHandle MakeJob()
 std::vector<uint8_t> Answer(FileWorker& worker, std::vector<uint8_t> message)
 {
     FileTask task;
-    MessageReader(std::move(message)).Field(task);
+    MessageReader reader(std::move(message));
+    reader.Field(task);
     FileReport report = worker.Do(task);
     MessageWriter writer;
     writer.Field(report);
@@ -125,7 +126,8 @@ FileReport WorkerProcess::Do(FileTask& task)
     {
         if (std::optional<std::vector<uint8_t>> message = ReceiveFrom(reports.get()))
         {
-            MessageReader(std::move(*message)).Field(report);
+            MessageReader reader(std::move(*message));
+            reader.Field(report);
             return report;
         }
     }
