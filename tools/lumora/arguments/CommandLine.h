@@ -38,19 +38,24 @@ struct CommandLine
     NameList::Separator separator = NameList::Separator::Line;
     bool isVerbose = false;
 
-    // info, render and sheet
-    uint32_t jobs = 1;
-
     // info and doctor
     bool wantsJson = false;
     // info and render
     bool wantsJsonLines = false;
 
+    // info, render and sheet
+    uint32_t jobs = 1;
+
     // render
     std::optional<FrameSelection> frames;
-    bool isMontage = false;
-    bool isJpeg = false;
     std::optional<uint32_t> quality;
+    bool isJpeg = false;
+    bool isMontage = false;
+
+    // sheet
+    bool isPage = false;
+    bool onlyReadable = false;
+    std::optional<uint32_t> rows;
 
     // render and sheet
     /// The folder for the pictures, or the sheet.
@@ -58,11 +63,6 @@ struct CommandLine
     std::optional<uint32_t> longerSide;
     std::optional<uint32_t> columns;
     bool skipsExisting = false;
-
-    // sheet
-    std::optional<uint32_t> rows;
-    bool isPage = false;
-    bool onlyReadable = false;
 
     // register and unregister; doctor has the path too
     Scope scope = Scope::Machine;
