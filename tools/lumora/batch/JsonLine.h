@@ -8,8 +8,8 @@
 
 namespace Lumora {
 
-/// All that is known of a file as one line of JSON Lines; docs/json-lines.md describes it. With the pictures that
-/// were written, if there could be any.
+/// All that is known of a file as one line of JSON Lines; docs/json-lines.md describes it. With the pictures
+/// that were written, if there could be any.
 [[nodiscard]] std::wstring JsonLine(const SourceFile& file, const FileReport& report, bool withTargets);
 
 /// Writes each property as a member of the open object; null for one that the file does not have.
