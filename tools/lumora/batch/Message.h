@@ -8,19 +8,17 @@
 #include <cstring>
 #include <optional>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
 
 namespace Lumora {
 
-/// A structure whose member function template `Transfer` passes each of its fields to an archive, in the same
-/// order for both directions.
-template <class Type, class Archive>
-concept Transferable = requires(Type& value, Archive& archive)
-{
-    value.Transfer(archive);
-};
+/// A structure of our own: its member function template `Transfer` passes each of its fields to an archive,
+/// in the same order for both directions.
+template <class Type>
+concept Structure = std::is_class_v<Type>;
 
 /// Turns structures into bytes, for another process of this program on the same machine.
 class MessageWriter
@@ -34,7 +32,7 @@ public:
         std::memcpy(bytes.data() + size, &value, sizeof(value));
     }
 
-    void Field(const std::wstring& text)
+    void Field(std::wstring& text)
     {
         Field(text.size());
         for (const wchar_t character : text)
@@ -68,11 +66,11 @@ public:
         Field(value.index());
         if (const uint32_t* const number = std::get_if<uint32_t>(&value))
             Field(*number);
-        else if (const std::wstring* const text = std::get_if<std::wstring>(&value))
+        else if (std::wstring* const text = std::get_if<std::wstring>(&value))
             Field(*text);
     }
 
-    template <Transferable<MessageWriter> Type>
+    template <Structure Type>
     void Field(Type& value)
     {
         value.Transfer(*this);
@@ -141,7 +139,7 @@ public:
             Field(value.emplace<std::wstring>());
     }
 
-    template <Transferable<MessageReader> Type>
+    template <Structure Type>
     void Field(Type& value)
     {
         value.Transfer(*this);
