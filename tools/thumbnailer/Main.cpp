@@ -21,6 +21,8 @@ namespace {
 using namespace Lumora;
 using namespace Tav::Imaging::RawImage;
 
+const std::string nameAndVersion = std::string("lumora-thumbnailer ") + LUMORA_VERSION;
+
 constexpr const char* help = R"(Write a small PNG picture of an electron-microscopy file, for file managers.
 
 Usage: lumora-thumbnailer [-s SIZE] INPUT OUTPUT
@@ -114,7 +116,7 @@ try
         {"Thumb::Size", std::to_string(stream.Size())},
         {"Thumb::Image::Width", std::to_string(reader.width)},
         {"Thumb::Image::Height", std::to_string(reader.height)},
-        {"Software", "lumora-thumbnailer " LUMORA_VERSION},
+        {"Software", nameAndVersion},
     };
     const DisplayPicture picture = ScaledDown(TakeDisplayPicture(*image.Reader()), arguments.size);
     if (picture.width == 0 || picture.height == 0)
@@ -140,8 +142,7 @@ int main(int count, char** words)
             if (word == "--help" || word == "--version")
             {
                 const bool isWritten =
-                    std::fputs(word == "--help" ? help : "lumora-thumbnailer " LUMORA_VERSION "\n", stdout) >=
-                    0;
+                    std::fputs(word == "--help" ? help : (nameAndVersion + '\n').c_str(), stdout) >= 0;
                 return isWritten && std::fflush(stdout) == 0 ? 0 : somethingFailed;
             }
         }

@@ -42,9 +42,10 @@ bool IsElevated()
 Host ThisHost()
 {
     Host host;
-    host.isElevated = IsElevated();
     const FARPROC wineVersion = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version");
     host.isWine = wineVersion != nullptr;
+    // Wine lets every program change its settings. Since version 10 it says no more that the program may.
+    host.isElevated = host.isWine || IsElevated();
     // Windows 11 calls itself Windows 10 here; its builds have numbers from 22000.
     host.name = Utf8(VersionText(L"ProductName") + L' ' + VersionText(L"DisplayVersion") + L", build " +
                      VersionText(L"CurrentBuild") + L'.' + std::to_wstring(VersionNumber(L"UBR")));
