@@ -2,11 +2,10 @@
 
 #include "com/ComObjectBase.h"
 #include "core/RawImage.h"
-#include "core/samples/FrameBytes.h"
+#include "core/display/DisplayPicture.h"
 
 #include <wincodec.h>
 
-#include <cstdint>
 #include <memory>
 
 /// One decoded frame as WIC sees it. Nothing changes after construction, so any thread may call it.
@@ -35,12 +34,6 @@ public:
     HRESULT STDMETHODCALLTYPE GetThumbnail(IWICBitmapSource** thumbnail) override;
 
 private:
-    [[nodiscard]] uint32_t BytesPerPicturePixel() const noexcept;
-
     std::unique_ptr<Tav::Imaging::RawImage::RawImage> image;
-    Tav::Imaging::RawImage::FrameBytes pixels;
-    uint32_t width = 0;
-    uint32_t height = 0;
-    /// UInt8 for a gray picture, RGB24 for a colour picture.
-    Tav::Imaging::RawImage::PixelType format = Tav::Imaging::RawImage::PixelType::UInt8;
+    Tav::Imaging::RawImage::DisplayPicture picture;
 };
