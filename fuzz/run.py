@@ -61,6 +61,7 @@ def all_targets():
     for name in ("built_dm", "built_emi", "built_ser"):
         yield Target(name, (name,), 1000, 4000)
     yield Target("frames", ("frames",), 1000, 4000)
+    yield Target("copies", ("copies",), 10000, 10000, longest=64)
     yield Target("properties", FORMATS, 10000, 10000, longest=12288, options=WITHOUT_COUNTS)
     yield Target("facts", ("facts",), 10000, 10000)
     yield Target("identification", ("identification",), 10000, 10000, longest=64, dictionary="identification")

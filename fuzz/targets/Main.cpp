@@ -12,7 +12,7 @@ std::vector<Target> AllTargets()
 {
     std::vector<Target> all;
     for (const auto& targets :
-         {FileTargets, BuiltFileTargets, FrameTargets, PropertyTargets, IdentificationTargets, TextTargets})
+         {FileTargets, BuiltFileTargets, FrameTargets, CopyTargets, PropertyTargets, IdentificationTargets, TextTargets})
     {
         for (Target& target : targets())
             all.push_back(std::move(target));

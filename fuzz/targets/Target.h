@@ -27,6 +27,7 @@ inline void Require(bool condition)
 [[nodiscard]] std::vector<Target> FileTargets();
 [[nodiscard]] std::vector<Target> BuiltFileTargets();
 [[nodiscard]] std::vector<Target> FrameTargets();
+[[nodiscard]] std::vector<Target> CopyTargets();
 [[nodiscard]] std::vector<Target> PropertyTargets();
 [[nodiscard]] std::vector<Target> IdentificationTargets();
 [[nodiscard]] std::vector<Target> TextTargets();
