@@ -3,12 +3,12 @@
 #include "lumora/batch/WorkerProcess.h"
 #include "lumora/commands/DoctorCommand.h"
 #include "lumora/commands/InfoCommand.h"
-#include "lumora/commands/RegisterCommand.h"
 #include "lumora/commands/RenderCommand.h"
 #include "lumora/commands/SheetCommand.h"
-#include "lumora/console/ComApartment.h"
 #include "lumora/console/Console.h"
 #include "lumora/console/Failure.h"
+#include "lumora/windows/ComApartment.h"
+#include "lumora/windows/RegisterCommand.h"
 
 #include <exception>
 #include <span>

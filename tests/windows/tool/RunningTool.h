@@ -1,6 +1,6 @@
 #pragma once
 
-#include "lumora/files/OwnedHandle.h"
+#include "lumora/windows/files/OwnedHandle.h"
 #include "windows/clients/TemporaryFolder.h"
 
 #include <filesystem>

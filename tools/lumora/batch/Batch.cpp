@@ -3,10 +3,10 @@
 #include "lumora/batch/FileWorker.h"
 #include "lumora/batch/WorkQueue.h"
 #include "lumora/batch/WorkerProcess.h"
-#include "lumora/console/ComApartment.h"
 #include "lumora/console/Failure.h"
 #include "lumora/console/Interruption.h"
 #include "lumora/console/Progress.h"
+#include "lumora/windows/ComApartment.h"
 
 #include <algorithm>
 #include <atomic>

@@ -2,10 +2,10 @@
 
 #include "lumora/console/Failure.h"
 #include "lumora/files/FileSystem.h"
-#include "lumora/pictures/ImagingFactory.h"
 #include "lumora/pictures/PictureFile.h"
 #include "lumora/pictures/PictureMaker.h"
 #include "lumora/pictures/PropertyReader.h"
+#include "lumora/windows/pictures/ImagingFactory.h"
 
 #include <chrono>
 

@@ -2,7 +2,7 @@
 
 #include "lumora/batch/FileReport.h"
 #include "lumora/batch/FileTask.h"
-#include "lumora/files/OwnedHandle.h"
+#include "lumora/windows/files/OwnedHandle.h"
 
 #include <windows.h>
 

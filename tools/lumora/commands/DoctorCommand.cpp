@@ -3,10 +3,10 @@
 #include "lumora/console/JsonWriter.h"
 #include "lumora/console/Progress.h"
 #include "lumora/doctor/Diagnosis.h"
-#include "lumora/doctor/ExplorerChecks.h"
-#include "lumora/doctor/OpeningChecks.h"
-#include "lumora/doctor/RegistrationChecks.h"
 #include "lumora/files/FileSource.h"
+#include "lumora/windows/doctor/ExplorerChecks.h"
+#include "lumora/windows/doctor/OpeningChecks.h"
+#include "lumora/windows/doctor/RegistrationChecks.h"
 
 namespace Lumora {
 

@@ -4,7 +4,7 @@
 #include "lumora/batch/JsonLine.h"
 #include "lumora/console/Interruption.h"
 #include "lumora/files/OutputNames.h"
-#include "lumora/pictures/ImagingFactory.h"
+#include "lumora/windows/pictures/ImagingFactory.h"
 
 namespace Lumora {
 

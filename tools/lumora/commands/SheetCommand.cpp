@@ -6,10 +6,10 @@
 #include "lumora/files/FileSystem.h"
 #include "lumora/files/OutputNames.h"
 #include "lumora/files/Paths.h"
-#include "lumora/pictures/ImagingFactory.h"
 #include "lumora/pictures/UnfinishedFile.h"
 #include "lumora/sheet/GalleryWriter.h"
 #include "lumora/sheet/SheetWriter.h"
+#include "lumora/windows/pictures/ImagingFactory.h"
 
 #include <algorithm>
 

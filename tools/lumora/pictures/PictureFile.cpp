@@ -1,6 +1,6 @@
 #include "lumora/pictures/PictureFile.h"
 
-#include "lumora/pictures/HdfTurn.h"
+#include "lumora/windows/pictures/HdfTurn.h"
 #include "registration/ClassIds.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "lumora/doctor/RegistrationChecks.h"
+#include "lumora/windows/doctor/RegistrationChecks.h"
 #include "windows/registry/damage/DamagedEntry.h"
 #include "windows/tool/ToolDoctorTest.h"
 

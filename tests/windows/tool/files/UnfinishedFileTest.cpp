@@ -1,8 +1,8 @@
 #include "lumora/pictures/UnfinishedFile.h"
 
 #include "lumora/console/Failure.h"
-#include "lumora/pictures/ImagingFactory.h"
 #include "lumora/pictures/PictureWriter.h"
+#include "lumora/windows/pictures/ImagingFactory.h"
 #include "windows/clients/TemporaryFolder.h"
 #include "windows/support/PngPicture.h"
 

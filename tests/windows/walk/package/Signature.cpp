@@ -1,6 +1,6 @@
 #include "windows/walk/package/Signature.h"
 
-#include "lumora/doctor/Signature.h"
+#include "lumora/windows/doctor/Signature.h"
 #include "windows/walk/Host.h"
 
 void CheckSignature(Report& report, const std::filesystem::path& file)

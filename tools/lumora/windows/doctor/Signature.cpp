@@ -1,4 +1,4 @@
-#include "lumora/doctor/Signature.h"
+#include "lumora/windows/doctor/Signature.h"
 
 #include "lumora/console/Failure.h"
 

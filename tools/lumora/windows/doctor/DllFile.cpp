@@ -1,4 +1,4 @@
-#include "lumora/doctor/DllFile.h"
+#include "lumora/windows/doctor/DllFile.h"
 
 #include "lumora/console/Failure.h"
 #include "lumora/files/Paths.h"

@@ -1,8 +1,8 @@
-#include "lumora/pictures/HdfTurn.h"
+#include "lumora/windows/pictures/HdfTurn.h"
 
 #include "lumora/console/Failure.h"
-#include "lumora/files/OwnedHandle.h"
 #include "lumora/pictures/DecoderLines.h"
+#include "lumora/windows/files/OwnedHandle.h"
 #include "platform/HdfMutexName.h"
 
 namespace Lumora {

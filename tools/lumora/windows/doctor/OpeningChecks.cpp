@@ -1,10 +1,10 @@
-#include "lumora/doctor/OpeningChecks.h"
+#include "lumora/windows/doctor/OpeningChecks.h"
 
 #include "lumora/console/Failure.h"
 #include "lumora/pictures/DecoderLines.h"
-#include "lumora/pictures/ImagingFactory.h"
 #include "lumora/pictures/PictureFile.h"
 #include "lumora/pictures/PropertyReader.h"
+#include "lumora/windows/pictures/ImagingFactory.h"
 #include "registration/ClassIds.h"
 
 #include <windows.h>

@@ -1,9 +1,9 @@
-#include "lumora/doctor/RegistrationChecks.h"
+#include "lumora/windows/doctor/RegistrationChecks.h"
 
 #include "lumora/console/Failure.h"
-#include "lumora/doctor/DllFile.h"
-#include "lumora/doctor/Signature.h"
 #include "lumora/files/Paths.h"
+#include "lumora/windows/doctor/DllFile.h"
+#include "lumora/windows/doctor/Signature.h"
 #include "registration/ClassIds.h"
 #include "registration/Registration.h"
 

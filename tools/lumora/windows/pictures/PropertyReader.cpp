@@ -1,7 +1,7 @@
 #include "lumora/pictures/PropertyReader.h"
 
 #include "lumora/console/Failure.h"
-#include "lumora/pictures/HdfTurn.h"
+#include "lumora/windows/pictures/HdfTurn.h"
 #include "metadata/PropertyKeys.h"
 #include "platform/ComPtr.h"
 #include "registration/ClassIds.h"

@@ -1,4 +1,4 @@
-#include "lumora/doctor/ExplorerChecks.h"
+#include "lumora/windows/doctor/ExplorerChecks.h"
 
 #include "lumora/files/Paths.h"
 #include "registration/Formats.h"

@@ -1,4 +1,4 @@
-#include "lumora/pictures/ImagingFactory.h"
+#include "lumora/windows/pictures/ImagingFactory.h"
 
 #include "lumora/console/Failure.h"
 #include "registration/ClassIds.h"

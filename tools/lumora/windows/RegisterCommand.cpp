@@ -1,4 +1,4 @@
-#include "lumora/commands/RegisterCommand.h"
+#include "lumora/windows/RegisterCommand.h"
 
 #include "lumora/console/Failure.h"
 #include "lumora/files/Paths.h"

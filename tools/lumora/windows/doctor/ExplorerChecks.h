@@ -1,7 +1,7 @@
 #pragma once
 
 #include "lumora/doctor/Diagnosis.h"
-#include "lumora/doctor/RegistrationChecks.h"
+#include "lumora/windows/doctor/RegistrationChecks.h"
 
 #include <string>
 
