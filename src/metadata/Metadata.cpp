@@ -8,6 +8,13 @@ namespace Tav::Imaging::RawImage {
 
 namespace {
 
+/// True for a Digital Micrograph file whose first frame is a colour thumbnail. The image itself comes second.
+bool BeginsWithThumbnail(const RawImageBase& reader)
+{
+    return (reader.fileType == FileType::Dm3 || reader.fileType == FileType::Dm4) && reader.frameCount >= 2 &&
+           reader.pixelType == PixelType::RGBA32;
+}
+
 /// Sets the variant to a copy of the text, which PropVariantClear frees.
 bool SetText(PROPVARIANT& variant, const std::wstring& text)
 {
@@ -22,6 +29,12 @@ bool SetText(PROPVARIANT& variant, const std::wstring& text)
 }
 
 } // namespace
+
+bool OpenForMetadata(RawImage& image, IStream* stream)
+{
+    return image.Open(stream, readModeHeader, 0) &&
+           (!BeginsWithThumbnail(*image.Reader()) || image.Open(stream, readModeHeader, 1));
+}
 
 void Metadata::FillFromImage(const RawImage& image)
 {

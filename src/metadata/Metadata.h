@@ -27,6 +27,10 @@ enum class MetadataProperty
 
 constexpr size_t metadataPropertyCount = static_cast<size_t>(MetadataProperty::Count);
 
+/// Reads the header of the frame whose facts are the file's: the first one that is no embedded thumbnail.
+/// Returns false, and throws, as RawImage::Open does.
+[[nodiscard]] bool OpenForMetadata(RawImage& image, IStream* stream);
+
 /// The facts of one opened image, kept after its reader is gone.
 class Metadata
 {

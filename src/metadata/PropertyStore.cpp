@@ -14,17 +14,6 @@
 
 using namespace Tav::Imaging::RawImage;
 
-namespace {
-
-/// True for a Digital Micrograph file whose first frame is a colour thumbnail. The image itself comes second.
-bool BeginsWithThumbnail(const RawImageBase& reader)
-{
-    return (reader.fileType == FileType::Dm3 || reader.fileType == FileType::Dm4) && reader.frameCount >= 2 &&
-           reader.pixelType == PixelType::RGBA32;
-}
-
-} // namespace
-
 PropertyStore::PropertyStore() noexcept
 {
     ++objectCount;
@@ -67,9 +56,7 @@ try
         return E_INVALIDARG;
     const ComPtr<IStream> held = ComPtr<IStream>::Share(stream);
     RawImage image;
-    if (!image.Open(stream, readModeHeader, 0))
-        return E_FAIL;
-    if (BeginsWithThumbnail(*image.Reader()) && !image.Open(stream, readModeHeader, 1))
+    if (!OpenForMetadata(image, stream))
         return E_FAIL;
     metadata.FillFromImage(image);
     return S_OK;

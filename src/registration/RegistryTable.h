@@ -2,6 +2,7 @@
 
 #include "registration/Choices.h"
 #include "registration/RegistryKey.h"
+#include "registration/Scope.h"
 
 #include <guiddef.h>
 
@@ -11,13 +12,6 @@
 #include <vector>
 
 namespace Lumora {
-
-/// For whom a registration is made.
-enum class Scope
-{
-    Machine,
-    User,
-};
 
 /// One value of the registration.
 struct RegistryEntry

@@ -1,8 +1,9 @@
 #include "core/RawImage.h"
 #include "core/display/DisplayPicture.h"
 #include "platform/Platform.h"
-#include "thumbnailer/AreaScaler.h"
-#include "thumbnailer/FileStream.h"
+#include "shared/AreaScaler.h"
+#include "shared/linux/DisplayedPicture.h"
+#include "shared/linux/FileStream.h"
 #include "thumbnailer/PngFile.h"
 #include "thumbnailer/Uri.h"
 
@@ -118,10 +119,15 @@ try
         {"Thumb::Image::Height", std::to_string(reader.height)},
         {"Software", nameAndVersion},
     };
-    const DisplayPicture picture = ScaledDown(TakeDisplayPicture(*image.Reader()), arguments.size);
+    const DisplayedPicture picture(std::make_shared<DisplayPicture>(TakeDisplayPicture(*image.Reader())));
     if (picture.width == 0 || picture.height == 0)
         throw std::runtime_error("the frame has no pixels");
-    WritePng(arguments.output, picture, texts);
+    const Box size = {picture.width, picture.height};
+    const Box wanted = Fitted(size, {arguments.size, arguments.size});
+    if (wanted == size)
+        WritePng(arguments.output, picture, texts);
+    else
+        WritePng(arguments.output, *ScaledDown(picture, wanted), texts);
 }
 catch (const std::exception& exception)
 {

@@ -3,19 +3,14 @@
 #include <cerrno>
 #include <cstdio>
 #include <memory>
-#include <stdexcept>
 #include <system_error>
+#include <vector>
 
 #include <fcntl.h>
-#include <png.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace Lumora {
-
-using Tav::Imaging::RawImage::BytesPerPixel;
-using Tav::Imaging::RawImage::DisplayPicture;
-using Tav::Imaging::RawImage::PixelType;
 
 namespace {
 
@@ -65,61 +60,19 @@ private:
     std::string path;
 };
 
-/// libpng reports errors through this function, which must not return. It is called through frames of libpng,
-/// which are compiled to let exceptions pass.
-[[noreturn]] void Fail(png_structp, png_const_charp message)
-{
-    throw std::runtime_error(std::string("libpng: ") + message);
-}
-
-/// What libpng needs for one file.
-class PngWriter
-{
-public:
-    PngWriter() : png(png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, Fail, nullptr))
-    {
-        if (png)
-            info = png_create_info_struct(png);
-        if (!info)
-            throw std::bad_alloc();
-    }
-    PngWriter(const PngWriter&) = delete;
-    PngWriter& operator=(const PngWriter&) = delete;
-    ~PngWriter() { png_destroy_write_struct(&png, &info); }
-
-    void Write(std::FILE* file, const DisplayPicture& picture, const PngTexts& texts)
-    {
-        png_init_io(png, file);
-        png_set_IHDR(png, info, picture.width, picture.height, 8,
-                     picture.format == PixelType::RGB24 ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_GRAY,
-                     PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-        std::vector<png_text> chunks;
-        for (const auto& [key, value] : texts)
-        {
-            png_text& chunk = chunks.emplace_back();
-            chunk.compression = PNG_TEXT_COMPRESSION_NONE;
-            chunk.key = const_cast<char*>(key.c_str());
-            chunk.text = const_cast<char*>(value.c_str());
-        }
-        png_set_text(png, info, chunks.data(), static_cast<int>(chunks.size()));
-        png_write_info(png, info);
-        const size_t rowBytes = size_t{BytesPerPixel(picture.format)} * picture.width;
-        for (size_t row = 0; row < picture.height; ++row)
-            png_write_row(png, picture.pixels.data() + row * rowBytes);
-        png_write_end(png, nullptr);
-    }
-
-private:
-    png_structp png;
-    png_infop info = nullptr;
-};
-
 } // namespace
 
-void WritePng(const std::string& path, const DisplayPicture& picture, const PngTexts& texts)
+void WritePng(const std::string& path, const Picture& picture, const PngTexts& texts)
 {
     UnfinishedFile unfinished(path);
-    PngWriter().Write(unfinished.file.get(), picture, texts);
+    PngEncoder encoder(unfinished.file.get(), {picture.width, picture.height}, picture.channels, texts);
+    std::vector<uint8_t> bytes(picture.RowBytes());
+    for (uint32_t row = 0; row < picture.height; ++row)
+    {
+        picture.CopyRow(row, bytes.data());
+        encoder.WriteRow(bytes.data());
+    }
+    encoder.Finish();
     unfinished.Keep();
 }
 

@@ -152,9 +152,9 @@ TEST_F(ToolDoctor, ShowsWhatTheReaderNotedAboutADamagedFile)
     folder.Write("cut.mrc", MrcFile().Size(4, 2, 1).Mode(6).Build());
     const ToolRun run = Run({L"cut.mrc"});
     EXPECT_EQ(run.exitCode, 1U);
-    EXPECT_THAT(run.output, HasSubstr("problem  cut.mrc: picture: WIC cannot open the file: "));
-    EXPECT_THAT(run.output, HasSubstr("problem  cut.mrc: properties: the property handler could not read the "
-                                      "file: the operation failed (E_FAIL)\n"
+    EXPECT_THAT(run.output, HasSubstr("problem  cut.mrc: picture: the picture cannot be read: "));
+    EXPECT_THAT(run.output, HasSubstr("problem  cut.mrc: properties: the properties cannot be read: "
+                                      "the operation failed (E_FAIL)\n"
                                       "note     cut.mrc: reader: [Lumora] MRC: No complete frame is present "
                                       "in the file\n\n"));
     EXPECT_THAT(run.output, EndsWith("; the reader noted \"[Lumora] MRC: No complete frame is present in the "

@@ -2,7 +2,7 @@
 
 #include "lumora/arguments/FrameSelection.h"
 #include "lumora/files/NameList.h"
-#include "registration/RegistryTable.h"
+#include "registration/Scope.h"
 
 #include <cstdint>
 #include <optional>

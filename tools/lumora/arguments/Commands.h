@@ -1,6 +1,7 @@
 #pragma once
 
 #include "lumora/arguments/CommandLine.h"
+#include "lumora/console/Console.h"
 
 #include <span>
 #include <string_view>
@@ -33,6 +34,8 @@ struct CommandDescription
     /// Paragraphs, each with a line feed at its end.
     std::wstring_view details = {};
     std::span<const Option> options;
+    /// Does the work, and returns the exit code. Throws a Failure. Null for the program itself.
+    int (*run)(const CommandLine& line, Console& console) = nullptr;
     /// What is wrong with the options taken together; null if nothing is.
     const wchar_t* (*conflict)(const CommandLine& line) = [](const CommandLine&) -> const wchar_t* {
         return nullptr;
@@ -40,9 +43,12 @@ struct CommandDescription
 };
 
 /// All commands, in the order of the program's help.
-[[nodiscard]] std::span<const CommandDescription> AllCommands() noexcept;
+[[nodiscard]] std::span<const CommandDescription> AllCommands();
+
+/// The last of them, which this system has: doctor, and what else is needed there.
+[[nodiscard]] std::span<const CommandDescription> SystemCommands() noexcept;
 
 /// The description of a command; of the program for Command::None.
-[[nodiscard]] const CommandDescription& DescriptionOf(Command command) noexcept;
+[[nodiscard]] const CommandDescription& DescriptionOf(Command command);
 
 } // namespace Lumora

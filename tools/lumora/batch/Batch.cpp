@@ -1,20 +1,19 @@
 #include "lumora/batch/Batch.h"
 
+#include "lumora/batch/EndWaiting.h"
 #include "lumora/batch/FileWorker.h"
 #include "lumora/batch/WorkQueue.h"
 #include "lumora/batch/WorkerProcess.h"
 #include "lumora/console/Failure.h"
 #include "lumora/console/Interruption.h"
 #include "lumora/console/Progress.h"
-#include "lumora/windows/ComApartment.h"
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <list>
 #include <optional>
 #include <thread>
-
-#include <pthread.h>
 
 namespace Lumora {
 
@@ -85,8 +84,8 @@ public:
         // The finder may wait for a pipe, in which perhaps nothing comes any more.
         while (finder && !hasFound)
         {
-            CancelSynchronousIo(pthread_gethandle(finder->native_handle()));
-            Sleep(10);
+            EndWaiting(*finder);
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
         }
         for (std::thread& thread : threads)
             thread.join();
@@ -102,7 +101,6 @@ private:
         return threads.emplace_back([this, job] {
             try
             {
-                const ComApartment apartment;
                 job();
             }
             catch (...)

@@ -4,8 +4,6 @@
 #include "lumora/files/FileSystem.h"
 #include "lumora/pictures/PictureFile.h"
 #include "lumora/pictures/PictureMaker.h"
-#include "lumora/pictures/PropertyReader.h"
-#include "lumora/windows/pictures/ImagingFactory.h"
 
 #include <chrono>
 
@@ -29,29 +27,22 @@ FileReport FileWorker::Try(const FileTask& task)
     report.fileSize = FileSize(task.path);
     report.failure = FailureOf([&] {
         if (task.pictures)
-            MakePictures(Factory(), task.path, *task.pictures, report.pictures);
+            MakePictures(imaging, task.path, *task.pictures, report.pictures);
         if (task.thumbnailSide)
         {
             const Box box = {*task.thumbnailSide, *task.thumbnailSide};
-            report.thumbnail = CopyOf(*PictureFile(Factory(), task.path).Frame(0, box).Get());
+            report.thumbnail = CopyOf(*PictureFile(imaging, task.path).Frame(0, box));
         }
     });
     if (task.wantsProperties)
     {
         const std::optional<std::wstring> failure =
-            FailureOf([&] { report.properties = ReadProperties(task.path); });
+            FailureOf([&] { report.properties = ReadProperties(imaging, task.path); });
         if (!report.failure)
             report.failure = failure;
     }
     report.lines = decoderLines.Take();
     return report;
-}
-
-IWICImagingFactory& FileWorker::Factory()
-{
-    if (!factory)
-        factory = MakeImagingFactory();
-    return *factory.Get();
 }
 
 } // namespace Lumora

@@ -3,9 +3,7 @@
 #include "lumora/batch/FileReport.h"
 #include "lumora/batch/FileTask.h"
 #include "lumora/pictures/DecoderLines.h"
-#include "platform/ComPtr.h"
-
-#include <wincodec.h>
+#include "lumora/pictures/Imaging.h"
 
 namespace Lumora {
 
@@ -19,9 +17,8 @@ public:
 
 private:
     [[nodiscard]] FileReport Try(const FileTask& task);
-    [[nodiscard]] IWICImagingFactory& Factory();
 
-    ComPtr<IWICImagingFactory> factory;
+    Imaging imaging;
     DecoderLines decoderLines;
 };
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <windows.h>
+#include "lumora/files/ByteFile.h"
 
 #include <cstdint>
 #include <optional>
@@ -9,9 +9,9 @@
 namespace Lumora {
 
 /// Sends a message to the process at the other end of a pipe. Returns false if that process has ended.
-[[nodiscard]] bool SendTo(HANDLE pipe, const std::vector<uint8_t>& message);
+[[nodiscard]] bool SendTo(ByteFile& pipe, const std::vector<uint8_t>& message);
 
 /// Waits for the next message. Nothing if the process at the other end has ended.
-[[nodiscard]] std::optional<std::vector<uint8_t>> ReceiveFrom(HANDLE pipe);
+[[nodiscard]] std::optional<std::vector<uint8_t>> ReceiveFrom(ByteFile& pipe);
 
 } // namespace Lumora

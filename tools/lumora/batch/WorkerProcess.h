@@ -2,9 +2,8 @@
 
 #include "lumora/batch/FileReport.h"
 #include "lumora/batch/FileTask.h"
-#include "lumora/windows/files/OwnedHandle.h"
 
-#include <windows.h>
+#include <memory>
 
 namespace Lumora {
 
@@ -26,14 +25,9 @@ public:
     [[nodiscard]] FileReport Do(FileTask& task);
 
 private:
-    void Start();
-    [[nodiscard]] DWORD End();
-
-    /// Windows ends the processes of this job when the last handle of it is closed.
-    OwnedHandle job;
-    OwnedHandle process;
-    OwnedHandle tasks;
-    OwnedHandle reports;
+    /// What the system knows the process by, and the pipes to it.
+    struct Means;
+    const std::unique_ptr<Means> means;
 };
 
 /// What such a process does: takes tasks from its standard input and writes reports to its standard output,

@@ -3,19 +3,12 @@
 #include "lumora/console/JsonWriter.h"
 #include "lumora/console/Progress.h"
 #include "lumora/doctor/Diagnosis.h"
+#include "lumora/doctor/SystemChecks.h"
 #include "lumora/files/FileSource.h"
-#include "lumora/windows/doctor/ExplorerChecks.h"
-#include "lumora/windows/doctor/OpeningChecks.h"
-#include "lumora/windows/doctor/RegistrationChecks.h"
 
 namespace Lumora {
 
 namespace {
-
-constexpr const wchar_t* allIsWell = L"All is well: Windows finds Lumora, and Lumora starts.";
-constexpr const wchar_t* allFilesAreWell =
-    L"All is well: Windows finds Lumora, and Lumora opens what was named. A folder that was open before may "
-    L"need a press of F5.";
 
 const wchar_t* NameOf(CheckState state) noexcept
 {
@@ -35,7 +28,7 @@ std::wstring AdviceOf(const Diagnosis& diagnosis)
 {
     if (!diagnosis.Advice().empty())
         return diagnosis.Advice();
-    return diagnosis.Files().empty() ? allIsWell : allFilesAreWell;
+    return diagnosis.Files().empty() ? SystemChecks::allIsWell : SystemChecks::allFilesAreWell;
 }
 
 std::wstring Line(CheckState state, const std::wstring& what, const std::wstring& detail)
@@ -116,24 +109,14 @@ int RunDoctor(const CommandLine& line, Console& console)
     if (!list.failures.empty())
         diagnosis.Problem(Cause::File, L"files", L"not all that were named are there",
                           L"Not all of the files that were named are there.");
-    CheckProcessor(diagnosis);
-    const RegistrationFindings findings = CheckRegistrations(line.dllPath, diagnosis);
-    ComPtr<IWICImagingFactory> factory;
-    if (findings.isUsable)
-        factory = CheckClasses(findings.scope, diagnosis);
-    CheckExplorerSettings(diagnosis);
+    const SystemChecks checks(line, diagnosis);
 
     Progress progress(console);
     size_t done = 0;
     for (const SourceFile& file : list.files)
     {
         diagnosis.BeginFile(file.name);
-        if (findings.isRegistered)
-            CheckExtension(file.name, findings, diagnosis);
-        if (factory)
-            CheckOpening(*factory.Get(), file, diagnosis);
-        else
-            diagnosis.Note(L"picture", L"not looked at, as Lumora does not start");
+        checks.CheckFile(file, diagnosis);
         progress.Show(++done, list.files.size(), file.name);
     }
     console.Print(line.wantsJson ? ForPrograms(diagnosis) : ForPeople(diagnosis));

@@ -5,7 +5,7 @@
 #include "lumora/console/Failure.h"
 #include "lumora/console/Interruption.h"
 #include "lumora/console/JsonWriter.h"
-#include "lumora/pictures/PropertyReader.h"
+#include "lumora/pictures/Imaging.h"
 
 namespace Lumora {
 
@@ -81,7 +81,7 @@ int PrintLines(const CommandLine& line, Console& console)
 int RunInfo(const CommandLine& line, Console& console)
 {
     const Interruption interruption;
-    RequirePropertyHandler();
+    Imaging().RequireProperties();
     if (line.wantsJsonLines)
         return PrintLines(line, console);
     return line.wantsJson ? PrintArray(line, console) : PrintForPeople(line, console);

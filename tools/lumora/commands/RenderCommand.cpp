@@ -4,7 +4,7 @@
 #include "lumora/batch/JsonLine.h"
 #include "lumora/console/Interruption.h"
 #include "lumora/files/OutputNames.h"
-#include "lumora/windows/pictures/ImagingFactory.h"
+#include "lumora/pictures/Imaging.h"
 
 namespace Lumora {
 
@@ -37,7 +37,7 @@ void PrintNames(Console& console, const FileReport& report)
 int RunRender(const CommandLine& line, Console& console)
 {
     const Interruption interruption;
-    RequireDecoder();
+    Imaging().RequireDecoder();
     const PictureOrder order = OrderOf(line);
     OutputNames names(line.output.value_or(L""));
     return RunBatch(line, console,

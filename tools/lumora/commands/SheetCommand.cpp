@@ -6,10 +6,10 @@
 #include "lumora/files/FileSystem.h"
 #include "lumora/files/OutputNames.h"
 #include "lumora/files/Paths.h"
+#include "lumora/pictures/Imaging.h"
 #include "lumora/pictures/UnfinishedFile.h"
 #include "lumora/sheet/GalleryWriter.h"
 #include "lumora/sheet/SheetWriter.h"
-#include "lumora/windows/pictures/ImagingFactory.h"
 
 #include <algorithm>
 
@@ -33,7 +33,9 @@ int WriteSheets(const CommandLine& line, Console& console)
     UnfinishedFile::RequireFreePlace(OpenablePath(name), PictureFormat().Signature());
     if (const std::wstring_view folder = ParentFolder(name); !folder.empty())
         MakeFolder(folder);
-    SheetWriter sheets(MakeImagingFactory(), name, side, line.columns, line.rows);
+    Imaging imaging;
+    imaging.RequireDecoder();
+    SheetWriter sheets(imaging, name, side, line.columns, line.rows);
     const int exitCode = RunBatch(line, console,
                                   {[side](const SourceFile& file) {
                                        FileTask task;
@@ -59,7 +61,7 @@ int WriteSheets(const CommandLine& line, Console& console)
 std::wstring PathOnPage(const std::wstring& folder, const std::wstring& picture)
 {
     std::wstring path = picture.substr(JoinPath(folder, L"x").size() - 1);
-    std::ranges::replace(path, L'\\', L'/');
+    std::ranges::replace(path, pathSeparators.front(), L'/');
     return path;
 }
 
@@ -100,7 +102,7 @@ int WritePage(const CommandLine& line, Console& console)
     const std::wstring folder = line.output.value_or(L"sheet");
     const std::wstring name = JoinPath(folder, L"index.html");
     const uint32_t side = line.longerSide.value_or(usualPictureSide);
-    RequireDecoder();
+    Imaging().RequireDecoder();
     GalleryWriter page(OpenablePath(name), TitleOf(line), side);
     PagePictureNames names(JoinPath(folder, L"pictures"));
     size_t entries = 0;

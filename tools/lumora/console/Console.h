@@ -1,18 +1,16 @@
 #pragma once
 
-#include <windows.h>
+#include "lumora/console/Output.h"
 
 #include <string>
 #include <string_view>
 
 namespace Lumora {
 
-/// The program's two outputs. Files and pipes get UTF-8; a terminal gets what it can show.
+/// The program's two outputs.
 class Console
 {
 public:
-    Console();
-
     /// Writes to the standard output. The caller adds the line end.
     void Print(std::wstring_view text);
 
@@ -27,18 +25,10 @@ public:
     [[nodiscard]] bool IsComplete() const noexcept { return isComplete; }
 
 private:
-    struct Output
-    {
-        HANDLE handle;
-        bool isTerminal;
-    };
-
-    static Output Open(DWORD standardHandle);
-    static bool Write(const Output& output, std::wstring_view text);
     void RemovePassing();
 
-    Output output;
-    Output error;
+    const Output output{Output::Which::Standard};
+    const Output error{Output::Which::Error};
     bool isComplete = true;
     /// How many columns of the terminal's line the passing line takes.
     size_t passingLength = 0;

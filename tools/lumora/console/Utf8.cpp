@@ -47,7 +47,15 @@ std::string ToUtf8(std::wstring_view text)
     std::string bytes;
     bytes.reserve(text.size());
     for (size_t position = 0; position < text.size();)
-        AppendUtf8(bytes, NextCharacter(text, position));
+    {
+        const auto unit = static_cast<char32_t>(text[position]);
+        const bool isByte = sizeof(wchar_t) > 2 && unit >= escapedByte + 0x80 && unit <= escapedByte + 0xFF;
+        const char32_t character = NextCharacter(text, position);
+        if (isByte)
+            bytes += static_cast<char>(unit - escapedByte);
+        else
+            AppendUtf8(bytes, character);
+    }
     return bytes;
 }
 

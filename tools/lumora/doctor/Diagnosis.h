@@ -42,7 +42,10 @@ enum class Cause
     HidingRegistration,
     Class,
     Explorer,
+    NoThumbnailer,
+    KindsOfFiles,
     Extension,
+    FailedBefore,
     File,
 };
 

@@ -6,8 +6,6 @@
 #include "lumora/files/Paths.h"
 #include "registration/Formats.h"
 
-#include <windows.h>
-
 #include <algorithm>
 #include <string_view>
 #include <utility>
@@ -16,56 +14,23 @@ namespace Lumora {
 
 namespace {
 
-struct FindCloser
-{
-    void operator()(HANDLE search) const noexcept { FindClose(search); }
-};
-
-/// Folders of the cloud are reparse points, too, but no links.
-bool IsLink(const WIN32_FIND_DATAW& found) noexcept
-{
-    return (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
-           IsReparseTagNameSurrogate(found.dwReserved0);
-}
-
 /// The entries of a folder that match the pattern, sorted by name. Throws a Failure.
-std::vector<FolderEntry> ListFolder(const std::wstring& folder, const std::wstring& pattern)
+std::vector<FolderEntry> SortedEntries(const std::wstring& folder, const std::wstring& pattern)
 {
-    std::vector<FolderEntry> entries;
-    WIN32_FIND_DATAW found = {};
-    const HANDLE first = FindFirstFileW(OpenablePath(JoinPath(folder, pattern)).c_str(), &found);
-    if (first == INVALID_HANDLE_VALUE)
-    {
-        const DWORD error = GetLastError();
-        if (error == ERROR_FILE_NOT_FOUND)
-            return entries;
-        throw Failure{DescribeError(error)};
-    }
-    const std::unique_ptr<void, FindCloser> search(first);
-    do
-    {
-        const std::wstring name = found.cFileName;
-        if (name != L"." && name != L"..")
-            entries.push_back({name, (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0, IsLink(found),
-                               IsElsewhere(found.dwFileAttributes)});
-    } while (FindNextFileW(first, &found));
-    if (const DWORD error = GetLastError(); error != ERROR_NO_MORE_FILES)
-        throw Failure{DescribeError(error)};
-    std::sort(entries.begin(), entries.end(), [](const FolderEntry& left, const FolderEntry& right) {
-        return NameLess{}(left.name, right.name);
-    });
+    std::vector<FolderEntry> entries = ListFolder(folder, pattern);
+    std::ranges::sort(entries, NameLess{}, &FolderEntry::name);
     return entries;
 }
 
 /// A relative path in its shortest form. Empty for a path from a root, and for one that leads upwards.
 std::wstring PathBelow(std::wstring_view path)
 {
-    if (path.starts_with(L'\\') || path.starts_with(L'/') || path.find(L':') != std::wstring_view::npos)
+    if (IsFromRoot(path))
         return {};
     std::wstring below;
     while (!path.empty())
     {
-        const std::wstring_view part = path.substr(0, path.find_first_of(L"\\/"));
+        const std::wstring_view part = path.substr(0, path.find_first_of(pathSeparators));
         path.remove_prefix(std::min(part.size() + 1, path.size()));
         if (part == L"..")
             return {};
@@ -141,10 +106,9 @@ std::optional<SourceFile> FileSource::Begin(const std::wstring& path, bool isFro
     if (const size_t nul = path.find(L'\0'); nul != std::wstring::npos)
         return NoFile(path.substr(0, nul), L"the name holds a NUL character; -0 is for lists with these");
     const std::wstring openable = OpenablePath(path);
-    const DWORD attributes = GetFileAttributesW(openable.c_str());
-    if (attributes == INVALID_FILE_ATTRIBUTES)
-        return NoFile(path, DescribeError(GetLastError()));
-    const bool isFolder = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    bool isFolder = false;
+    if (const auto failure = FailureOf([&] { isFolder = KindOf(openable) == PathKind::Folder; }))
+        return NoFile(path, *failure);
     std::wstring place;
     if (isFromList)
         place = PathBelow(isFolder ? path : ParentFolder(path));
@@ -162,7 +126,7 @@ try
     subfolder = next;
     nextEntry = 0;
     entries.clear();
-    entries = ListFolder(Here(), pattern);
+    entries = SortedEntries(Here(), pattern);
     if (root->isPattern)
         return std::nullopt;
     // The folders of a folder come after its files, in the order of their names.

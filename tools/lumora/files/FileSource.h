@@ -1,5 +1,6 @@
 #pragma once
 
+#include "lumora/files/FileSystem.h"
 #include "lumora/files/NameList.h"
 
 #include <cstddef>
@@ -27,15 +28,6 @@ struct SourceFile
 
 /// Whether Lumora can read the file with this path.
 using ReadableTest = std::function<bool(const std::wstring& path)>;
-
-struct FolderEntry
-{
-    std::wstring name;
-    bool isFolder;
-    /// A link to another place, which may lead back to the folder of the link.
-    bool isLink;
-    bool isElsewhere;
-};
 
 /// Finds what paths name: files, patterns with * and ? in their last part, and folders with all that is below
 /// them. It looks into a folder only when the files before are taken.

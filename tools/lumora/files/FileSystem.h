@@ -4,8 +4,35 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace Lumora {
+
+enum class PathKind
+{
+    File,
+    Folder,
+};
+
+/// What is there. Throws a Failure with the reason if nothing can be found.
+[[nodiscard]] PathKind KindOf(const std::wstring& path);
+
+/// What is there; nothing if nothing can be found.
+[[nodiscard]] std::optional<PathKind> FoundAt(const std::wstring& path) noexcept;
+
+struct FolderEntry
+{
+    std::wstring name;
+    bool isFolder;
+    /// A link to another place, which may lead back to the folder of the link.
+    bool isLink;
+    /// The contents are not on this machine, and would be fetched by the first read: from the cloud, or from
+    /// an archive.
+    bool isElsewhere;
+};
+
+/// The entries of a folder that match a pattern with * and ?, in no order. Throws a Failure with the reason.
+[[nodiscard]] std::vector<FolderEntry> ListFolder(const std::wstring& folder, const std::wstring& pattern);
 
 /// Makes the folder and those above it where they are missing. Throws a Failure.
 void MakeFolder(std::wstring_view folder);
@@ -16,11 +43,10 @@ void MakeFolder(std::wstring_view folder);
 /// Whether the file is there, and not older than the source.
 [[nodiscard]] bool IsUpToDate(const std::wstring& path, const std::wstring& source) noexcept;
 
-/// Whether a file has these attributes because its contents are not on this machine, and would be fetched by
-/// the first read: from the cloud, or from an archive.
-[[nodiscard]] bool IsElsewhere(unsigned long attributes) noexcept;
+/// Removes the file, unless somebody else is writing it.
+void RemoveFile(const std::wstring& path) noexcept;
 
-/// Whether both paths lead to one file, however they are spelled.
-[[nodiscard]] bool IsSameFile(const std::wstring& left, const std::wstring& right);
+/// Gives the file another name, and replaces a file of that name. Throws a Failure with the reason.
+void RenameFile(const std::wstring& from, const std::wstring& to);
 
 } // namespace Lumora

@@ -1,9 +1,9 @@
 #include "lumora/files/NameList.h"
 
 #include "lumora/console/Failure.h"
+#include "lumora/console/Unicode.h"
+#include "lumora/files/NameText.h"
 #include "lumora/files/Paths.h"
-
-#include <cstring>
 
 namespace Lumora {
 
@@ -12,26 +12,16 @@ namespace {
 /// No path of Windows has more bytes, in either encoding.
 constexpr size_t longestName = size_t{32'768} * 4;
 
-/// Empty if the bytes are not valid in the code page.
-std::wstring Decoded(const std::string& bytes, unsigned codePage, DWORD flags)
-{
-    const auto length = static_cast<int>(bytes.size());
-    const int needed = MultiByteToWideChar(codePage, flags, bytes.data(), length, nullptr, 0);
-    std::wstring text(static_cast<size_t>(needed), L'\0');
-    MultiByteToWideChar(codePage, flags, bytes.data(), length, text.data(), needed);
-    return text;
-}
-
-std::wstring FromUtf8(const std::string& bytes)
-{
-    const std::wstring text = Decoded(bytes, CP_UTF8, MB_ERR_INVALID_CHARS);
-    return text.empty() ? Decoded(bytes, CP_OEMCP, 0) : text;
-}
-
+/// From little-endian UTF-16.
 std::wstring FromUtf16(const std::string& bytes)
 {
-    std::wstring text(bytes.size() / sizeof(wchar_t), L'\0');
-    std::memcpy(text.data(), bytes.data(), text.size() * sizeof(wchar_t));
+    std::wstring text;
+    for (size_t place = 0; place + 1 < bytes.size(); place += 2)
+    {
+        const auto low = static_cast<unsigned char>(bytes[place]);
+        const auto high = static_cast<unsigned char>(bytes[place + 1]);
+        AppendUtf16(text, static_cast<char16_t>(low | high << 8));
+    }
     return text;
 }
 
@@ -39,19 +29,9 @@ std::wstring FromUtf16(const std::string& bytes)
 
 NameList::NameList(const std::wstring& name, Separator nameSeparator) : file(name), separator(nameSeparator)
 {
-    if (file == L"-")
-    {
-        handle = GetStdHandle(STD_INPUT_HANDLE);
-    }
-    else
-    {
-        handle = CreateFileW(OpenablePath(file).c_str(), GENERIC_READ,
-                             FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
-                             FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
-        if (handle == INVALID_HANDLE_VALUE)
-            throw Failure{file + L": " + DescribeError(GetLastError())};
-        opened.reset(handle);
-    }
+    WithName(file, [this] {
+        opened = file == L"-" ? ByteFile::StandardInput() : ByteFile::Open(OpenablePath(file));
+    });
 }
 
 std::optional<std::wstring> NameList::Next()
@@ -60,7 +40,7 @@ std::optional<std::wstring> NameList::Next()
         DetectEncoding();
     while (const std::optional<std::string> bytes = NextBytes())
     {
-        std::wstring name = isWide ? FromUtf16(*bytes) : FromUtf8(*bytes);
+        std::wstring name = isWide ? FromUtf16(*bytes) : TextOfName(*bytes);
         if (separator == Separator::Line && name.ends_with(L'\r'))
             name.pop_back();
         if (!name.empty())
@@ -69,20 +49,23 @@ std::optional<std::wstring> NameList::Next()
     return std::nullopt;
 }
 
+size_t NameList::ReadInto(std::span<uint8_t> place)
+{
+    size_t count = 0;
+    WithName(file, [&] { count = opened.Read(place); });
+    return count;
+}
+
 std::optional<char> NameList::NextByte()
 {
     if (position == end)
     {
-        DWORD count = 0;
-        if (!ReadFile(handle, buffer.data(), static_cast<DWORD>(buffer.size()), &count, nullptr) &&
-            GetLastError() != ERROR_BROKEN_PIPE)
-            throw Failure{file + L": " + DescribeError(GetLastError())};
         position = 0;
-        end = count;
-        if (count == 0)
+        end = ReadInto(buffer);
+        if (end == 0)
             return std::nullopt;
     }
-    return buffer[position++];
+    return static_cast<char>(buffer[position++]);
 }
 
 void NameList::DetectEncoding()
@@ -90,18 +73,14 @@ void NameList::DetectEncoding()
     constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
     constexpr std::string_view utf16Mark = "\xFF\xFE";
     // A pipe may give fewer bytes at first.
-    size_t count = 0;
-    while (count < utf8Mark.size())
+    while (end < utf8Mark.size())
     {
-        DWORD more = 0;
-        if (!ReadFile(handle, buffer.data() + count, static_cast<DWORD>(utf8Mark.size() - count), &more,
-                      nullptr) ||
-            more == 0)
+        const size_t more = ReadInto(std::span(buffer).subspan(end, utf8Mark.size() - end));
+        if (more == 0)
             break;
-        count += more;
+        end += more;
     }
-    end = count;
-    const std::string_view start(buffer.data(), count);
+    const std::string_view start(reinterpret_cast<const char*>(buffer.data()), end);
     if (start.starts_with("\xFE\xFF"))
         throw Failure{file + L": this is big-endian UTF-16; UTF-8 and little-endian UTF-16 are understood"};
     isEncodingKnown = true;

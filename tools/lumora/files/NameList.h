@@ -1,17 +1,19 @@
 #pragma once
 
-#include "lumora/windows/files/OwnedHandle.h"
+#include "lumora/files/ByteFile.h"
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 
 namespace Lumora {
 
 /// A list of names, in a file or from another program, that is read as far as it is needed. It is UTF-8, or
 /// UTF-16 with a byte-order mark, as PowerShell writes it. A name that is not valid UTF-8 is taken for one in
-/// the code page of the terminal, in which its own commands write lists.
+/// the encoding of the system (TextOfName).
 class NameList
 {
 public:
@@ -30,6 +32,8 @@ public:
     [[nodiscard]] std::optional<std::wstring> Next();
 
 private:
+    /// Reads bytes into the buffer from that place on, and returns their number.
+    [[nodiscard]] size_t ReadInto(std::span<uint8_t> place);
     [[nodiscard]] std::optional<char> NextByte();
     void DetectEncoding();
     /// The bytes up to the next separator, without it. Nothing at the end.
@@ -37,11 +41,10 @@ private:
 
     std::wstring file;
     Separator separator;
-    OwnedHandle opened;
-    HANDLE handle = nullptr;
+    ByteFile opened;
     bool isEncodingKnown = false;
     bool isWide = false;
-    std::array<char, 65'536> buffer = {};
+    std::array<uint8_t, 65'536> buffer = {};
     size_t position = 0;
     size_t end = 0;
 };

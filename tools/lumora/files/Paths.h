@@ -5,10 +5,25 @@
 
 namespace Lumora {
 
+/// What separates the parts of a path; the first one is the usual one. What can stand before a name, and
+/// what stands behind a drive.
+#ifdef _WIN32
+inline constexpr std::wstring_view pathSeparators = L"\\/";
+inline constexpr std::wstring_view nameStarters = L"\\/:";
+inline constexpr std::wstring_view driveMarks = L":";
+#else
+inline constexpr std::wstring_view pathSeparators = L"/";
+inline constexpr std::wstring_view nameStarters = pathSeparators;
+inline constexpr std::wstring_view driveMarks = {};
+#endif
+
+/// Whether the path does not begin in the current folder.
+[[nodiscard]] bool IsFromRoot(std::wstring_view path) noexcept;
+
 /// The path from its root on.
 [[nodiscard]] std::wstring FullPath(const std::wstring& path);
 
-/// The path from its root on, in a form that Windows opens however long it is.
+/// The path from its root on, in a form that the system opens however long it is.
 [[nodiscard]] std::wstring OpenablePath(const std::wstring& path);
 
 /// The same for a file that was found in a folder. Windows takes dots and spaces off the end of other names.
@@ -35,7 +50,7 @@ namespace Lumora {
 /// The folder in which this program lies.
 [[nodiscard]] std::wstring ProgramFolder();
 
-/// Orders and compares names as Windows does: without regard to case.
+/// Orders names as people expect it: without regard to case. Names are equal if the system says so.
 struct NameLess
 {
     [[nodiscard]] bool operator()(std::wstring_view left, std::wstring_view right) const noexcept;

@@ -6,7 +6,7 @@
 
 namespace Lumora {
 
-/// Collects what Lumora.dll writes to the debugger output on the thread that has made this object. A thread
+/// Collects what the readers note, on the thread that has made this object. A thread
 /// has one at a time.
 class DecoderLines
 {
@@ -23,8 +23,9 @@ public:
     static bool ForgetLast(std::wstring_view line);
 
 private:
-    void* handler;
-    std::vector<std::string> lines;
+    /// What the system needs to end the collection.
+    void* handler = nullptr;
+    std::vector<std::wstring> lines;
 };
 
 } // namespace Lumora

@@ -1,45 +1,36 @@
 #pragma once
 
 #include "lumora/console/Failure.h"
+#include "lumora/pictures/OpenedFile.h"
 #include "lumora/pictures/PixelBlock.h"
-#include "platform/ComPtr.h"
-
-#include <wincodec.h>
+#include "shared/AreaScaler.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 
 namespace Lumora {
 
-/// Room for a picture, in pixels.
-struct Box
-{
-    uint32_t width = 0;
-    uint32_t height = 0;
-};
-
-/// A file that WIC has opened with Lumora's decoder. Whatever fails throws a Failure.
+/// A file whose frames are wanted in some size. Whatever fails throws a Failure.
 class PictureFile
 {
 public:
-    /// Opens the file. Also fails if WIC opens it with another codec.
-    PictureFile(IWICImagingFactory& factory, const std::wstring& path);
+    PictureFile(Imaging& imaging, const std::wstring& path) : file(imaging, path) {}
 
-    [[nodiscard]] uint32_t FrameCount() const;
+    [[nodiscard]] uint32_t FrameCount() const { return file.FrameCount(); }
 
-    /// One frame, scaled down where it is larger than the box.
-    [[nodiscard]] ComPtr<IWICBitmapSource> Frame(uint32_t index, std::optional<Box> box) const;
+    /// One frame, scaled down where it is larger than the box. It may need this object.
+    [[nodiscard]] std::unique_ptr<Picture> Frame(uint32_t index, std::optional<Box> box) const;
 
 private:
-    IWICImagingFactory& factory;
-    ComPtr<IWICBitmapDecoder> decoder;
+    OpenedFile file;
 };
 
 /// None of the frames that are wanted is in the file, which has so many.
 [[nodiscard]] Failure NoFrames(uint32_t frameCount);
 
-/// A copy of the picture in memory. Throws a Failure.
-[[nodiscard]] PixelBlock CopyOf(IWICBitmapSource& picture);
+/// A copy of the picture in memory.
+[[nodiscard]] PixelBlock CopyOf(const Picture& picture);
 
 } // namespace Lumora

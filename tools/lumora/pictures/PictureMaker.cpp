@@ -39,16 +39,16 @@ std::wstring PictureName(const PictureOrder& order, std::optional<uint32_t> numb
 class PictureMaker
 {
 public:
-    PictureMaker(IWICImagingFactory& wicFactory, const std::wstring& sourcePath,
-                 const PictureOrder& pictureOrder, std::vector<PictureReport>& pictureReports)
-        : factory(wicFactory), source(sourcePath), order(pictureOrder), reports(pictureReports)
+    PictureMaker(Imaging& wantedImaging, const std::wstring& sourcePath, const PictureOrder& pictureOrder,
+                 std::vector<PictureReport>& pictureReports)
+        : imaging(wantedImaging), source(sourcePath), order(pictureOrder), reports(pictureReports)
     {}
 
     void MakeAll()
     {
         if (order.isMontage)
             Make(FirstPictureName(order),
-                 [this](const std::wstring& path) { return WriteMontage(factory, File(), order, path); });
+                 [this](const std::wstring& path) { return WriteMontage(imaging, File(), order, path); });
         else if (const std::optional<uint32_t> single = order.frames.SingleFrame())
             MakeFrame(*single);
         else
@@ -69,25 +69,25 @@ private:
     void MakeFrame(uint32_t frame)
     {
         Make(PictureName(order, NumberInName(order, frame)), [this, frame](const std::wstring& path) {
-            const ComPtr<IWICBitmapSource> picture = File().Frame(frame, Square(order.longerSide));
-            return WritePicture(factory, *picture.Get(), path, order.format);
+            const std::unique_ptr<Picture> picture = File().Frame(frame, Square(order.longerSide));
+            return WritePicture(imaging, *picture, path, order.format);
         });
     }
 
-    void Make(const std::wstring& name, const std::function<PictureSize(const std::wstring& path)>& write)
+    void Make(const std::wstring& name, const std::function<Box(const std::wstring& path)>& write)
     {
         const std::wstring path = OpenablePath(name);
-        const std::optional<PictureSize> existing = order.skipsExisting ? UsablePicture(path) : std::nullopt;
-        const PictureSize size = existing ? *existing : write(path);
+        const std::optional<Box> existing = order.skipsExisting ? UsablePicture(path) : std::nullopt;
+        const Box size = existing ? *existing : write(path);
         reports.push_back({name, size.width, size.height, existing.has_value()});
     }
 
     /// The size of the picture that is there already. Nothing if it is older than the file, or damaged.
-    std::optional<PictureSize> UsablePicture(const std::wstring& path)
+    std::optional<Box> UsablePicture(const std::wstring& path)
     {
-        std::optional<PictureSize> size;
+        std::optional<Box> size;
         if (IsUpToDate(path, source) && !UnfinishedFile::WasLeftBehind(path))
-            static_cast<void>(FailureOf([&] { size = SizeOfPicture(factory, path); }));
+            static_cast<void>(FailureOf([&] { size = SizeOfPicture(imaging, path); }));
         return size;
     }
 
@@ -95,11 +95,11 @@ private:
     PictureFile& File()
     {
         if (!file)
-            file.emplace(factory, source);
+            file.emplace(imaging, source);
         return *file;
     }
 
-    IWICImagingFactory& factory;
+    Imaging& imaging;
     const std::wstring& source;
     const PictureOrder& order;
     std::vector<PictureReport>& reports;
@@ -108,10 +108,10 @@ private:
 
 } // namespace
 
-void MakePictures(IWICImagingFactory& factory, const std::wstring& path, const PictureOrder& order,
+void MakePictures(Imaging& imaging, const std::wstring& path, const PictureOrder& order,
                   std::vector<PictureReport>& reports)
 {
-    PictureMaker(factory, path, order, reports).MakeAll();
+    PictureMaker(imaging, path, order, reports).MakeAll();
 }
 
 std::wstring FirstPictureName(const PictureOrder& order)

@@ -2,8 +2,7 @@
 
 #include "lumora/batch/FileReport.h"
 #include "lumora/batch/FileTask.h"
-
-#include <wincodec.h>
+#include "lumora/pictures/Imaging.h"
 
 #include <string>
 #include <vector>
@@ -12,7 +11,7 @@ namespace Lumora {
 
 /// Writes the pictures that are ordered of a file, and adds each one that is complete to the reports. Throws
 /// a Failure.
-void MakePictures(IWICImagingFactory& factory, const std::wstring& path, const PictureOrder& order,
+void MakePictures(Imaging& imaging, const std::wstring& path, const PictureOrder& order,
                   std::vector<PictureReport>& reports);
 
 /// The name of the first picture that is ordered.

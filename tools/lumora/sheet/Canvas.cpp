@@ -4,33 +4,13 @@
 #include "lumora/console/Unicode.h"
 
 #include <algorithm>
-#include <cwchar>
 
 namespace Lumora {
 
 namespace {
 
-/// GDI takes at most 8192 characters at a time, and no cell has room for this many.
+/// No system writes longer lines, and no cell has room for this many characters.
 constexpr size_t longestText = 1000;
-
-/// Rows of a bitmap in memory begin at multiples of four bytes.
-constexpr uint32_t StrideOf(uint32_t width) noexcept
-{
-    return static_cast<uint32_t>((size_t{width} * PixelBlock::bytesPerPixel + 3) / 4 * 4);
-}
-
-/// The font of Windows. If it is missing, GDI uses another one.
-LOGFONTW CaptionFont() noexcept
-{
-    LOGFONTW font = {};
-    font.lfHeight = -12; // the letters' own height, without the space above and below
-    font.lfWeight = FW_NORMAL;
-    font.lfCharSet = DEFAULT_CHARSET;
-    // No ClearType: its coloured edges look right only on the screen for which they were made.
-    font.lfQuality = ANTIALIASED_QUALITY;
-    std::wcscpy(font.lfFaceName, L"Segoe UI");
-    return font;
-}
 
 /// The text with `kept` of its characters, and an ellipsis in the middle instead of the others.
 std::wstring WithoutMiddle(std::wstring_view text, size_t kept)
@@ -47,68 +27,38 @@ std::wstring WithoutMiddle(std::wstring_view text, size_t kept)
 
 } // namespace
 
-Canvas::Canvas(uint32_t width, uint32_t wantedHeight)
-    : height(wantedHeight), stride(StrideOf(width)), context(CreateCompatibleDC(nullptr))
+void Canvas::Fill(const Area& area, Colour colour)
 {
-    BITMAPINFO info = {};
-    info.bmiHeader.biSize = sizeof(info.bmiHeader);
-    info.bmiHeader.biWidth = static_cast<LONG>(width);
-    info.bmiHeader.biHeight = -static_cast<LONG>(height); // the top row comes first
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 8 * PixelBlock::bytesPerPixel;
-    info.bmiHeader.biCompression = BI_RGB;
-    void* memory = nullptr;
-    bitmap.reset(CreateDIBSection(context.get(), &info, DIB_RGB_COLORS, &memory, nullptr, 0));
-    if (!context || !bitmap)
-        throw Failure{L"there is no memory for a bitmap of " + std::to_wstring(width) + L" x " +
-                      std::to_wstring(height) + L" pixels"};
-    pixels = static_cast<uint8_t*>(memory);
-
-    const LOGFONTW description = CaptionFont();
-    font.reset(CreateFontIndirectW(&description));
-    SelectObject(context.get(), bitmap.get());
-    SelectObject(context.get(), font.get());
-    SelectObject(context.get(), GetStockObject(DC_BRUSH));
-    SetBkMode(context.get(), TRANSPARENT);
-    SetTextAlign(context.get(), TA_CENTER | TA_TOP);
-    TEXTMETRICW metrics = {};
-    if (!GetTextMetricsW(context.get(), &metrics))
-        throw Failure{L"there is no font to write with"};
-    fontHeight = static_cast<uint32_t>(metrics.tmHeight);
-}
-
-void Canvas::Fill(const Area& area, COLORREF colour)
-{
-    SetDCBrushColor(context.get(), colour);
-    PatBlt(context.get(), static_cast<int>(area.left), static_cast<int>(area.top),
-           static_cast<int>(area.width), static_cast<int>(area.height), PATCOPY);
+    uint8_t* row = surface.Pixels() + size_t{area.top} * Stride() + size_t{area.left} * channels;
+    for (uint32_t y = 0; y < area.height; ++y, row += Stride())
+    {
+        for (size_t byte = 0; byte < size_t{area.width} * channels; byte += channels)
+        {
+            row[byte] = colour.blue;
+            row[byte + 1] = colour.green;
+            row[byte + 2] = colour.red;
+        }
+    }
 }
 
 void Canvas::Paint(const PixelBlock& picture, const Area& area)
 {
     if (picture.width > area.width || picture.height > area.height)
         throw Failure{L"the picture is too large for its place"};
-    // GDI may not have finished drawing yet.
-    GdiFlush();
     const uint32_t left = area.left + (area.width - picture.width) / 2;
     const uint32_t top = area.top + (area.height - picture.height) / 2;
+    uint8_t* const place = surface.Pixels() + size_t{top} * Stride() + size_t{left} * channels;
     for (uint32_t row = 0; row < picture.height; ++row)
         std::copy_n(picture.pixels.begin() + static_cast<std::ptrdiff_t>(row * picture.Stride()),
-                    picture.Stride(), pixels + size_t{top + row} * stride + left * PixelBlock::bytesPerPixel);
+                    picture.Stride(), place + size_t{row} * Stride());
 }
 
-void Canvas::Write(std::wstring_view text, const Area& area, COLORREF colour)
+void Canvas::Write(std::wstring_view text, const Area& area, Colour colour)
 {
-    const std::wstring fitted = Fitted(text, area.width);
-    const RECT clip = {static_cast<LONG>(area.left), static_cast<LONG>(area.top),
-                       static_cast<LONG>(area.left + area.width), static_cast<LONG>(area.top + area.height)};
-    const LONG above = (clip.bottom - clip.top - static_cast<LONG>(fontHeight)) / 2;
-    SetTextColor(context.get(), colour);
-    ExtTextOutW(context.get(), (clip.left + clip.right) / 2, clip.top + above, ETO_CLIPPED, &clip,
-                fitted.data(), static_cast<UINT>(fitted.size()), nullptr);
+    surface.Write(Fitted(text, area.width), area, colour);
 }
 
-void Canvas::Write(std::wstring_view text, std::span<const Area> lines, COLORREF colour)
+void Canvas::Write(std::wstring_view text, std::span<const Area> lines, Colour colour)
 {
     while (!lines.empty() && !text.empty())
     {
@@ -121,16 +71,7 @@ void Canvas::Write(std::wstring_view text, std::span<const Area> lines, COLORREF
 
 std::span<uint8_t> Canvas::Rows(uint32_t count) noexcept
 {
-    GdiFlush();
-    return {pixels, size_t{std::min(count, height)} * stride};
-}
-
-uint32_t Canvas::WidthOf(std::wstring_view text) const
-{
-    SIZE size = {};
-    if (!GetTextExtentPoint32W(context.get(), text.data(), static_cast<int>(text.size()), &size))
-        throw Failure{L"cannot measure the text"};
-    return static_cast<uint32_t>(size.cx);
+    return {surface.Pixels(), size_t{std::min(count, height)} * Stride()};
 }
 
 /// As many words as have room side by side, but at least one.
@@ -140,7 +81,7 @@ std::wstring_view Canvas::FirstLine(std::wstring_view text, uint32_t room) const
     while (line.size() < text.size())
     {
         const std::wstring_view longer = text.substr(0, text.find(L' ', line.size() + 1));
-        if (longer.size() > longestText || WidthOf(longer) > room)
+        if (longer.size() > longestText || surface.WidthOf(longer) > room)
             break;
         line = longer;
     }
@@ -149,14 +90,14 @@ std::wstring_view Canvas::FirstLine(std::wstring_view text, uint32_t room) const
 
 std::wstring Canvas::Fitted(std::wstring_view text, uint32_t room) const
 {
-    if (text.size() <= longestText && WidthOf(text) <= room)
+    if (text.size() <= longestText && surface.WidthOf(text) <= room)
         return std::wstring(text);
     size_t fitting = 0;
     size_t tooMany = std::min(text.size(), longestText);
     while (tooMany - fitting > 1)
     {
         const size_t kept = (fitting + tooMany) / 2;
-        (WidthOf(WithoutMiddle(text, kept)) <= room ? fitting : tooMany) = kept;
+        (surface.WidthOf(WithoutMiddle(text, kept)) <= room ? fitting : tooMany) = kept;
     }
     return WithoutMiddle(text, fitting);
 }

@@ -5,14 +5,13 @@
 #include "lumora/sheet/Html.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <filesystem>
 #include <initializer_list>
-#include <system_error>
 
 namespace Lumora {
 
 namespace {
+
+constexpr const wchar_t* cannotWrite = L"cannot write the page";
 
 /// The parts of the template.
 struct Parts
@@ -128,9 +127,9 @@ std::string FailureHtml(const GalleryEntry& entry)
 } // namespace
 
 GalleryWriter::GalleryWriter(const std::wstring& path, std::wstring_view title, uint32_t pictureSide)
-    : file(path, signature), stream(std::filesystem::path(file.path), std::ios::binary)
+    : file(path, signature)
 {
-    RequireSuccess();
+    WithName(cannotWrite, [this] { stream = ByteFile::Create(file.path); });
     Write(Filled(parts.head, {{"title", HtmlText(title)}, {"side", std::to_string(pictureSide)}}));
 }
 
@@ -142,23 +141,25 @@ void GalleryWriter::Add(const GalleryEntry& entry)
 void GalleryWriter::Finish()
 {
     Write(parts.tail);
-    stream.close();
-    RequireSuccess();
+    WriteOut();
+    WithName(cannotWrite, [this] { stream.Close(); });
     file.Keep();
 }
 
 void GalleryWriter::Write(std::string_view text)
 {
-    stream << text;
-    RequireSuccess();
+    constexpr size_t muchText = 65'536;
+    pending += text;
+    if (pending.size() >= muchText)
+        WriteOut();
 }
 
-void GalleryWriter::RequireSuccess() const
+void GalleryWriter::WriteOut()
 {
-    if (stream)
-        return;
-    const std::string reason = std::generic_category().message(errno);
-    throw Failure{L"cannot write the page: " + std::wstring(reason.begin(), reason.end())};
+    WithName(cannotWrite, [this] {
+        stream.Write({reinterpret_cast<const uint8_t*>(pending.data()), pending.size()});
+    });
+    pending.clear();
 }
 
 } // namespace Lumora

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "lumora/files/ByteFile.h"
 #include "lumora/pictures/UnfinishedFile.h"
 
 #include <cstdint>
-#include <fstream>
 #include <string>
 #include <string_view>
 
@@ -49,12 +49,13 @@ public:
 
 private:
     void Write(std::string_view text);
-    /// Throws a Failure if a write has failed.
-    void RequireSuccess() const;
+    void WriteOut();
 
     const UnfinishedFile file;
     // This is closed before the file is removed.
-    std::ofstream stream;
+    ByteFile stream;
+    /// What is not written yet.
+    std::string pending;
 };
 
 } // namespace Lumora

@@ -16,8 +16,8 @@ constexpr uint32_t usualPictureSide = 256;
 /// For a number of six digits.
 constexpr uint32_t smallestCellWidth = 48;
 
-constexpr COLORREF backgroundColour = RGB(48, 48, 48);
-constexpr COLORREF numberColour = RGB(168, 168, 168);
+constexpr Colour backgroundColour = {48, 48, 48};
+constexpr Colour numberColour = {168, 168, 168};
 
 /// As many columns as make the montage about square.
 uint32_t ColumnsFor(size_t frames)
@@ -42,12 +42,12 @@ std::vector<uint32_t> WantedFrames(const PictureFile& file, const FrameSelection
 
 } // namespace
 
-PictureSize WriteMontage(IWICImagingFactory& factory, const PictureFile& file, const PictureOrder& order,
-                         const std::wstring& path)
+Box WriteMontage(Imaging& imaging, const PictureFile& file, const PictureOrder& order,
+                 const std::wstring& path)
 {
     const std::vector<uint32_t> frames = WantedFrames(file, order.frames);
     const uint32_t side = order.longerSide.value_or(usualPictureSide);
-    const PixelBlock first = CopyOf(*file.Frame(frames.front(), Box{side, side}).Get());
+    const PixelBlock first = CopyOf(*file.Frame(frames.front(), Box{side, side}));
     const Box box = {first.width, first.height};
     const uint32_t columns = order.columns.value_or(ColumnsFor(frames.size()));
     const SheetLayout layout({.picture = box, .lines = 1, .smallestWidth = smallestCellWidth}, columns);
@@ -58,8 +58,8 @@ PictureSize WriteMontage(IWICImagingFactory& factory, const PictureFile& file, c
             L"a montage has no room for so many frames; --size makes them smaller, and --frame all/10 "
             L"takes every tenth"};
 
-    const PictureSize size = {layout.WidthOf(usedColumns), layout.HeightOf(rows)};
-    PictureWriter writer(factory, path, order.format, size.width, size.height, Canvas::Format());
+    const Box size = {layout.WidthOf(usedColumns), layout.HeightOf(rows)};
+    PictureWriter writer(imaging, path, order.format, size, Canvas::channels);
     Canvas strip(size.width, layout.StripHeight());
     const Area whole = {0, 0, size.width, strip.Height()};
     strip.Fill(whole, backgroundColour);
@@ -68,7 +68,7 @@ PictureSize WriteMontage(IWICImagingFactory& factory, const PictureFile& file, c
     {
         const auto column = static_cast<uint32_t>(index % columns);
         const SheetLayout::Cell cell = layout.CellAt(column);
-        strip.Paint(index == 0 ? first : CopyOf(*file.Frame(frames[index], box).Get()), cell.picture);
+        strip.Paint(index == 0 ? first : CopyOf(*file.Frame(frames[index], box)), cell.picture);
         strip.Write(std::to_wstring(frames[index]), cell.lines[0], numberColour);
         if (column + 1 < columns && index + 1 < frames.size())
             continue;

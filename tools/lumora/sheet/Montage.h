@@ -9,7 +9,7 @@
 namespace Lumora {
 
 /// Writes one picture that shows the frames that are ordered of a file, with their numbers. Throws a Failure.
-PictureSize WriteMontage(IWICImagingFactory& factory, const PictureFile& file, const PictureOrder& order,
-                         const std::wstring& path);
+Box WriteMontage(Imaging& imaging, const PictureFile& file, const PictureOrder& order,
+                 const std::wstring& path);
 
 } // namespace Lumora

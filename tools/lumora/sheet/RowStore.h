@@ -1,6 +1,6 @@
 #pragma once
 
-#include "lumora/windows/files/OwnedHandle.h"
+#include "lumora/files/ByteFile.h"
 
 #include <cstdint>
 #include <span>
@@ -26,7 +26,7 @@ public:
     void Read(std::span<uint8_t> rows);
 
 private:
-    OwnedHandle file;
+    ByteFile file;
 };
 
 } // namespace Lumora

@@ -16,11 +16,11 @@ constexpr uint32_t linesPerCell = 3;
 constexpr uint32_t smallestCellWidth = 144;
 
 /// Dark, so that it does not outshine the pictures. Not black, because many pictures have black edges.
-constexpr COLORREF backgroundColour = RGB(48, 48, 48);
-constexpr COLORREF emptyPlaceColour = RGB(64, 64, 64);
-constexpr COLORREF nameColour = RGB(236, 236, 236);
-constexpr COLORREF factsColour = RGB(168, 168, 168);
-constexpr COLORREF failureColour = RGB(240, 160, 80);
+constexpr Colour backgroundColour = {48, 48, 48};
+constexpr Colour emptyPlaceColour = {64, 64, 64};
+constexpr Colour nameColour = {236, 236, 236};
+constexpr Colour factsColour = {168, 168, 168};
+constexpr Colour failureColour = {240, 160, 80};
 
 SheetLayout LayoutOf(uint32_t side, std::optional<uint32_t> columns)
 {
@@ -48,9 +48,9 @@ std::wstring NumberedName(const std::wstring& name, size_t number)
 
 } // namespace
 
-SheetWriter::SheetWriter(ComPtr<IWICImagingFactory> wicFactory, std::wstring sheetName, uint32_t side,
+SheetWriter::SheetWriter(Imaging& wantedImaging, std::wstring sheetName, uint32_t side,
                          std::optional<uint32_t> columns, std::optional<uint32_t> rows)
-    : factory(std::move(wicFactory)), name(std::move(sheetName)), layout(LayoutOf(side, columns)),
+    : imaging(wantedImaging), name(std::move(sheetName)), layout(LayoutOf(side, columns)),
       rowsOfSheet(std::min(rows.value_or(layout.MostRows()), layout.MostRows())),
       strip(layout.WidthOf(layout.Columns()), layout.StripHeight()), store(OpenablePath(name))
 {
@@ -62,7 +62,7 @@ void SheetWriter::Add(const SourceFile& file, const FileReport& report)
     if (row == rowsOfSheet)
         FinishSheet(false);
     const SheetLayout::Cell cell = layout.CellAt(column);
-    const COLORREF colour = report.failure ? failureColour : nameColour;
+    const Colour colour = report.failure ? failureColour : nameColour;
     strip.Write(JoinPath(file.subfolder, FileName(file.name)), cell.lines[0], colour);
     report.failure ? ShowFailure(report, cell) : ShowPicture(report, cell);
     ++column;
@@ -118,8 +118,8 @@ void SheetWriter::FinishSheet(bool isLast)
 
 void SheetWriter::WriteSheet(uint32_t width)
 {
-    PictureWriter png(*factory.Get(), OpenablePath(names.back()), PictureFormat{}, width,
-                      layout.HeightOf(row), Canvas::Format());
+    PictureWriter png(imaging, OpenablePath(names.back()), PictureFormat{}, {width, layout.HeightOf(row)},
+                      Canvas::channels);
     png.WriteRows(SheetLayout::gap, strip.Stride(), strip.Rows(SheetLayout::gap));
     std::vector<uint8_t> rows(size_t{strip.Stride()} * strip.Height());
     store.Rewind();

@@ -2,12 +2,10 @@
 
 #include "lumora/batch/FileReport.h"
 #include "lumora/files/FileSource.h"
+#include "lumora/pictures/Imaging.h"
 #include "lumora/sheet/Canvas.h"
 #include "lumora/sheet/RowStore.h"
 #include "lumora/sheet/SheetLayout.h"
-#include "platform/ComPtr.h"
-
-#include <wincodec.h>
 
 #include <cstdint>
 #include <optional>
@@ -23,8 +21,8 @@ class SheetWriter
 public:
     /// A sheet of that name, whose pictures have this side. When a sheet has this number of rows, or as many
     /// as programs can show, the next one begins: then a number is added to each name.
-    SheetWriter(ComPtr<IWICImagingFactory> factory, std::wstring name, uint32_t pictureSide,
-                std::optional<uint32_t> columns, std::optional<uint32_t> rows);
+    SheetWriter(Imaging& imaging, std::wstring name, uint32_t pictureSide, std::optional<uint32_t> columns,
+                std::optional<uint32_t> rows);
 
     /// Fills the next cell with the file's first frame and what is known of the file, or with the reason why
     /// it cannot be shown.
@@ -40,7 +38,7 @@ private:
     void FinishSheet(bool isLast);
     void WriteSheet(uint32_t width);
 
-    ComPtr<IWICImagingFactory> factory;
+    Imaging& imaging;
     const std::wstring name;
     const SheetLayout layout;
     const uint32_t rowsOfSheet;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "lumora/console/Failure.h"
+#include "lumora/windows/Results.h"
 
 #include <windows.h>
 

@@ -1,10 +1,9 @@
 #include "lumora/batch/WorkerProcess.h"
 
-#include "lumora/batch/FileWorker.h"
-#include "lumora/batch/Message.h"
-#include "lumora/batch/Pipe.h"
-#include "lumora/console/Failure.h"
+#include "lumora/batch/Conversation.h"
 #include "lumora/files/Paths.h"
+#include "lumora/windows/Results.h"
+#include "lumora/windows/files/FileHandle.h"
 
 #include <mutex>
 
@@ -42,30 +41,33 @@ OwnedHandle MakeJob()
     return job;
 }
 
-std::vector<uint8_t> Answer(FileWorker& worker, std::vector<uint8_t> message)
-{
-    FileTask task;
-    MessageReader reader(std::move(message));
-    reader.Field(task);
-    FileReport report = worker.Do(task);
-    MessageWriter writer;
-    writer.Field(report);
-    return writer.Take();
-}
-
 } // namespace
 
-WorkerProcess::WorkerProcess() : job(MakeJob())
+/// One process after the other.
+struct WorkerProcess::Means
 {
-    Start();
+    void Start();
+    /// Waits for its end, and returns the exit code.
+    [[nodiscard]] DWORD End();
+
+    /// Windows ends the processes of this job when the last handle of it is closed.
+    const OwnedHandle job = MakeJob();
+    OwnedHandle process;
+    ByteFile tasks;
+    ByteFile reports;
+};
+
+WorkerProcess::WorkerProcess() : means(std::make_unique<Means>())
+{
+    means->Start();
 }
 
 WorkerProcess::~WorkerProcess()
 {
-    static_cast<void>(End());
+    static_cast<void>(means->End());
 }
 
-void WorkerProcess::Start()
+void WorkerProcess::Means::Start()
 {
     PipeEnds input = MakePipe();
     PipeEnds output = MakePipe();
@@ -102,15 +104,14 @@ void WorkerProcess::Start()
         throw Failure{L"cannot put a process into the job: " + DescribeError(error)};
     }
     ResumeThread(thread.get());
-    tasks = std::move(input.writing);
-    reports = std::move(output.reading);
+    tasks = OwningFile(input.writing.release());
+    reports = OwningFile(output.reading.release());
 }
 
-/// Returns the exit code.
-DWORD WorkerProcess::End()
+DWORD WorkerProcess::Means::End()
 {
-    tasks.reset();
-    reports.reset();
+    tasks.Close();
+    reports.Close();
     WaitForSingleObject(process.get(), INFINITE);
     DWORD exitCode = 0;
     GetExitCodeProcess(process.get(), &exitCode);
@@ -119,20 +120,11 @@ DWORD WorkerProcess::End()
 
 FileReport WorkerProcess::Do(FileTask& task)
 {
-    MessageWriter writer;
-    writer.Field(task);
+    if (std::optional<FileReport> report = Ask(means->tasks, means->reports, task))
+        return std::move(*report);
     FileReport report;
-    if (SendTo(tasks.get(), writer.Take()))
-    {
-        if (std::optional<std::vector<uint8_t>> message = ReceiveFrom(reports.get()))
-        {
-            MessageReader reader(std::move(*message));
-            reader.Field(report);
-            return report;
-        }
-    }
-    report.failure = L"the process that worked on it has ended with " + HexText(End());
-    Start();
+    report.failure = L"the process that worked on it has ended with " + HexText(means->End());
+    means->Start();
     return report;
 }
 
@@ -140,14 +132,7 @@ int RunWorkerProcess()
 {
     // If it crashes, it ends at once, and nobody is asked.
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
-    const HANDLE tasks = GetStdHandle(STD_INPUT_HANDLE);
-    const HANDLE reports = GetStdHandle(STD_OUTPUT_HANDLE);
-    FileWorker worker;
-    while (std::optional<std::vector<uint8_t>> message = ReceiveFrom(tasks))
-    {
-        if (!SendTo(reports, Answer(worker, std::move(*message))))
-            break;
-    }
+    AnswerAll();
     return 0;
 }
 

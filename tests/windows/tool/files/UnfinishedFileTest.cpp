@@ -2,7 +2,6 @@
 
 #include "lumora/console/Failure.h"
 #include "lumora/pictures/PictureWriter.h"
-#include "lumora/windows/pictures/ImagingFactory.h"
 #include "windows/clients/TemporaryFolder.h"
 #include "windows/support/PngPicture.h"
 
@@ -88,18 +87,17 @@ TEST_F(UnfinishedFileTest, TakesOverWhatWasLeftBehind)
 }
 
 /// A writer of gray pictures of two pixels.
-std::unique_ptr<PictureWriter> Writer(IWICImagingFactory& factory, const std::filesystem::path& path)
+std::unique_ptr<PictureWriter> Writer(Imaging& imaging, const std::filesystem::path& path)
 {
-    return std::make_unique<PictureWriter>(factory, path.wstring(), PictureFormat(), 2, 1,
-                                           GUID_WICPixelFormat8bppGray);
+    return std::make_unique<PictureWriter>(imaging, path.wstring(), PictureFormat(), Box{2, 1}, 1);
 }
 
 TEST_F(UnfinishedFileTest, IsWrittenByOneAtATime)
 {
-    const ComPtr<IWICImagingFactory> factory = MakeImagingFactory();
+    Imaging imaging;
     const std::filesystem::path path = folder.Path() / "a.png";
-    const auto first = Writer(*factory.Get(), path);
-    EXPECT_EQ(FailureOf([&] { Writer(*factory.Get(), path); }),
+    const auto first = Writer(imaging, path);
+    EXPECT_EQ(FailureOf([&] { Writer(imaging, path); }),
               L"cannot write the picture: another program holds the file (ERROR_SHARING_VIOLATION)");
     Bytes pixels = {10, 200};
     first->WriteRows(1, 2, pixels);

@@ -1,7 +1,7 @@
 #include "lumora/windows/doctor/DllFile.h"
 
-#include "lumora/console/Failure.h"
 #include "lumora/files/Paths.h"
+#include "lumora/windows/Results.h"
 
 #include <windows.h>
 

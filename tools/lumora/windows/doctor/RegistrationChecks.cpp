@@ -1,7 +1,7 @@
 #include "lumora/windows/doctor/RegistrationChecks.h"
 
-#include "lumora/console/Failure.h"
 #include "lumora/files/Paths.h"
+#include "lumora/windows/Results.h"
 #include "lumora/windows/doctor/DllFile.h"
 #include "lumora/windows/doctor/Signature.h"
 #include "registration/ClassIds.h"

@@ -1,6 +1,6 @@
 #include "lumora/windows/doctor/Signature.h"
 
-#include "lumora/console/Failure.h"
+#include "lumora/windows/Results.h"
 
 #include <windows.h>
 

@@ -2,16 +2,24 @@
 
 #include <windows.h>
 
-#include <algorithm>
-#include <iterator>
 #include <string_view>
+#include <utility>
 
 namespace Lumora {
 
 namespace {
 
 /// What the object of this thread has collected; null for a thread that has none.
-thread_local std::vector<std::string>* collected = nullptr;
+thread_local std::vector<std::wstring>* collected = nullptr;
+
+std::wstring FromAnsi(std::string_view text)
+{
+    const auto length = static_cast<int>(text.size());
+    const int needed = MultiByteToWideChar(CP_ACP, 0, text.data(), length, nullptr, 0);
+    std::wstring wide(static_cast<size_t>(needed), L'\0');
+    MultiByteToWideChar(CP_ACP, 0, text.data(), length, wide.data(), needed);
+    return wide;
+}
 
 /// Without a debugger, each line arrives as an exception that carries its text in the ANSI code page. Other
 /// components write lines too.
@@ -27,17 +35,8 @@ LONG CALLBACK CollectLine(EXCEPTION_POINTERS* pointers)
     if (!line.starts_with("[Lumora] "))
         return EXCEPTION_CONTINUE_SEARCH;
     if (collected)
-        collected->emplace_back(line);
+        collected->push_back(FromAnsi(line));
     return EXCEPTION_CONTINUE_EXECUTION;
-}
-
-std::wstring FromAnsi(const std::string& text)
-{
-    const auto length = static_cast<int>(text.size());
-    const int needed = MultiByteToWideChar(CP_ACP, 0, text.data(), length, nullptr, 0);
-    std::wstring wide(static_cast<size_t>(needed), L'\0');
-    MultiByteToWideChar(CP_ACP, 0, text.data(), length, wide.data(), needed);
-    return wide;
 }
 
 } // namespace
@@ -55,15 +54,12 @@ DecoderLines::~DecoderLines()
 
 std::vector<std::wstring> DecoderLines::Take()
 {
-    std::vector<std::wstring> taken;
-    std::transform(lines.begin(), lines.end(), std::back_inserter(taken), FromAnsi);
-    lines.clear();
-    return taken;
+    return std::exchange(lines, {});
 }
 
 bool DecoderLines::ForgetLast(std::wstring_view line)
 {
-    if (!collected || collected->empty() || FromAnsi(collected->back()) != line)
+    if (!collected || collected->empty() || collected->back() != line)
         return false;
     collected->pop_back();
     return true;

@@ -1,29 +1,15 @@
 #include "lumora/pictures/PictureWriter.h"
 
-#include "lumora/console/Failure.h"
+#include "lumora/windows/Results.h"
+#include "lumora/windows/pictures/WicImaging.h"
 
 namespace Lumora {
 
-PictureWriter::PictureWriter(IWICImagingFactory& factory, const std::wstring& path, PictureFormat format,
-                             uint32_t width, uint32_t height, const WICPixelFormatGUID& pixelFormat)
-    : file(path, format.Signature()), sourceFormat(pixelFormat), encodedFormat(pixelFormat)
-{
-    Require(factory.CreateStream(stream.Put()), L"cannot make a stream");
-    Require(stream->InitializeFromFilename(file.path.c_str(), GENERIC_WRITE), L"cannot write the picture");
-    Require(factory.CreateEncoder(format.isJpeg ? GUID_ContainerFormatJpeg : GUID_ContainerFormatPng, nullptr,
-                                  encoder.Put()),
-            L"cannot start WIC's encoder");
-    Require(encoder->Initialize(stream.Get(), WICBitmapEncoderNoCache), L"cannot write the picture");
-    ComPtr<IPropertyBag2> options;
-    Require(encoder->CreateNewFrame(frame.Put(), options.Put()), L"cannot write the picture");
-    if (format.isJpeg)
-        SetQuality(*options.Get(), format.quality);
-    Require(frame->Initialize(options.Get()), L"cannot write the picture");
-    Require(frame->SetSize(width, height), L"cannot write the picture");
-    Require(frame->SetPixelFormat(&encodedFormat), L"cannot write the picture");
-}
+namespace {
 
-void PictureWriter::SetQuality(IPropertyBag2& options, uint32_t quality)
+constexpr const wchar_t* cannotWrite = L"cannot write the picture";
+
+void SetQuality(IPropertyBag2& options, uint32_t quality)
 {
     std::wstring name = L"ImageQuality";
     PROPBAG2 option = {};
@@ -34,60 +20,67 @@ void PictureWriter::SetQuality(IPropertyBag2& options, uint32_t quality)
     Require(options.Write(1, &option, &value), L"cannot set the quality of the picture");
 }
 
-void PictureWriter::Write(IWICBitmapSource& picture)
+} // namespace
+
+struct PictureWriter::Means
 {
-    // Encoders differ in the colour formats that they take directly.
-    ComPtr<IWICBitmapSource> encodable = ComPtr<IWICBitmapSource>::Share(&picture);
-    if (encodedFormat != sourceFormat)
-        Require(WICConvertBitmapSource(encodedFormat, &picture, encodable.Put()),
-                L"cannot convert the picture");
-    Require(frame->WriteSource(encodable.Get(), nullptr), L"cannot write the picture");
+    ComPtr<IWICStream> stream;
+    ComPtr<IWICBitmapEncoder> encoder;
+    ComPtr<IWICBitmapFrameEncode> frame;
+};
+
+PictureWriter::PictureWriter(Imaging& imaging, const std::wstring& path, PictureFormat format, Box size,
+                             uint32_t channels)
+    : file(path, format.Signature()), means(std::make_unique<Means>())
+{
+    IWICImagingFactory& factory = imaging.means->Factory();
+    Require(factory.CreateStream(means->stream.Put()), L"cannot make a stream");
+    Require(means->stream->InitializeFromFilename(file.path.c_str(), GENERIC_WRITE), cannotWrite);
+    Require(factory.CreateEncoder(format.isJpeg ? GUID_ContainerFormatJpeg : GUID_ContainerFormatPng, nullptr,
+                                  means->encoder.Put()),
+            L"cannot start WIC's encoder");
+    Require(means->encoder->Initialize(means->stream.Get(), WICBitmapEncoderNoCache), cannotWrite);
+    ComPtr<IPropertyBag2> options;
+    Require(means->encoder->CreateNewFrame(means->frame.Put(), options.Put()), cannotWrite);
+    if (format.isJpeg)
+        SetQuality(*options.Get(), format.quality);
+    Require(means->frame->Initialize(options.Get()), cannotWrite);
+    Require(means->frame->SetSize(size.width, size.height), cannotWrite);
+    const WICPixelFormatGUID wanted =
+        channels == 1 ? GUID_WICPixelFormat8bppGray : GUID_WICPixelFormat24bppBGR;
+    WICPixelFormatGUID encoded = wanted;
+    Require(means->frame->SetPixelFormat(&encoded), cannotWrite);
+    if (encoded != wanted)
+        throw Failure{L"WIC's encoder does not take pixels of this format"};
 }
+
+PictureWriter::~PictureWriter() = default;
 
 void PictureWriter::WriteRows(uint32_t rows, uint32_t stride, std::span<uint8_t> pixels)
 {
-    if (encodedFormat != sourceFormat)
-        throw Failure{L"WIC's encoder does not take pixels of this format"};
-    Require(frame->WritePixels(rows, stride, static_cast<UINT>(pixels.size()), pixels.data()),
-            L"cannot write the picture");
+    Require(means->frame->WritePixels(rows, stride, static_cast<UINT>(pixels.size()), pixels.data()),
+            cannotWrite);
 }
 
 void PictureWriter::Finish()
 {
-    Require(frame->Commit(), L"cannot finish the picture");
-    Require(encoder->Commit(), L"cannot finish the picture");
-    frame.Reset();
-    encoder.Reset();
-    stream.Reset();
+    Require(means->frame->Commit(), L"cannot finish the picture");
+    Require(means->encoder->Commit(), L"cannot finish the picture");
+    means.reset();
     file.Keep();
 }
 
-PictureSize WritePicture(IWICImagingFactory& factory, IWICBitmapSource& picture, const std::wstring& path,
-                         PictureFormat format)
-{
-    UINT width = 0;
-    UINT height = 0;
-    WICPixelFormatGUID pixelFormat = {};
-    Require(picture.GetSize(&width, &height), L"cannot ask for the picture's size");
-    Require(picture.GetPixelFormat(&pixelFormat), L"cannot ask for the picture's pixel format");
-    PictureWriter writer(factory, path, format, width, height, pixelFormat);
-    writer.Write(picture);
-    writer.Finish();
-    return {width, height};
-}
-
-PictureSize SizeOfPicture(IWICImagingFactory& factory, const std::wstring& path)
+Box SizeOfPicture(Imaging& imaging, const std::wstring& path)
 {
     ComPtr<IWICBitmapDecoder> decoder;
-    Require(factory.CreateDecoderFromFilename(path.c_str(), nullptr, GENERIC_READ,
-                                              WICDecodeMetadataCacheOnDemand, decoder.Put()),
+    Require(imaging.means->Factory().CreateDecoderFromFilename(path.c_str(), nullptr, GENERIC_READ,
+                                                               WICDecodeMetadataCacheOnDemand, decoder.Put()),
             L"cannot open the picture that is there");
     ComPtr<IWICBitmapFrameDecode> frame;
     Require(decoder->GetFrame(0, frame.Put()), L"cannot open the picture that is there");
-    UINT width = 0;
-    UINT height = 0;
-    Require(frame->GetSize(&width, &height), L"cannot ask for the picture's size");
-    return {width, height};
+    Box size;
+    Require(frame->GetSize(&size.width, &size.height), L"cannot ask for the picture's size");
+    return size;
 }
 
 } // namespace Lumora

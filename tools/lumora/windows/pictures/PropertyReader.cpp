@@ -1,6 +1,6 @@
-#include "lumora/pictures/PropertyReader.h"
-
-#include "lumora/console/Failure.h"
+#include "lumora/pictures/ClearedVariant.h"
+#include "lumora/pictures/OpenedFile.h"
+#include "lumora/windows/Results.h"
 #include "lumora/windows/pictures/HdfTurn.h"
 #include "metadata/PropertyKeys.h"
 #include "platform/ComPtr.h"
@@ -18,18 +18,6 @@ using namespace Tav::Imaging::RawImage;
 
 namespace {
 
-/// A value that is freed when it is no longer needed.
-class ClearedVariant
-{
-public:
-    ClearedVariant() noexcept { PropVariantInit(&variant); }
-    ClearedVariant(const ClearedVariant&) = delete;
-    ClearedVariant& operator=(const ClearedVariant&) = delete;
-    ~ClearedVariant() { PropVariantClear(&variant); }
-
-    PROPVARIANT variant;
-};
-
 /// A property handler that has read the file. Throws a Failure.
 ComPtr<IInitializeWithStream> HandlerOf(const std::wstring& path)
 {
@@ -42,23 +30,13 @@ ComPtr<IInitializeWithStream> HandlerOf(const std::wstring& path)
     Require(CoCreateInstance(CLSID_LumoraPropertyHandler, nullptr, CLSCTX_INPROC_SERVER,
                              IID_IInitializeWithStream, handler.PutVoid()),
             L"cannot start Lumora's property handler");
-    Require(handler->Initialize(stream.Get(), STGM_READ), L"the property handler could not read the file");
+    Require(handler->Initialize(stream.Get(), STGM_READ), cannotReadProperties);
     return handler;
 }
 
 } // namespace
 
-void RequirePropertyHandler()
-{
-    ComPtr<IClassFactory> factory;
-    const HRESULT result = CoGetClassObject(CLSID_LumoraPropertyHandler, CLSCTX_INPROC_SERVER, nullptr,
-                                            IID_IClassFactory, factory.PutVoid());
-    if (result == REGDB_E_CLASSNOTREG)
-        throw Failure{notRegistered};
-    Require(result, L"cannot start Lumora's property handler");
-}
-
-FileProperties ReadProperties(const std::wstring& path)
+FileProperties ReadProperties(Imaging&, const std::wstring& path)
 {
     ComPtr<IInitializeWithStream> handler;
     ReadInTurn([&] { handler = HandlerOf(path); });
@@ -69,12 +47,8 @@ FileProperties ReadProperties(const std::wstring& path)
     for (const KeyedProperty& keyed : keyedProperties)
     {
         ClearedVariant value;
-        if (FAILED(store->GetValue(keyed.key, &value.variant)))
-            continue;
-        if (value.variant.vt == VT_UI4)
-            properties[keyed.property] = uint32_t{value.variant.ulVal};
-        else if (value.variant.vt == VT_LPWSTR)
-            properties[keyed.property] = std::wstring(value.variant.pwszVal);
+        if (SUCCEEDED(store->GetValue(keyed.key, &value.variant)))
+            properties[keyed.property] = value.Value();
     }
     return properties;
 }

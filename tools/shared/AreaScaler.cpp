@@ -1,20 +1,16 @@
-#include "thumbnailer/AreaScaler.h"
+#include "shared/AreaScaler.h"
 
 #include <algorithm>
-#include <utility>
 #include <vector>
 
 namespace Lumora {
 
-using Tav::Imaging::RawImage::BytesPerPixel;
-using Tav::Imaging::RawImage::DisplayPicture;
-using Tav::Imaging::RawImage::FrameBytes;
-
 namespace {
 
-uint32_t Scaled(uint32_t side, uint32_t longer, uint32_t wantedLonger)
+/// One side, scaled as the other one is from `from` to `to` pixels.
+uint32_t Scaled(uint32_t side, uint32_t from, uint32_t to)
 {
-    const uint64_t rounded = (uint64_t{side} * wantedLonger + longer / 2) / longer;
+    const uint64_t rounded = (uint64_t{side} * to + from / 2) / from;
     return std::max<uint32_t>(1, static_cast<uint32_t>(rounded));
 }
 
@@ -45,20 +41,21 @@ void ForEachOverlap(uint32_t oldCount, uint32_t newCount, const Add& add)
 
 } // namespace
 
-DisplayPicture ScaledDown(DisplayPicture picture, uint32_t longerSide)
+Box Fitted(Box picture, Box room) noexcept
 {
-    const uint32_t longer = std::max(picture.width, picture.height);
-    if (longer <= longerSide || picture.width == 0 || picture.height == 0)
+    if (picture.width <= room.width && picture.height <= room.height)
         return picture;
+    if (uint64_t{picture.width} * room.height >= uint64_t{picture.height} * room.width)
+        return {room.width, std::min(room.height, Scaled(picture.height, picture.width, room.width))};
+    return {std::min(room.width, Scaled(picture.width, picture.height, room.height)), room.height};
+}
 
-    DisplayPicture scaled;
-    scaled.width = Scaled(picture.width, longer, longerSide);
-    scaled.height = Scaled(picture.height, longer, longerSide);
-    scaled.format = picture.format;
-    const size_t channels = BytesPerPixel(picture.format);
-    const size_t oldRow = channels * picture.width;
-    const size_t newRow = channels * scaled.width;
-    scaled.pixels = FrameBytes(newRow * scaled.height);
+std::unique_ptr<MemoryPicture> ScaledDown(const Picture& picture, Box size)
+{
+    auto scaled = std::make_unique<MemoryPicture>(size.width, size.height, picture.channels);
+    const size_t channels = picture.channels;
+    const size_t newRow = scaled->RowBytes();
+    std::vector<uint8_t> row(picture.RowBytes());
 
     // The sums of an old row, and of a new one. None exceeds 255 times the number of old pixels, which is
     // below 2^32.
@@ -68,20 +65,20 @@ DisplayPicture ScaledDown(DisplayPicture picture, uint32_t longerSide)
     uint32_t summed = picture.height;
     uint32_t filled = 0;
     const auto finishRow = [&] {
-        std::ranges::transform(totals, scaled.pixels.data() + filled * newRow, [area](uint64_t total) {
+        std::ranges::transform(totals, scaled->Row(filled).begin(), [area](uint64_t total) {
             return static_cast<uint8_t>((total + area / 2) / area);
         });
         std::ranges::fill(totals, 0);
         ++filled;
     };
-    ForEachOverlap(picture.height, scaled.height, [&](uint32_t from, uint32_t to, uint64_t share) {
+    ForEachOverlap(picture.height, size.height, [&](uint32_t from, uint32_t to, uint64_t share) {
         if (to != filled)
             finishRow();
         if (from != summed)
         {
-            const uint8_t* const row = picture.pixels.data() + from * oldRow;
+            picture.CopyRow(from, row.data());
             std::ranges::fill(sums, 0);
-            ForEachOverlap(picture.width, scaled.width, [&](uint32_t x, uint32_t newX, uint64_t part) {
+            ForEachOverlap(picture.width, size.width, [&](uint32_t x, uint32_t newX, uint64_t part) {
                 for (size_t channel = 0; channel < channels; ++channel)
                     sums[newX * channels + channel] += part * row[x * channels + channel];
             });

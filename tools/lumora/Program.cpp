@@ -1,19 +1,15 @@
+#include "lumora/Program.h"
+
 #include "lumora/arguments/CommandLine.h"
+#include "lumora/arguments/Commands.h"
 #include "lumora/arguments/HelpText.h"
 #include "lumora/batch/WorkerProcess.h"
-#include "lumora/commands/DoctorCommand.h"
-#include "lumora/commands/InfoCommand.h"
-#include "lumora/commands/RenderCommand.h"
-#include "lumora/commands/SheetCommand.h"
 #include "lumora/console/Console.h"
 #include "lumora/console/Failure.h"
-#include "lumora/windows/ComApartment.h"
-#include "lumora/windows/RegisterCommand.h"
 
 #include <exception>
-#include <span>
 
-using namespace Lumora;
+namespace Lumora {
 
 namespace {
 
@@ -32,25 +28,7 @@ int RunCommand(const CommandLine& line, Console& console)
         console.Print(std::wstring(L"lumora ") + LUMORA_VERSION + L"\n");
         return 0;
     }
-    const ComApartment apartment;
-    switch (line.command)
-    {
-    case Command::Info:
-        return RunInfo(line, console);
-    case Command::Render:
-        return RunRender(line, console);
-    case Command::Sheet:
-        return RunSheet(line, console);
-    case Command::Doctor:
-        return RunDoctor(line, console);
-    case Command::Register:
-        return RunRegister(line, console);
-    case Command::Unregister:
-        return RunUnregister(line, console);
-    case Command::None:
-        break;
-    }
-    return wrongUsage;
+    return DescriptionOf(line.command).run(line, console);
 }
 
 /// Whether the user runs the command for its output. A registration or its removal succeeds even if its
@@ -64,10 +42,7 @@ bool IsOutputWanted(const CommandLine& line)
 int Run(std::span<const wchar_t* const> arguments, Console& console)
 {
     if (arguments.size() == 1 && std::wstring_view(arguments.front()) == workerArgument)
-    {
-        const ComApartment apartment;
         return RunWorkerProcess();
-    }
     const CommandLine line = ParseCommandLine(arguments);
     const int exitCode = RunCommand(line, console);
     if (exitCode == 0 && IsOutputWanted(line) && !console.IsComplete())
@@ -77,14 +52,13 @@ int Run(std::span<const wchar_t* const> arguments, Console& console)
 
 } // namespace
 
-// The start-up code requires this name.
-int wmain(int count, wchar_t** arguments) // NOLINT(readability-identifier-naming)
+int RunProgram(std::span<const wchar_t* const> arguments)
 {
     Console console;
     int exitCode = somethingFailed;
     try
     {
-        exitCode = Run({arguments + 1, arguments + count}, console);
+        exitCode = Run(arguments, console);
     }
     catch (const UsageError& error)
     {
@@ -102,3 +76,5 @@ int wmain(int count, wchar_t** arguments) // NOLINT(readability-identifier-namin
     }
     return exitCode;
 }
+
+} // namespace Lumora

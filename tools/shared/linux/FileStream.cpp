@@ -1,4 +1,4 @@
-#include "thumbnailer/FileStream.h"
+#include "shared/linux/FileStream.h"
 
 #include <cerrno>
 #include <limits>
