@@ -1,7 +1,8 @@
 # lumora_may_include(TARGET FOLDER LAYER...): the build of TARGET fails if a source file in FOLDER includes a file of
-# any other layer.
+# any other layer. A folder "linux" in FOLDER has a rule of its own.
 function(lumora_may_include target folder)
-  set(stamp ${CMAKE_CURRENT_BINARY_DIR}/${target}.includes)
+  cmake_path(GET folder FILENAME name)
+  set(stamp ${CMAKE_CURRENT_BINARY_DIR}/${target}_${name}.includes)
   file(GLOB_RECURSE files CONFIGURE_DEPENDS ${folder}/*.h ${folder}/*.cpp)
   string(REPLACE ";" " " layers "${ARGN}")
   add_custom_command(OUTPUT ${stamp}
@@ -10,6 +11,6 @@ function(lumora_may_include target folder)
     DEPENDS ${files} ${PROJECT_SOURCE_DIR}/cmake/CheckIncludes.cmake
     COMMENT "Checking what ${target} includes"
     VERBATIM)
-  add_custom_target(${target}_includes DEPENDS ${stamp})
-  add_dependencies(${target} ${target}_includes)
+  add_custom_target(${target}_${name}_includes DEPENDS ${stamp})
+  add_dependencies(${target} ${target}_${name}_includes)
 endfunction()
