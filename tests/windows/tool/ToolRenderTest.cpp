@@ -53,6 +53,19 @@ TEST(ToolRender, WritesTheFirstFrame)
     EXPECT_EQ(PngPixels(folder, "stack.png"), grayPictures[0]);
 }
 
+TEST(ToolRender, TakesNamesThatDifferInCaseForTheSame)
+{
+    const TemporaryFolder folder;
+    folder.Write("a\\x.mrc", GrayStack(1));
+    folder.Write("b\\X.MRC", GrayStack(1));
+    const ToolRun run({L"render", L"a\\x.mrc", L"b\\X.MRC"}, folder.Path());
+    EXPECT_EQ(run.exitCode, 1U);
+    EXPECT_EQ(run.output, "x.png\n");
+    EXPECT_EQ(run.error,
+              "lumora: b\\X.MRC: its picture would be X.png, which is the picture of a\\x.mrc; -o names "
+              "another folder\n");
+}
+
 TEST(ToolRender, WritesTheFrameThatIsAskedFor)
 {
     const TemporaryFolder folder;
