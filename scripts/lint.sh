@@ -4,7 +4,7 @@
 # The sources that cmake/build-hdf5 compiles for the sandbox …
 in_sandbox='^src/formats/hdf/inside/.*\.cpp$'
 # … those that are compiled for Windows alone, and the tests of these.
-for_windows='^(src/(com|registration|setup)/|src/metadata/PropertyStore|src/platform/(Module|SystemText|jpeg/JpegDecoderWic)|tools/lumora/)'
+for_windows='^(src/(com|registration|setup)/|src/metadata/PropertyStore|src/platform/(Module|SystemText|jpeg/JpegDecoderWic)|tools/lumora/windows/)'
 tests_for_windows='^tests/windows/'
 
 sources() {

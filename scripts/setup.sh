@@ -11,6 +11,7 @@ packages=(
   libhdf5-dev libz-mingw-w64-dev zlib1g-dev      # … and what they write HDF5 files with
   python3 python3-numpy python3-h5py python3-mrcfile # test files by independent writers
   libturbojpeg0-dev libpng-dev                   # read and write pictures in the native build
+  libjpeg62-turbo-dev libpango1.0-dev pkgconf    # … and the texts beside them
   chromium-headless-shell                        # looks at a page of lumora sheet --html
   clang-format clang-tidy cppcheck               # lint
   wixl msitools python3-markdown python3-pil     # the setup package, and its icon

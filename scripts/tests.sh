@@ -7,9 +7,12 @@ test_natively() {
   show_tests ctest-native "Running the native tests" ctest --preset native -j "$jobs" || status=1
   show_tests thumbnailer "Making thumbnails for Linux" tests/thumbnailer/check \
     build/native/bin/lumora-thumbnailer . "$(real_files)" || status=1
+  # What a library keeps until the end of the program is no leak of ours.
+  LSAN_OPTIONS=suppressions=tests/tool/leaks.txt:print_suppressions=0 show_tests transcripts-linux \
+    "Playing the tool's transcripts on Linux" tests/tool/check-transcripts build/native/bin/lumora || status=1
   compile fuzz
   show_tests fuzz "Fuzzing each target for a moment" fuzz/run.py build/fuzz/bin --test || status=1
-  (lint_portable '^(src|fuzz|tools/thumbnailer)/') || status=1
+  (lint_portable '^(src|fuzz|tools)/') || status=1
   return $status
 }
 
@@ -47,6 +50,15 @@ test_windows() {
   return $status
 }
 
+# The seeds for readers are whole files; the others are parts of one.
+test_same_pictures() {
+  local format seeds=()
+  for format in bin dm emi hdf lattice mrc npy raw ser; do seeds+=("fuzz/corpus/$format"); done
+  LSAN_OPTIONS=suppressions=$root/tests/tool/leaks.txt:print_suppressions=0 show_tests same-pictures \
+    "Comparing the pictures of both systems" tests/tool/check-pictures build/native/bin/lumora \
+    "cmake/wine-run $root/build/windows/bin/lumora.exe" samples fuzz/regressions "${seeds[@]}" $(real_files)
+}
+
 # Prints the folder of the files that instruments have written, or nothing if there is none.
 real_files() {
   local folder=${LUMORA_REAL_FILES:-$root/../shared/real}
@@ -78,6 +90,7 @@ run_tests() {
   local windows=$!
   wait $natively || status=1
   wait $windows || status=1
+  [ $status != 0 ] || test_same_pictures || status=1
   printf '\nTime taken, partly side by side:\n'
   cat "$times"
   printf '%5d s  in all\n' $((SECONDS - started))
