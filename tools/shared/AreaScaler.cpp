@@ -53,6 +53,9 @@ Box Fitted(Box picture, Box room) noexcept
 std::unique_ptr<MemoryPicture> ScaledDown(const Picture& picture, Box size)
 {
     auto scaled = std::make_unique<MemoryPicture>(size.width, size.height, picture.channels);
+    const uint64_t area = uint64_t{picture.width} * picture.height;
+    if (area == 0)
+        return scaled;
     const size_t channels = picture.channels;
     const size_t newRow = scaled->RowBytes();
     std::vector<uint8_t> row(picture.RowBytes());
@@ -61,7 +64,6 @@ std::unique_ptr<MemoryPicture> ScaledDown(const Picture& picture, Box size)
     // below 2^32.
     std::vector<uint64_t> sums(newRow);
     std::vector<uint64_t> totals(newRow);
-    const uint64_t area = uint64_t{picture.width} * picture.height;
     uint32_t summed = picture.height;
     uint32_t filled = 0;
     const auto finishRow = [&] {

@@ -104,8 +104,9 @@ void Surface::Write(std::wstring_view text, const Area& area, Colour colour)
     const PangoRectangle size = means->SetText(text);
     const CairoSurface mask = MakeMask(area.width, area.height);
     const CairoContext context(cairo_create(mask.get()));
-    cairo_move_to(context.get(), (static_cast<int>(area.width) - size.width) / 2,
-                  (static_cast<int>(area.height) - size.height) / 2);
+    const int left = (static_cast<int>(area.width) - size.width) / 2;
+    const int above = (static_cast<int>(area.height) - size.height) / 2;
+    cairo_move_to(context.get(), left, above);
     pango_cairo_show_layout(context.get(), means->layout.get());
     cairo_surface_flush(mask.get());
     const uint8_t* const coverage = cairo_image_surface_get_data(mask.get());

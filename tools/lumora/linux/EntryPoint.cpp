@@ -1,7 +1,9 @@
 #include "lumora/Program.h"
 #include "lumora/files/NameText.h"
 
+#include <algorithm>
 #include <csignal>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -10,10 +12,8 @@ int main(int count, char** words)
     // A closed pipe is an error like others, which is told.
     std::signal(SIGPIPE, SIG_IGN);
     std::vector<std::wstring> texts;
-    for (int index = 1; index < count; ++index)
-        texts.push_back(Lumora::TextOfName(words[index]));
+    std::transform(words + 1, words + count, std::back_inserter(texts), Lumora::TextOfName);
     std::vector<const wchar_t*> arguments;
-    for (const std::wstring& text : texts)
-        arguments.push_back(text.c_str());
+    std::ranges::transform(texts, std::back_inserter(arguments), &std::wstring::c_str);
     return Lumora::RunProgram(arguments);
 }

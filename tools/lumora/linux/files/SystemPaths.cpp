@@ -3,6 +3,7 @@
 #include "lumora/linux/files/FileHandle.h"
 
 #include <algorithm>
+#include <compare>
 #include <filesystem>
 #include <system_error>
 
@@ -57,7 +58,7 @@ bool NameLess::operator()(std::wstring_view left, std::wstring_view right) const
         left.begin(), left.end(), right.begin(), right.end(),
         [](wchar_t one, wchar_t other) { return WithoutCase(one) <=> WithoutCase(other); });
     // Names that differ in case only are different names.
-    return order == 0 ? left < right : order < 0;
+    return std::is_eq(order) ? left < right : std::is_lt(order);
 }
 
 bool AreSameName(std::wstring_view left, std::wstring_view right) noexcept
