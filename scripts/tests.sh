@@ -7,9 +7,9 @@ test_natively() {
   show_tests ctest-native "Running the native tests" ctest --preset native -j "$jobs" || status=1
   show_tests thumbnailer "Making thumbnails for Linux" tests/thumbnailer/check \
     build/native/bin/lumora-thumbnailer . "$(real_files)" || status=1
-  # What a library keeps until the end of the program is no leak of ours.
-  LSAN_OPTIONS=suppressions=tests/tool/leaks.txt:print_suppressions=0 show_tests transcripts-linux \
-    "Playing the tool's transcripts on Linux" tests/tool/check-transcripts build/native/bin/lumora || status=1
+  show_tests transcripts-linux "Playing the tool's transcripts on Linux" tests/tool/check-transcripts build/native/bin/lumora ||
+    status=1
+  show_tests tool-linux "Running the tool on Linux" tests/tool/check-linux build/native/bin/lumora || status=1
   compile fuzz
   show_tests fuzz "Fuzzing each target for a moment" fuzz/run.py build/fuzz/bin --test || status=1
   (lint_portable '^(src|fuzz|tools)/') || status=1
@@ -54,8 +54,7 @@ test_windows() {
 test_same_pictures() {
   local format seeds=()
   for format in bin dm emi hdf lattice mrc npy raw ser; do seeds+=("fuzz/corpus/$format"); done
-  LSAN_OPTIONS=suppressions=$root/tests/tool/leaks.txt:print_suppressions=0 show_tests same-pictures \
-    "Comparing the pictures of both systems" tests/tool/check-pictures build/native/bin/lumora \
+  show_tests same-pictures "Comparing the pictures of both systems" tests/tool/check-pictures build/native/bin/lumora \
     "cmake/wine-run $root/build/windows/bin/lumora.exe" samples fuzz/regressions "${seeds[@]}" $(real_files)
 }
 
