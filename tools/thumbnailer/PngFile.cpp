@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <filesystem>
 #include <memory>
 #include <system_error>
 #include <vector>
@@ -43,6 +44,40 @@ public:
 
     void Keep()
     {
+        if (IsWaitedFor())
+            Fill();
+        else
+            Rename();
+    }
+
+    File file;
+
+private:
+    /// Whether somebody has made an empty file for the picture.
+    [[nodiscard]] bool IsWaitedFor() const
+    {
+        std::error_code none;
+        return std::filesystem::file_size(target, none) == 0;
+    }
+
+    /// Xfce's service keeps the file that it has made open, and would not see another one of that name.
+    void Fill()
+    {
+        const bool isWritten = std::fclose(file.release()) == 0;
+        std::error_code error(isWritten ? 0 : errno, std::generic_category());
+        if (!error)
+            std::filesystem::copy_file(path, target, std::filesystem::copy_options::overwrite_existing,
+                                       error);
+        if (error)
+        {
+            std::error_code none;
+            std::filesystem::resize_file(target, 0, none);
+            throw std::system_error(error, "cannot write " + target);
+        }
+    }
+
+    void Rename()
+    {
         // Others could not read it otherwise: a temporary file is its owner's alone.
         const mode_t mask = umask(0);
         umask(mask);
@@ -53,9 +88,6 @@ public:
         path.clear();
     }
 
-    File file;
-
-private:
     const std::string target;
     std::string path;
 };

@@ -8,7 +8,7 @@
 namespace Lumora {
 
 /// Writes the picture as a PNG file with these texts. The file gets its name, and replaces one of that name,
-/// only when it is complete. Throws std::runtime_error.
+/// only when it is complete; but an empty file is filled. Throws std::runtime_error.
 void WritePng(const std::string& path, const Picture& picture, const PngTexts& texts);
 
 } // namespace Lumora
