@@ -80,14 +80,14 @@ constexpr DWORD STREAM_SEEK_CUR = 1;
 constexpr DWORD STREAM_SEEK_END = 2;
 
 // COM interfaces have no virtual destructor: the last Release deletes an object.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
-
 struct IUnknown
 {
     virtual HRESULT QueryInterface(REFIID riid, void** object) = 0;
     virtual ULONG AddRef() = 0;
     virtual ULONG Release() = 0;
+
+protected:
+    ~IUnknown() = default;
 };
 
 struct IStream : IUnknown
@@ -95,9 +95,10 @@ struct IStream : IUnknown
     virtual HRESULT Read(void* buffer, ULONG count, ULONG* countRead) = 0;
     virtual HRESULT Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER* position) = 0;
     virtual HRESULT Stat(STATSTG* statistics, DWORD flags) = 0;
-};
 
-#pragma GCC diagnostic pop
+protected:
+    ~IStream() = default;
+};
 
 constexpr VARTYPE VT_EMPTY = 0;
 constexpr VARTYPE VT_UI4 = 19;
