@@ -74,6 +74,12 @@ package() {
     build/windows/bin "$hdf5/windows" "$version" "$(cached LUMORA_RELEASE_DATE)" "$1" "${@:3}"
 }
 
+# package_debian: the HDF5 library of the benchmark is the one that GCC has made.
+package_debian() {
+  build_hdf5 bench
+  step package-debian "Making the package for Debian" packaging/build-deb "$hdf5/bench" build/package
+}
+
 # package_tests: the zip that takes the package, a newer one and the tests to a machine with Windows.
 package_tests() {
   package build/package-newer 100.0.0
@@ -91,10 +97,11 @@ make_package() {
   fi
   # The certificate is a file of the folder in which the user has started this.
   [ $# -lt 2 ] || set -- "$1" "$(cd "$started_in" && realpath -- "$2")" "${@:3}"
-  setup
+  setup "${for_debian[@]}"
   build windows
   package build/package '' "$@"
-  echo "The setup package is build/package/Lumora.msi."
+  package_debian
+  echo "The setup package is build/package/Lumora.msi. The package for Debian is" build/package/lumora_*.deb
   [ -n "$with_tests" ] || return 0
   configure_windows_tests
   compile windows-tests

@@ -17,7 +17,12 @@ packages=(
   wixl msitools python3-markdown python3-pil     # the setup package, and its icon
   python3-jsonschema python3-yaml                # … its manifest for winget
   osslsigncode openssl                           # … its signature, and a certificate for the test
+  shared-mime-info dbus-daemon tumbler python3-gi # a Linux desktop without a screen
 )
+# What only some commands need; the tests do not wait for it.
+for_debian=(debhelper)                           # the package for Debian
+for_desktops=(lintian man-db bubblewrap gir1.2-gnomedesktop-4.0) # … its test
+for_screenshot=(xvfb thunar)
 
 # Options that turn warnings into errors; be_strict sets them.
 strict=()
@@ -33,10 +38,11 @@ install_packages() {
   "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "$@"
 }
 
+# setup [PACKAGE...]: installs what is missing of the list above, and of these.
 setup() {
   command -v dpkg-query >/dev/null || fail "this script installs Debian packages; on another system see docs/architecture.md for what is needed"
   local missing=() package
-  for package in "${packages[@]}"; do
+  for package in "${packages[@]}" "$@"; do
     is_installed "$package" || missing+=("$package")
   done
   [ ${#missing[@]} = 0 ] && return

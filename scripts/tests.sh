@@ -1,6 +1,13 @@
 # shellcheck shell=bash
 # Part of ./dev: all tests.
 
+# With the sanitizers. ./dev desktop does this with the program of the package, and in the desktops' sandboxes.
+test_desktop() {
+  rm -rf build/desktop-native
+  DESTDIR=build/desktop-native cmake --install build/native --prefix /usr
+  tests/desktop/check build/desktop-native . --no-sandbox
+}
+
 test_natively() {
   local status=0
   compile native
@@ -10,6 +17,7 @@ test_natively() {
   show_tests transcripts-linux "Playing the tool's transcripts on Linux" tests/tool/check-transcripts build/native/bin/lumora ||
     status=1
   show_tests tool-linux "Running the tool on Linux" tests/tool/check-linux build/native/bin/lumora || status=1
+  show_tests desktop "Looking at the samples on a Linux desktop" test_desktop || status=1
   compile fuzz
   show_tests fuzz "Fuzzing each target for a moment" fuzz/run.py build/fuzz/bin --test || status=1
   (lint_portable '^(src|fuzz|tools)/') || status=1
@@ -94,4 +102,11 @@ run_tests() {
   cat "$times"
   printf '%5d s  in all\n' $((SECONDS - started))
   [ $status = 0 ] || fail "some tests failed"
+}
+
+desktop() {
+  setup "${for_debian[@]}" "${for_desktops[@]}"
+  package_debian
+  show_tests desktop-package "Looking at the samples with the package" tests/desktop/run build/package/lumora_*.deb \
+    "$hdf5/bench" build/desktop || fail "some tests failed"
 }
