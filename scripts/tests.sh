@@ -110,3 +110,12 @@ desktop() {
   show_tests desktop-package "Looking at the samples with the package" tests/desktop/run build/package/lumora_*.deb \
     "$hdf5/bench" build/desktop || fail "some tests failed"
 }
+
+screenshot() {
+  setup "${for_debian[@]}" "${for_screenshot[@]}"
+  package_debian
+  rm -rf build/screenshot
+  dpkg-deb -x build/package/lumora_*.deb build/screenshot
+  step screenshot "Opening a file manager" tests/desktop/screenshot build/screenshot . docs/pictures/thunar.png
+  echo "The picture is docs/pictures/thunar.png. Look at it."
+}
