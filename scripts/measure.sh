@@ -35,7 +35,7 @@ fuzz() {
     return
   fi
   setup
-  build fuzz
+  build fuzz fuzz_lumora fuzz_boundary
   fuzz/run.py build/fuzz/bin "$@"
 }
 

@@ -18,7 +18,7 @@ test_natively() {
     status=1
   show_tests tool-linux "Running the tool on Linux" tests/tool/check-linux build/native/bin/lumora || status=1
   show_tests desktop "Looking at the samples on a Linux desktop" test_desktop || status=1
-  compile fuzz
+  compile fuzz fuzz_lumora fuzz_boundary
   show_tests fuzz "Fuzzing each target for a moment" fuzz/run.py build/fuzz/bin --test || status=1
   (lint_portable '^(src|fuzz|tools)/') || status=1
   return $status

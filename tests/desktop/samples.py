@@ -13,7 +13,8 @@ from PIL import Image
 
 ROOT = pathlib.Path(os.environ["LUMORA_ROOT"])
 SAMPLES = pathlib.Path(os.environ["LUMORA_SOURCES"]) / "samples"
-PROGRAM = ROOT / "usr/bin/lumora-thumbnailer"
+LUMORA = ROOT / "usr/bin/lumora"
+THUMBNAILER = ROOT / "usr/bin/lumora-thumbnailer"
 
 CACHE = pathlib.Path(os.environ["XDG_CACHE_HOME"]) / "thumbnails"
 
@@ -46,10 +47,9 @@ def pixels(path):
 
 
 def expected_pixels(path, size, folder):
-    """The pixels that the thumbnailer itself gives the file."""
-    picture = folder / "expected.png"
-    subprocess.run([PROGRAM, "-s", str(size), path, picture], check=True)
-    return pixels(picture)
+    """The pixels that lumora render --size gives the file."""
+    subprocess.run([LUMORA, "render", "--size", str(size), "-o", folder, path], check=True, stdout=subprocess.DEVNULL)
+    return pixels(folder / (path.stem + ".png"))
 
 
 def thumbnail_of(path, flavor):

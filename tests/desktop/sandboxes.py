@@ -5,7 +5,7 @@ import subprocess
 import sys
 
 from desktop import gnome
-from desktop.samples import NOT_ASKED, PROGRAM, ROOT, WithSamples, expected_pixels, kind_of, pixels
+from desktop.samples import NOT_ASKED, ROOT, THUMBNAILER, WithSamples, expected_pixels, kind_of, pixels
 
 # Only the system's programs and libraries, no /proc, no network, no other process.
 SANDBOX = ["bwrap", "--ro-bind", "/usr", "/usr", "--symlink", "usr/lib", "/lib", "--symlink", "usr/lib64", "/lib64",
@@ -29,7 +29,7 @@ class Sandbox(WithSamples):
         picture = self.folder / "out/picture.png"
         picture.parent.mkdir()
         for file in self.files:
-            run = subprocess.run([*SANDBOX, "--ro-bind", PROGRAM, "/program", "--ro-bind", file, "/file", "--bind",
+            run = subprocess.run([*SANDBOX, "--ro-bind", THUMBNAILER, "/program", "--ro-bind", file, "/file", "--bind",
                                   picture.parent, "/out", "/program", "-s", "96", "file:///file", "/out/picture.png"],
                                  capture_output=True, text=True, check=False)
             with self.subTest(file.name):
