@@ -160,7 +160,7 @@ TEST(ToolHelp, IsAChapterOfTheGuide)
     const TemporaryFolder folder;
     std::string chapter = "# All commands and options\n";
     for (const wchar_t* const command :
-         {L"", L"info", L"render", L"sheet", L"doctor", L"register", L"unregister"})
+         {L"", L"info", L"render", L"sheet", L"merge", L"doctor", L"register", L"unregister"})
     {
         const std::wstring name = command;
         const ToolRun run(name.empty() ? std::vector<std::wstring>{L"--help"}

@@ -2,6 +2,7 @@
 
 #include "lumora/arguments/FrameSelection.h"
 #include "lumora/files/NameList.h"
+#include "lumora/shards/Shard.h"
 #include "registration/Scope.h"
 
 #include <cstdint>
@@ -19,6 +20,7 @@ enum class Command
     Info,
     Render,
     Sheet,
+    Merge,
     Doctor,
     Register,
     Unregister,
@@ -45,6 +47,7 @@ struct CommandLine
 
     // info, render and sheet
     uint32_t jobs = 1;
+    std::optional<Shard> shard;
 
     // render
     std::optional<FrameSelection> frames;
@@ -57,9 +60,11 @@ struct CommandLine
     bool onlyReadable = false;
     std::optional<uint32_t> rows;
 
-    // render and sheet
-    /// The folder for the pictures, or the sheet.
+    // render, sheet and merge
+    /// The folder for the pictures, the sheet, or the merged file.
     std::optional<std::wstring> output;
+
+    // render and sheet
     std::optional<uint32_t> longerSide;
     std::optional<uint32_t> columns;
     bool skipsExisting = false;

@@ -2,6 +2,7 @@
 
 #include "lumora/arguments/Numbers.h"
 #include "lumora/commands/InfoCommand.h"
+#include "lumora/commands/MergeCommand.h"
 #include "lumora/commands/RenderCommand.h"
 #include "lumora/commands/SheetCommand.h"
 #include "lumora/sheet/SheetLayout.h"
@@ -82,6 +83,15 @@ constexpr Option jobs = {
     L"same order. Default: 1, this process",
     TakeJobs};
 
+constexpr Option shard = {
+    L"--shard", L"K/N",
+    L"take only every N-th of the files, beginning with the K-th: 3/8. N is 500 at most. So several machines "
+    L"can share the files",
+    [](CommandLine& line, Value value) {
+        line.shard = Shard::Parse(value);
+        return line.shard.has_value();
+    }};
+
 constexpr Option jsonLines = {
     L"--jsonl", L"",
     L"write JSON Lines: one object for each file, with all that is known, as soon as it is done",
@@ -96,6 +106,7 @@ constexpr Option infoOptions[] = {
     filesFrom,
     nulSeparated,
     jobs,
+    shard,
     verbose,
 };
 
@@ -131,6 +142,7 @@ constexpr Option renderOptions[] = {
     filesFrom,
     nulSeparated,
     jobs,
+    shard,
     verbose,
 };
 
@@ -161,7 +173,14 @@ constexpr Option sheetOptions[] = {
     filesFrom,
     nulSeparated,
     jobs,
+    shard,
     verbose,
+};
+
+constexpr Option mergeOptions[] = {
+    {L"-o", L"FILE",
+     L"the whole. Default: merged.jsonl in the current folder, or index.html beside the pages of the shards",
+     TakeOutput},
 };
 
 const wchar_t* ListConflict(const CommandLine& line)
@@ -234,7 +253,8 @@ constexpr CommandDescription commands[] = {
             L"pictures "
             L"of one run get the same name. The names of the pictures are printed.\n"
             L"With --skip-existing, a run that was interrupted goes on where it was. The times of the files "
-            L"count, and not with which options a picture was made.\n",
+            L"count, and not with which options a picture was made.\n"
+            L"With --shard, the pictures have the same names as without.\n",
         .options = renderOptions,
         .run = RunRender,
         .conflict = RenderConflict,
@@ -252,10 +272,28 @@ constexpr CommandDescription commands[] = {
             L"in its place.\n"
             L"When there is more than one sheet, a number is added to each name: sheet-1.png. An earlier "
             L"sheet is replaced, a file of another kind never. The names of the sheets, or of the page, are "
-            L"printed.\n",
+            L"printed.\n"
+            L"With --shard 3/8, the name of the sheet is sheet-3-of-8.png, and that of the page "
+            L"index-3-of-8.html. The pages of all shards can be in one folder, where merge joins them.\n",
         .options = sheetOptions,
         .run = RunSheet,
         .conflict = SheetConflict,
+    },
+    {
+        .command = Command::Merge,
+        .needsPath = true,
+        .name = L"merge",
+        .summary = L"Join what the shards of a run have written",
+        .pathName = L"SHARD",
+        .details =
+            L"A SHARD is what one run with --shard K/N has written: the JSON Lines of info or render, or the "
+            L"page of sheet --html. It may be a pattern such as info-*.jsonl.\n"
+            L"All N shards must be there, complete, and of one list of files; their order does not matter. "
+            L"What "
+            L"they have written then becomes what one run without --shard would have written, line by line. "
+            L"The merged page stands in the folder of the shards' pages, whose pictures it shows.\n",
+        .options = mergeOptions,
+        .run = RunMerge,
     },
 };
 

@@ -95,7 +95,7 @@ std::wstring HelpText(Command command)
     AppendWrapped(text, Usage(description), usage.size(), usage.size());
 
     const std::wstring pathName(description.pathName);
-    if (!pathName.empty())
+    if (!description.filesOfFolder.empty())
         AppendDetails(text, L"A " + pathName +
                                 L" is a file, a pattern such as *.mrc, or a folder. A folder stands for " +
                                 std::wstring(description.filesOfFolder) + L'\n');

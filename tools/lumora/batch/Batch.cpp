@@ -70,9 +70,11 @@ FileSource SourceOf(const CommandLine& line, Worker& prober)
 class Crew
 {
 public:
-    Crew(WorkQueue& workQueue, const CommandLine& line, const BatchWork& work) : Crew(workQueue)
+    /// The mark is complete when the queue has come to its end.
+    Crew(WorkQueue& workQueue, const CommandLine& line, const BatchWork& work, ShardMark& mark)
+        : Crew(workQueue)
     {
-        finder = &Start([this, &line, &work] { Find(line, work); });
+        finder = &Start([this, &line, &work, &mark] { Find(line, work, mark); });
         for (uint32_t job = 0; job < line.jobs; ++job)
             Start([this, &line] { DoTasks(line.jobs); });
     }
@@ -110,7 +112,7 @@ private:
         });
     }
 
-    void Find(const CommandLine& line, const BatchWork& work)
+    void Find(const CommandLine& line, const BatchWork& work, ShardMark& mark)
     {
         const struct Finally
         {
@@ -127,6 +129,11 @@ private:
             if (!item->report.failure)
                 item->report.failure = FailureOf([&] { item->task = work.plan(item->file); });
             item->isDone = item->report.failure.has_value();
+            const bool isOurs = mark.shard.Has(mark.files);
+            mark.Add(item->file);
+            // The files of other shards have taken their names, too.
+            if (!isOurs)
+                continue;
             if (!queue.Add(std::move(item)))
                 return;
         }
@@ -171,8 +178,9 @@ int RunBatch(const CommandLine& line, Console& console, const BatchWork& work)
     WorkQueue queue(mostFound, AheadOf(line, work.reportBytes));
     size_t files = 0;
     bool hasFailed = false;
+    ShardMark mark = {.shard = line.shard.value_or(Shard())};
     {
-        const Crew crew(queue, line, work);
+        const Crew crew(queue, line, work, mark);
         while (const std::unique_ptr<WorkItem> item = queue.TakeResult())
         {
             Tell(console, line, *item);
@@ -184,6 +192,8 @@ int RunBatch(const CommandLine& line, Console& console, const BatchWork& work)
     }
     if (Interruption::IsWanted())
         throw Failure{L"stopped after " + std::to_wstring(files) + (files == 1 ? L" file" : L" files")};
+    if (line.shard)
+        work.endShard(mark);
     return hasFailed ? 1 : 0;
 }
 

@@ -71,9 +71,14 @@ int PrintArray(const CommandLine& line, Console& console)
 
 int PrintLines(const CommandLine& line, Console& console)
 {
-    return RunBatch(line, console, {ReadOnly, [&console](const SourceFile& file, const FileReport& report) {
-                                        PrintOrStop(console, JsonLine(file, report, false));
-                                    }});
+    return RunBatch(
+        line, console,
+        {.plan = ReadOnly,
+         .finish =
+             [&console](const SourceFile& file, const FileReport& report) {
+                 PrintOrStop(console, JsonLine(file, report, false));
+             },
+         .endShard = [&console](const ShardMark& mark) { PrintOrStop(console, mark.Text() + L'\n'); }});
 }
 
 } // namespace

@@ -54,6 +54,11 @@ int RunRender(const CommandLine& line, Console& console)
                              console.Print(JsonLine(file, report, true));
                          else
                              PrintNames(console, report);
+                     },
+                     0,
+                     [&](const ShardMark& mark) {
+                         if (line.wantsJsonLines)
+                             console.Print(mark.Text() + L'\n');
                      }});
 }
 

@@ -18,7 +18,14 @@ namespace Lumora {
 namespace {
 
 constexpr uint32_t usualPictureSide = 200;
-constexpr const wchar_t* noFiles = L"there are no files for a sheet";
+
+/// Shards may write to one folder.
+std::wstring NameIn(const std::optional<Shard>& shard, const std::wstring& name)
+{
+    if (!shard)
+        return name;
+    return WithSuffix(name, L'-' + std::to_wstring(shard->number) + L"-of-" + std::to_wstring(shard->count));
+}
 
 /// Whether the sheet shows the file, or says why it does not.
 bool HasPlace(const CommandLine& line, const SourceFile& file, const FileReport& report)
@@ -28,7 +35,7 @@ bool HasPlace(const CommandLine& line, const SourceFile& file, const FileReport&
 
 int WriteSheets(const CommandLine& line, Console& console)
 {
-    const std::wstring name = line.output.value_or(L"sheet.png");
+    const std::wstring name = NameIn(line.shard, line.output.value_or(L"sheet.png"));
     const uint32_t side = line.longerSide.value_or(usualPictureSide);
     UnfinishedFile::RequireFreePlace(OpenablePath(name), PictureFormat().Signature());
     if (const std::wstring_view folder = ParentFolder(name); !folder.empty())
@@ -50,8 +57,8 @@ int WriteSheets(const CommandLine& line, Console& console)
                                    },
                                    size_t{side} * side * PixelBlock::bytesPerPixel});
     const std::vector<std::wstring> names = sheets.Finish();
-    if (names.empty())
-        throw Failure{noFiles};
+    if (names.empty() && !line.shard)
+        throw Failure{noFilesForSheet};
     for (const std::wstring& sheet : names)
         console.Print(sheet + L'\n');
     return exitCode;
@@ -100,7 +107,7 @@ std::wstring TitleOf(const CommandLine& line)
 int WritePage(const CommandLine& line, Console& console)
 {
     const std::wstring folder = line.output.value_or(L"sheet");
-    const std::wstring name = JoinPath(folder, L"index.html");
+    const std::wstring name = JoinPath(folder, NameIn(line.shard, L"index.html"));
     const uint32_t side = line.longerSide.value_or(usualPictureSide);
     Imaging().RequireDecoder();
     GalleryWriter page(OpenablePath(name), TitleOf(line), side);
@@ -119,13 +126,22 @@ int WritePage(const CommandLine& line, Console& console)
                                    },
                                    [&](const SourceFile& file, const FileReport& report) {
                                        if (!HasPlace(line, file, report))
+                                       {
+                                           if (line.shard)
+                                               page.LeaveOut();
                                            return;
+                                       }
                                        page.Add(EntryOf(folder, file, report));
                                        ++entries;
-                                   }});
-    if (entries == 0)
-        throw Failure{noFiles};
-    page.Finish();
+                                   },
+                                   0, [&page](const ShardMark& mark) { page.Finish(mark.Text()); }});
+    // A shard may be without files, and its mark has completed the page.
+    if (!line.shard)
+    {
+        if (entries == 0)
+            throw Failure{noFilesForSheet};
+        page.Finish();
+    }
     console.Print(name + L'\n');
     return exitCode;
 }

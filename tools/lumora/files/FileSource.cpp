@@ -3,6 +3,7 @@
 #include "lumora/console/Failure.h"
 #include "lumora/console/Interruption.h"
 #include "lumora/files/FileSystem.h"
+#include "lumora/files/ListOrder.h"
 #include "lumora/files/Paths.h"
 #include "registration/Formats.h"
 
@@ -18,7 +19,7 @@ namespace {
 std::vector<FolderEntry> SortedEntries(const std::wstring& folder, const std::wstring& pattern)
 {
     std::vector<FolderEntry> entries = ListFolder(folder, pattern);
-    std::ranges::sort(entries, NameLess{}, &FolderEntry::name);
+    std::ranges::sort(entries, ListOrder{}, &FolderEntry::name);
     return entries;
 }
 
@@ -154,7 +155,8 @@ bool FileSource::Counts(const FolderEntry& file) const
 {
     if (RegisteredExtension(FileExtension(file.name)))
         return true;
-    return isReadable && !file.isElsewhere && isReadable(OpenablePathIn(Here(), file.name));
+    return isReadable && !file.isElsewhere && !IsTemporaryName(file.name) &&
+           isReadable(OpenablePathIn(Here(), file.name));
 }
 
 std::wstring FileSource::Here() const

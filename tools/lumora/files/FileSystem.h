@@ -49,4 +49,14 @@ void RemoveFile(const std::wstring& path) noexcept;
 /// Gives the file another name, and replaces a file of that name. Throws a Failure with the reason.
 void RenameFile(const std::wstring& from, const std::wstring& to);
 
+// What the names of files end with that are there only while the program works.
+inline constexpr const wchar_t* unfinishedFileEnd = L".lumora-part";
+inline constexpr const wchar_t* rowsFileEnd = L".lumora-rows";
+
+/// Whether a file has the name of a temporary one. Another process may be writing it.
+[[nodiscard]] constexpr bool IsTemporaryName(std::wstring_view name) noexcept
+{
+    return name.ends_with(unfinishedFileEnd) || name.ends_with(rowsFileEnd);
+}
+
 } // namespace Lumora

@@ -1,23 +1,21 @@
 #include "lumora/files/OutputNames.h"
 
 #include "lumora/console/Failure.h"
+#include "lumora/files/Hash.h"
 #include "lumora/pictures/PictureMaker.h"
 
 namespace Lumora {
 
 namespace {
 
-/// Eight digits that differ for different paths and sizes, by the FNV-1a hash.
+/// Eight digits that differ for different paths and sizes.
 std::wstring HashText(std::wstring_view path, uint32_t size)
 {
-    constexpr uint32_t basis = 2'166'136'261;
-    constexpr uint32_t prime = 16'777'619;
-    uint32_t hash = basis;
-    const auto add = [&hash](uint32_t value) { hash = (hash ^ value) * prime; };
+    Hash hash;
     for (const wchar_t character : path)
-        add(static_cast<uint32_t>(character));
-    add(size);
-    return HexText(hash).substr(2);
+        hash.Add(static_cast<uint32_t>(character));
+    hash.Add(size);
+    return HexText(hash.Value()).substr(2);
 }
 
 } // namespace

@@ -45,6 +45,12 @@ std::wstring_view Stem(std::wstring_view path) noexcept
     return name.substr(0, name.size() - FileExtension(path).size());
 }
 
+std::wstring WithSuffix(std::wstring_view path, std::wstring_view suffix)
+{
+    const std::wstring_view extension = FileExtension(path);
+    return std::wstring(path.substr(0, path.size() - extension.size())).append(suffix).append(extension);
+}
+
 std::wstring ProgramFolder()
 {
     return std::wstring(ParentFolder(ProgramPath()));

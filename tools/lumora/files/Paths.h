@@ -44,6 +44,9 @@ inline constexpr std::wstring_view driveMarks = {};
 /// The extension with its dot, or nothing. A dot at the beginning of a name starts no extension.
 [[nodiscard]] std::wstring_view FileExtension(std::wstring_view path) noexcept;
 
+/// The path with this text behind the name, before its extension.
+[[nodiscard]] std::wstring WithSuffix(std::wstring_view path, std::wstring_view suffix);
+
 /// The file of this program.
 [[nodiscard]] std::wstring ProgramPath();
 

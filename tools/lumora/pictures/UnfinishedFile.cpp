@@ -11,7 +11,7 @@ namespace {
 
 std::wstring UnfinishedName(const std::wstring& finalPath)
 {
-    return finalPath + L".lumora-part";
+    return finalPath + unfinishedFileEnd;
 }
 
 /// Whether the file is empty, or begins like this.

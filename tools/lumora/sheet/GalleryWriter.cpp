@@ -1,7 +1,6 @@
 #include "lumora/sheet/GalleryWriter.h"
 
-#include "lumora/console/Failure.h"
-#include "lumora/sheet/GalleryTemplate.h"
+#include "lumora/sheet/GalleryParts.h"
 #include "lumora/sheet/Html.h"
 
 #include <algorithm>
@@ -10,46 +9,6 @@
 namespace Lumora {
 
 namespace {
-
-constexpr const wchar_t* cannotWrite = L"cannot write the page";
-
-/// The parts of the template.
-struct Parts
-{
-    std::string_view head;
-    std::string_view entry;
-    std::string_view failure;
-    std::string_view tail;
-};
-
-/// Takes from the rest what is before the comment that begins with this word, and the comment with its line
-/// end.
-constexpr std::string_view TakeUntil(std::string_view& rest, std::string_view comment)
-{
-    constexpr std::string_view commentEnd = "-->\n";
-    const size_t begin = rest.find(comment);
-    const std::string_view taken = rest.substr(0, begin);
-    // Without the comment this is out of range, and the build fails.
-    rest = rest.substr(begin);
-    rest = rest.substr(rest.find(commentEnd) + commentEnd.size());
-    return taken;
-}
-
-constexpr Parts Split(std::string_view page)
-{
-    TakeUntil(page, "<!-- PAGE:");
-    Parts parts;
-    parts.head = TakeUntil(page, "<!-- ENTRY:");
-    parts.entry = TakeUntil(page, "<!-- FAILURE:");
-    parts.failure = TakeUntil(page, "<!-- END ");
-    parts.tail = page;
-    return parts;
-}
-
-constexpr Parts parts = Split(galleryTemplate);
-
-/// How every page begins.
-constexpr std::string_view signature = parts.head.substr(0, parts.head.find("<html"));
 
 /// A value of the template, as HTML.
 struct Value
@@ -104,7 +63,7 @@ std::wstring Facts(const GalleryEntry& entry)
 
 std::string EntryHtml(const GalleryEntry& entry)
 {
-    return Filled(parts.entry,
+    return Filled(galleryParts.entry,
                   {{"name", HtmlText(entry.name)},
                    {"tooltip", HtmlText(Tooltip(entry))},
                    {"picture", RelativeUrl(entry.picture)},
@@ -119,47 +78,36 @@ std::string EntryHtml(const GalleryEntry& entry)
 
 std::string FailureHtml(const GalleryEntry& entry)
 {
-    return Filled(parts.failure, {{"name", HtmlText(entry.name)},
-                                  {"tooltip", HtmlText(Tooltip(entry))},
-                                  {"failure", HtmlText(entry.failure)}});
+    return Filled(galleryParts.failure, {{"name", HtmlText(entry.name)},
+                                         {"tooltip", HtmlText(Tooltip(entry))},
+                                         {"failure", HtmlText(entry.failure)}});
 }
 
 } // namespace
 
 GalleryWriter::GalleryWriter(const std::wstring& path, std::wstring_view title, uint32_t pictureSide)
-    : file(path, signature)
+    : page(path, GallerySignature())
 {
-    WithName(cannotWrite, [this] { stream = ByteFile::Create(file.path); });
-    Write(Filled(parts.head, {{"title", HtmlText(title)}, {"side", std::to_string(pictureSide)}}));
+    page.Write(
+        Filled(galleryParts.head, {{"title", HtmlText(title)}, {"side", std::to_string(pictureSide)}}));
 }
 
 void GalleryWriter::Add(const GalleryEntry& entry)
 {
-    Write(entry.picture.empty() ? FailureHtml(entry) : EntryHtml(entry));
+    page.Write(entry.picture.empty() ? FailureHtml(entry) : EntryHtml(entry));
 }
 
-void GalleryWriter::Finish()
+void GalleryWriter::LeaveOut()
 {
-    Write(parts.tail);
-    WriteOut();
-    WithName(cannotWrite, [this] { stream.Close(); });
-    file.Keep();
+    page.Write(galleryLeftOut);
 }
 
-void GalleryWriter::Write(std::string_view text)
+void GalleryWriter::Finish(std::wstring_view mark)
 {
-    constexpr size_t muchText = 65'536;
-    pending += text;
-    if (pending.size() >= muchText)
-        WriteOut();
-}
-
-void GalleryWriter::WriteOut()
-{
-    WithName(cannotWrite, [this] {
-        stream.Write({reinterpret_cast<const uint8_t*>(pending.data()), pending.size()});
-    });
-    pending.clear();
+    page.Write(galleryParts.tail);
+    if (!mark.empty())
+        page.Write(GalleryMark(mark));
+    page.Keep();
 }
 
 } // namespace Lumora

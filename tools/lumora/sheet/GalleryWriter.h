@@ -1,13 +1,15 @@
 #pragma once
 
-#include "lumora/files/ByteFile.h"
-#include "lumora/pictures/UnfinishedFile.h"
+#include "lumora/pictures/UnfinishedText.h"
 
 #include <cstdint>
 #include <string>
 #include <string_view>
 
 namespace Lumora {
+
+/// The message if a sheet would be empty.
+inline constexpr const wchar_t* noFilesForSheet = L"there are no files for a sheet";
 
 /// What the HTML sheet shows of one file.
 struct GalleryEntry
@@ -44,18 +46,14 @@ public:
 
     void Add(const GalleryEntry& entry);
 
-    /// Completes the page after the last entry.
-    void Finish();
+    /// Keeps the place of a file in the page of a shard that shows nothing of it.
+    void LeaveOut();
+
+    /// Completes the page after the last entry. The page of a shard gets the text of its mark.
+    void Finish(std::wstring_view mark = {});
 
 private:
-    void Write(std::string_view text);
-    void WriteOut();
-
-    const UnfinishedFile file;
-    // This is closed before the file is removed.
-    ByteFile stream;
-    /// What is not written yet.
-    std::string pending;
+    UnfinishedText page;
 };
 
 } // namespace Lumora

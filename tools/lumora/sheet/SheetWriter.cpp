@@ -39,13 +39,6 @@ std::wstring_view ReasonOf(const FileReport& report)
     return line;
 }
 
-std::wstring NumberedName(const std::wstring& name, size_t number)
-{
-    const std::wstring_view extension = FileExtension(name);
-    return name.substr(0, name.size() - extension.size()) + L'-' + std::to_wstring(number) +
-           std::wstring(extension);
-}
-
 } // namespace
 
 SheetWriter::SheetWriter(Imaging& wantedImaging, std::wstring sheetName, uint32_t side,
@@ -111,7 +104,7 @@ void SheetWriter::FinishSheet(bool isLast)
     if (column > 0)
         FinishRow();
     const bool isOnlyOne = isLast && names.empty();
-    names.push_back(isOnlyOne ? name : NumberedName(name, names.size() + 1));
+    names.push_back(isOnlyOne ? name : WithSuffix(name, L'-' + std::to_wstring(names.size() + 1)));
 
     WithName(names.back(), [&] { WriteSheet(layout.WidthOf(columns)); });
 }

@@ -169,6 +169,34 @@ TEST_F(InterruptedBatch, LosesNothingWhenItIsKilled)
     EXPECT_THAT(Complete(L"killed").error, IsEmpty());
 }
 
+TEST_F(InterruptedBatch, GivesTheWholePageAfterAShardWasKilled)
+{
+    const Arguments page = {L"sheet", L"--html", L"--skip-existing", L"--jobs", L"2", L"in"};
+    const auto shard = [&page](const wchar_t* number) {
+        Arguments arguments = page;
+        arguments.insert(arguments.end(), {L"-o", L"pages", L"--shard", number});
+        return arguments;
+    };
+    {
+        const RunningTool tool(shard(L"2/2"), folder->Path());
+        while (FilesIn("pages/pictures").size() < 5 && !tool.HasEnded())
+            Sleep(5);
+        tool.Kill();
+        static_cast<void>(tool.WaitForEnd());
+    }
+    const Arguments merge = {L"merge", L"pages\\index-*-of-2.html"};
+    EXPECT_EQ(ToolRun(shard(L"1/2"), folder->Path()).exitCode, 0U);
+    EXPECT_EQ(ToolRun(merge, folder->Path()).error, "lumora: these shards are missing: 2/2\n");
+    EXPECT_EQ(ToolRun(shard(L"2/2"), folder->Path()).exitCode, 0U);
+    EXPECT_EQ(ToolRun(merge, folder->Path()).output, "pages\\index.html\n");
+
+    EXPECT_EQ(ToolRun(page, folder->Path()).exitCode, 0U);
+    EXPECT_EQ(folder->Read("pages/index.html"), folder->Read("sheet/index.html"));
+    EXPECT_EQ(FilesIn("pages/pictures").size(), size_t{files});
+    for (const std::string& picture : FilesIn("sheet/pictures"))
+        EXPECT_EQ(folder->Read("pages" + picture.substr(5)), folder->Read(picture)) << picture;
+}
+
 /// Files of which the first two are done at once, and the next two only when nobody else reads HDF5 files.
 class StuckBatch : public testing::Test
 {

@@ -190,7 +190,7 @@ TEST(GalleryWriter, FailsWhereItCannotWrite)
     const std::wstring path = (folder.Path() / "index.html").native();
     const auto failure = Lumora::FailureOf([&] { const GalleryWriter writer(path, L"title", 200); });
     ASSERT_TRUE(failure);
-    EXPECT_EQ(*failure, L"cannot write the page: access is denied (E_ACCESSDENIED)");
+    EXPECT_EQ(*failure, L"cannot write the file: access is denied (E_ACCESSDENIED)");
     EXPECT_THAT(folder.Files(), IsEmpty());
 }
 

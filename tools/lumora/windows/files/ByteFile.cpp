@@ -1,5 +1,6 @@
 #include "lumora/files/ByteFile.h"
 
+#include "lumora/files/FileSystem.h"
 #include "lumora/windows/Results.h"
 #include "lumora/windows/files/FileHandle.h"
 
@@ -65,7 +66,7 @@ ByteFile ByteFile::Create(const std::wstring& path)
 
 ByteFile ByteFile::MakeTemporary(const std::wstring& neighbour)
 {
-    const std::wstring name = neighbour + L'.' + std::to_wstring(GetCurrentProcessId()) + L".lumora-rows";
+    const std::wstring name = neighbour + L'.' + std::to_wstring(GetCurrentProcessId()) + rowsFileEnd;
     return Opened(name, GENERIC_READ | GENERIC_WRITE, 0, CREATE_NEW,
                   FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE);
 }
