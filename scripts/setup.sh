@@ -13,6 +13,7 @@ packages=(
   libturbojpeg0-dev libpng-dev                   # read and write pictures in the native build
   libjpeg62-turbo-dev libpango1.0-dev pkgconf    # … and the texts beside them
   chromium-headless-shell                        # looks at a page of lumora sheet --html
+  parallel                                       # runs shards of a batch side by side
   clang-format clang-tidy cppcheck               # lint
   wixl msitools python3-markdown python3-pil     # the setup package, and its icon
   python3-jsonschema python3-yaml                # … its manifest for winget
