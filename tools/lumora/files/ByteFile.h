@@ -34,7 +34,8 @@ public:
     [[nodiscard]] size_t Read(std::span<uint8_t> target);
     /// Writes all of the bytes.
     void Write(std::span<const uint8_t> bytes);
-    void Rewind();
+    /// Goes on at that byte.
+    void Seek(uint64_t position);
     void Close();
 
 private:

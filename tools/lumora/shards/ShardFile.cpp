@@ -2,13 +2,12 @@
 
 #include "lumora/console/Failure.h"
 #include "lumora/console/Utf8.h"
+#include "lumora/files/FileSystem.h"
 #include "lumora/sheet/GalleryParts.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <filesystem>
+#include <array>
 #include <optional>
-#include <system_error>
 
 namespace Lumora {
 
@@ -26,14 +25,9 @@ void RemoveReturn(std::string& line)
 
 } // namespace
 
-ShardFile::ShardFile(const SourceFile& file)
-    : source(file), stream(std::filesystem::path(file.path), std::ios::binary)
+ShardFile::ShardFile(const SourceFile& file) : source(file)
 {
-    if (!stream)
-    {
-        const std::string reason = std::generic_category().message(errno);
-        Refuse(L"cannot be opened: " + std::wstring(reason.begin(), reason.end()));
-    }
+    WithName(source.name, [this] { stream = ByteFile::Open(source.path); });
     if (BeginsWith("\xFF\xFE"))
         Refuse(L"this is UTF-16, as Windows PowerShell writes what lumora prints; run the shard in cmd");
     isPage = BeginsWith(GallerySignature());
@@ -46,8 +40,7 @@ ShardFile::ShardFile(const SourceFile& file)
     if (!found)
         Refuse(L"this is no shard, or its end is missing; run the shard again");
     mark = *found;
-    stream.clear();
-    stream.seekg(0);
+    Seek(0);
 }
 
 std::string ShardFile::Head()
@@ -84,7 +77,7 @@ void ShardFile::RequireEnd()
     std::string rest;
     while (rest.size() < expected.size())
         rest += Line();
-    if (rest != expected || stream.peek() != std::ifstream::traits_type::eof())
+    if (rest != expected || !Read(1).empty())
         Refuse(L"there is more in this shard than its files; run the shard again");
 }
 
@@ -93,25 +86,47 @@ void ShardFile::Refuse(const std::wstring& text) const
     throw Failure{source.name + L": " + text};
 }
 
+void ShardFile::Seek(uint64_t position)
+{
+    WithName(source.name, [this, position] { stream.Seek(position); });
+    ahead.clear();
+    taken = 0;
+}
+
+bool ShardFile::ReadAhead()
+{
+    ahead.erase(0, taken);
+    taken = 0;
+    std::array<uint8_t, 65'536> bytes = {};
+    size_t count = 0;
+    WithName(source.name, [&] { count = stream.Read(bytes); });
+    ahead.append(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(count));
+    return count > 0;
+}
+
+std::string ShardFile::Read(size_t count)
+{
+    while (ahead.size() - taken < count && ReadAhead())
+        continue;
+    std::string text = ahead.substr(taken, count);
+    taken += text.size();
+    return text;
+}
+
 bool ShardFile::BeginsWith(std::string_view text)
 {
-    std::string begin(text.size(), '\0');
-    stream.seekg(0);
-    stream.read(begin.data(), static_cast<std::streamsize>(begin.size()));
-    stream.clear();
-    return begin == text;
+    Seek(0);
+    return Read(text.size()) == text;
 }
 
 std::string ShardFile::LastLine()
 {
     // No mark is longer.
-    constexpr std::streamoff longest = 200;
-    stream.seekg(0, std::ios::end);
-    const std::streamoff size = stream.tellg();
-    stream.seekg(std::max<std::streamoff>(0, size - longest));
-    std::string end(static_cast<size_t>(std::clamp<std::streamoff>(size, 0, longest)), '\0');
-    stream.read(end.data(), static_cast<std::streamsize>(end.size()));
-    if (!stream || !end.ends_with('\n'))
+    constexpr uint64_t longest = 200;
+    const uint64_t size = FileSize(source.path).value_or(0);
+    Seek(size - std::min(size, longest));
+    std::string end = Read(longest);
+    if (!end.ends_with('\n'))
         return {};
     end.pop_back();
     RemoveReturn(end);
@@ -120,9 +135,16 @@ std::string ShardFile::LastLine()
 
 std::string ShardFile::Line()
 {
-    std::string line;
-    if (!std::getline(stream, line) || stream.eof())
-        Refuse(L"this is not a whole shard; run the shard again");
+    size_t end = ahead.find('\n', taken);
+    while (end == std::string::npos)
+    {
+        const size_t searched = ahead.size() - taken;
+        if (!ReadAhead())
+            Refuse(L"this is not a whole shard; run the shard again");
+        end = ahead.find('\n', searched);
+    }
+    std::string line = ahead.substr(taken, end - taken);
+    taken = end + 1;
     RemoveReturn(line);
     return line += '\n';
 }

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "lumora/files/ByteFile.h"
 #include "lumora/files/FileSource.h"
 #include "lumora/shards/ShardMark.h"
 
 #include <cstdint>
-#include <fstream>
 #include <string>
 #include <string_view>
 
@@ -35,6 +35,11 @@ public:
 
 private:
     [[noreturn]] void Refuse(const std::wstring& text) const;
+    void Seek(uint64_t position);
+    /// Adds bytes to those that are not taken yet. Returns false at the end.
+    [[nodiscard]] bool ReadAhead();
+    /// The next bytes; fewer at the end.
+    [[nodiscard]] std::string Read(size_t count);
     [[nodiscard]] bool BeginsWith(std::string_view text);
     /// The mark at the end, as it stands there.
     [[nodiscard]] std::string LastLine();
@@ -42,7 +47,10 @@ private:
     [[nodiscard]] std::string Line();
 
     SourceFile source;
-    std::ifstream stream;
+    ByteFile stream;
+    /// What was read of the file, of which so many bytes are taken.
+    std::string ahead;
+    size_t taken = 0;
     bool isPage = false;
     ShardMark mark;
 };

@@ -23,7 +23,7 @@ void RowStore::Append(std::span<const uint8_t> rows)
 
 void RowStore::Rewind()
 {
-    WithName(cannotRead, [this] { file.Rewind(); });
+    WithName(cannotRead, [this] { file.Seek(0); });
 }
 
 void RowStore::Read(std::span<uint8_t> rows)

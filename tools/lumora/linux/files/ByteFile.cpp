@@ -99,9 +99,9 @@ void ByteFile::Write(std::span<const uint8_t> bytes)
     }
 }
 
-void ByteFile::Rewind()
+void ByteFile::Seek(uint64_t position)
 {
-    if (lseek(handle->value.Value(), 0, SEEK_SET) != 0)
+    if (lseek(handle->value.Value(), static_cast<off_t>(position), SEEK_SET) < 0)
         ThrowLastError();
 }
 

@@ -104,9 +104,11 @@ void ByteFile::Write(std::span<const uint8_t> bytes)
     }
 }
 
-void ByteFile::Rewind()
+void ByteFile::Seek(uint64_t position)
 {
-    if (!SetFilePointerEx(handle->value.get(), {}, nullptr, FILE_BEGIN))
+    LARGE_INTEGER target = {};
+    target.QuadPart = static_cast<LONGLONG>(position);
+    if (!SetFilePointerEx(handle->value.get(), target, nullptr, FILE_BEGIN))
         ThrowLastError();
 }
 
