@@ -24,6 +24,7 @@ packages=(
 for_debian=(debhelper)                           # the package for Debian
 for_desktops=(lintian man-db bubblewrap gir1.2-gnomedesktop-4.0) # … its test
 for_screenshot=(xvfb thunar)
+for_facility=(slurm-wlm munge)
 
 # Options that turn warnings into errors; be_strict sets them.
 strict=()

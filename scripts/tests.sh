@@ -17,6 +17,8 @@ test_natively() {
   show_tests transcripts-linux "Playing the tool's transcripts on Linux" tests/tool/check-transcripts build/native/bin/lumora ||
     status=1
   show_tests tool-linux "Running the tool on Linux" tests/tool/check-linux build/native/bin/lumora || status=1
+  show_tests facility "Sharing files among processes as a facility does" tests/facility/check build/native/bin/lumora \
+    build/facility --files 640 || status=1
   show_tests desktop "Looking at the samples on a Linux desktop" test_desktop || status=1
   compile fuzz fuzz_lumora fuzz_boundary
   show_tests fuzz "Fuzzing each target for a moment" fuzz/run.py build/fuzz/bin --test || status=1
@@ -70,6 +72,15 @@ test_same_pictures() {
 real_files() {
   local folder=${LUMORA_REAL_FILES:-$root/../shared/real}
   [ ! -d "$folder" ] || printf '%s' "$folder"
+}
+
+# facility: with as many files as docs/facility.md speaks of, and with Slurm.
+facility() {
+  setup "${for_facility[@]}"
+  build_hdf5 bench
+  step configure-linux "Configuring the linux build" cmake --preset linux -D LUMORA_HDF5="$hdf5/bench" "${strict[@]}"
+  compile linux
+  show_tests facility "Sharing 10,000 files among machines" tests/facility/check build/linux/bin/lumora build/facility
 }
 
 run_tests() {
