@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <memory>
+#include <stdexcept>
 #include <system_error>
 #include <vector>
 
@@ -27,6 +28,10 @@ class UnfinishedFile
 public:
     explicit UnfinishedFile(const std::string& finalPath) : target(finalPath), path(finalPath + ".XXXXXX")
     {
+        std::error_code none;
+        if (const auto there = std::filesystem::status(target, none);
+            std::filesystem::exists(there) && !std::filesystem::is_regular_file(there))
+            throw std::runtime_error("cannot write " + target + ": it is no file");
         const int descriptor = mkostemp(path.data(), O_CLOEXEC);
         if (descriptor < 0)
             throw std::system_error(errno, std::generic_category(), "cannot write " + target);

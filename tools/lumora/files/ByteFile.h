@@ -23,7 +23,7 @@ public:
     ~ByteFile();
 
     [[nodiscard]] static ByteFile Open(const std::wstring& path);
-    /// An empty file, instead of one that is there. Fails while somebody else writes it.
+    /// An empty file, instead of one that is there.
     [[nodiscard]] static ByteFile Create(const std::wstring& path);
     /// A file beside the one with this path. It vanishes with the object, or with the program.
     [[nodiscard]] static ByteFile MakeTemporary(const std::wstring& neighbour);

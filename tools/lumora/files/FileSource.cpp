@@ -99,7 +99,9 @@ std::optional<SourceFile> FileSource::Next()
 /// A path that names one file or none is done at once. Others become the root.
 std::optional<SourceFile> FileSource::Begin(const std::wstring& path, bool isFromList)
 {
-    if (!isFromList && FileName(path).find_first_of(L"*?") != std::wstring::npos)
+    const bool isPattern = !isFromList && FileName(path).find_first_of(L"*?") != std::wstring::npos;
+    // Some systems let a name have these characters.
+    if (isPattern && !FoundAt(OpenablePath(path)))
     {
         root = {.name = path, .folder = std::wstring(ParentFolder(path)), .subfolder = {}, .isPattern = true};
         return LookInto({}, std::wstring(FileName(path)));
@@ -107,9 +109,12 @@ std::optional<SourceFile> FileSource::Begin(const std::wstring& path, bool isFro
     if (const size_t nul = path.find(L'\0'); nul != std::wstring::npos)
         return NoFile(path.substr(0, nul), L"the name holds a NUL character; -0 is for lists with these");
     const std::wstring openable = OpenablePath(path);
-    bool isFolder = false;
-    if (const auto failure = FailureOf([&] { isFolder = KindOf(openable) == PathKind::Folder; }))
+    PathKind kind = PathKind::File;
+    if (const auto failure = FailureOf([&] { kind = KindOf(openable); }))
         return NoFile(path, *failure);
+    if (kind == PathKind::Other)
+        return NoFile(path, L"this is neither a file nor a folder");
+    const bool isFolder = kind == PathKind::Folder;
     std::wstring place;
     if (isFromList)
         place = PathBelow(isFolder ? path : ParentFolder(path));

@@ -12,6 +12,8 @@ enum class PathKind
 {
     File,
     Folder,
+    /// A pipe, a device, or a link that leads nowhere.
+    Other,
 };
 
 /// What is there. Throws a Failure with the reason if nothing can be found.
@@ -43,7 +45,6 @@ void MakeFolder(std::wstring_view folder);
 /// Whether the file is there, and not older than the source.
 [[nodiscard]] bool IsUpToDate(const std::wstring& path, const std::wstring& source) noexcept;
 
-/// Removes the file, unless somebody else is writing it.
 void RemoveFile(const std::wstring& path) noexcept;
 
 /// Gives the file another name, and replaces a file of that name. Throws a Failure with the reason.

@@ -9,7 +9,7 @@ namespace Lumora {
 
 namespace {
 
-/// No path of Windows has more bytes, in either encoding.
+/// No path has more bytes, in any encoding.
 constexpr size_t longestName = size_t{32'768} * 4;
 
 /// From little-endian UTF-16.

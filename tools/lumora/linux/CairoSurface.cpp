@@ -69,7 +69,10 @@ struct Surface::Means
     /// Lays the text out, and returns its size in pixels.
     [[nodiscard]] PangoRectangle SetText(std::wstring_view text) const
     {
-        const std::string bytes = ToUtf8(text);
+        // Pango takes valid UTF-8 only, which a name need not be.
+        std::string bytes;
+        for (size_t position = 0; position < text.size();)
+            AppendUtf8(bytes, NextCharacter(text, position));
         pango_layout_set_text(layout.get(), bytes.data(), static_cast<int>(bytes.size()));
         PangoRectangle size = {};
         pango_layout_get_pixel_extents(layout.get(), nullptr, &size);

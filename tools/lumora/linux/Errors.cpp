@@ -30,7 +30,7 @@ constexpr NamedError namedErrors[] = {
     {EEXIST, L"the file exists"},
     {ENAMETOOLONG, L"the name is too long"},
     {ENOMEM, L"memory is exhausted"},
-    {EIO, L"reading failed"},
+    {EIO, L"the device has failed"},
 };
 
 } // namespace

@@ -1,7 +1,9 @@
 #include "lumora/console/Interruption.h"
 
+#include <array>
 #include <atomic>
 #include <csignal>
+#include <iterator>
 
 namespace Lumora {
 
@@ -12,6 +14,9 @@ static_assert(std::atomic<bool>::is_always_lock_free, "a signal may come at any 
 
 constexpr int signals[] = {SIGINT, SIGTERM, SIGHUP};
 
+/// What was done about them before.
+std::array<struct sigaction, std::size(signals)> earlier;
+
 void AskToStop(int number)
 {
     if (!isWanted.exchange(true))
@@ -20,25 +25,26 @@ void AskToStop(int number)
     std::raise(number);
 }
 
-void SetHandlers(void (*handler)(int))
-{
-    struct sigaction action = {};
-    action.sa_handler = handler;
-    action.sa_flags = SA_RESTART;
-    for (const int number : signals)
-        sigaction(number, &action, nullptr);
-}
-
 } // namespace
 
 Interruption::Interruption()
 {
-    SetHandlers(AskToStop);
+    struct sigaction action = {};
+    action.sa_handler = AskToStop;
+    action.sa_flags = SA_RESTART;
+    for (size_t index = 0; index < earlier.size(); ++index)
+    {
+        sigaction(signals[index], nullptr, &earlier[index]);
+        // Somebody wants the program to go on: nohup, or a shell that has started it in the background.
+        if (earlier[index].sa_handler != SIG_IGN)
+            sigaction(signals[index], &action, nullptr);
+    }
 }
 
 Interruption::~Interruption()
 {
-    SetHandlers(SIG_DFL);
+    for (size_t index = 0; index < earlier.size(); ++index)
+        sigaction(signals[index], &earlier[index], nullptr);
 }
 
 bool Interruption::IsWanted() noexcept

@@ -2,6 +2,7 @@
 
 #include "lumora/console/Utf8.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <string>
 
@@ -10,6 +11,24 @@
 
 namespace Lumora {
 
+namespace {
+
+/// The text without what would steer the terminal: a name can have any characters.
+std::wstring Printable(std::wstring_view text)
+{
+    std::wstring printable(text);
+    std::ranges::replace_if(
+        printable,
+        [](wchar_t character) {
+            const bool isControl = character < 0x20 || (character >= 0x7F && character < 0xA0);
+            return isControl && std::wstring_view(L"\n\r\t").find(character) == std::wstring_view::npos;
+        },
+        L'\uFFFD');
+    return printable;
+}
+
+} // namespace
+
 Output::Output(Which which) noexcept : handle(which == Which::Standard ? STDOUT_FILENO : STDERR_FILENO)
 {
     isTerminal = isatty(static_cast<int>(handle)) != 0;
@@ -17,7 +36,7 @@ Output::Output(Which which) noexcept : handle(which == Which::Standard ? STDOUT_
 
 bool Output::Write(std::wstring_view text) const
 {
-    const std::string bytes = ToUtf8(text);
+    const std::string bytes = ToUtf8(isTerminal ? Printable(text) : std::wstring(text));
     size_t written = 0;
     while (written < bytes.size())
     {

@@ -95,10 +95,10 @@ void WorkerProcess::Means::Start()
     PipeEnds input = MakePipe();
     PipeEnds output = MakePipe();
     const SpawnSettings settings(input.reading, output.writing);
-    std::string program = "/proc/self/exe";
+    std::string program = "lumora";
     std::string argument = BytesOfName(workerArgument);
     char* const arguments[] = {program.data(), argument.data(), nullptr};
-    if (const int error = posix_spawn(&process, program.c_str(), &settings.actions, &settings.attributes,
+    if (const int error = posix_spawn(&process, "/proc/self/exe", &settings.actions, &settings.attributes,
                                       arguments, environ))
         throw Failure{L"cannot start another process of this program: " + DescribeError(error)};
     tasks = OwningFile(std::move(input.writing));
@@ -107,8 +107,8 @@ void WorkerProcess::Means::Start()
 
 std::wstring WorkerProcess::Means::End()
 {
-    tasks.Close();
-    reports.Close();
+    tasks = ByteFile();
+    reports = ByteFile();
     int status = 0;
     while (waitpid(process, &status, 0) < 0 && errno == EINTR)
         continue;

@@ -6,8 +6,7 @@
 
 namespace Lumora {
 
-/// Collects what the readers note, on the thread that has made this object. A thread
-/// has one at a time.
+/// Collects what the readers note on the thread that has made this object. A thread has one at a time.
 class DecoderLines
 {
 public:
@@ -23,7 +22,7 @@ public:
     static bool ForgetLast(std::wstring_view line);
 
 private:
-    /// What the system needs to end the collection.
+    /// What the system needs to end the collection, if it needs anything.
     void* handler = nullptr;
     std::vector<std::wstring> lines;
 };

@@ -32,7 +32,7 @@ public:
 
 private:
     // This member is destroyed last, so that the file is closed before it is renamed or deleted.
-    const UnfinishedFile file;
+    UnfinishedFile file;
     struct Means;
     std::unique_ptr<Means> means;
 };

@@ -34,11 +34,14 @@ UnfinishedFile::UnfinishedFile(const std::wstring& finalPath, std::string_view s
     if (const std::wstring_view folder = ParentFolder(finalPath); !folder.empty())
         MakeFolder(folder);
     RequireFreePlace(target, signature);
+    WithName(L"cannot write " + std::wstring(FileName(target)), [this] { lock.emplace(path); });
 }
 
 UnfinishedFile::~UnfinishedFile()
 {
-    RemoveFile(path);
+    // Without the lock, or with its last name, the file is not ours.
+    if (lock && !isKept)
+        RemoveFile(path);
 }
 
 void UnfinishedFile::RequireFreePlace(const std::wstring& finalPath, std::string_view signature)
@@ -50,7 +53,7 @@ void UnfinishedFile::RequireFreePlace(const std::wstring& finalPath, std::string
         return;
     if (found == PathKind::Folder)
         throw Failure{L"there is a folder of the name " + name + L"; -o names another place"};
-    if (!IsReplaceable(finalPath, signature))
+    if (found == PathKind::Other || !IsReplaceable(finalPath, signature))
         throw Failure{L"there is a file of another kind of the name " + name + L"; -o names another place"};
 }
 
@@ -59,10 +62,11 @@ bool UnfinishedFile::WasLeftBehind(const std::wstring& finalPath) noexcept
     return FoundAt(UnfinishedName(finalPath)).has_value();
 }
 
-void UnfinishedFile::Keep() const
+void UnfinishedFile::Keep()
 {
     if (const auto failure = FailureOf([this] { RenameFile(path, target); }))
         throw Failure{L"cannot give the file its name: " + *failure};
+    isKept = true;
 }
 
 } // namespace Lumora

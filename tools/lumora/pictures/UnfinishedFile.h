@@ -1,5 +1,8 @@
 #pragma once
 
+#include "lumora/files/FileLock.h"
+
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -10,7 +13,8 @@ namespace Lumora {
 class UnfinishedFile
 {
 public:
-    /// Makes the folder of the file. Throws a Failure, also for a place that is not free.
+    /// Makes the folder of the file. Throws a Failure, also for a place that is not free, and while another
+    /// program writes the file.
     UnfinishedFile(const std::wstring& finalPath, std::string_view signature);
     UnfinishedFile(const UnfinishedFile&) = delete;
     UnfinishedFile& operator=(const UnfinishedFile&) = delete;
@@ -24,12 +28,14 @@ public:
     [[nodiscard]] static bool WasLeftBehind(const std::wstring& finalPath) noexcept;
 
     /// Gives the file its final name and replaces a file of that name. Throws a Failure.
-    void Keep() const;
+    void Keep();
 
     const std::wstring path;
 
 private:
     const std::wstring target;
+    std::optional<FileLock> lock;
+    bool isKept = false;
 };
 
 } // namespace Lumora

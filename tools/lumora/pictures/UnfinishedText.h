@@ -25,7 +25,7 @@ public:
 private:
     void WriteOut();
 
-    const UnfinishedFile file;
+    UnfinishedFile file;
     // This is closed before the file is removed.
     ByteFile stream;
     /// What is not written yet.

@@ -16,11 +16,14 @@ namespace {
     throw std::runtime_error(std::string("libpng: ") + message);
 }
 
+/// Warnings are about the colours of others, which do not matter here.
+void Ignore(png_structp, png_const_charp) {}
+
 /// What libpng needs to read one file.
 class PngReader
 {
 public:
-    PngReader() : png(png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, Fail, nullptr))
+    PngReader() : png(png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, Fail, Ignore))
     {
         if (png)
             info = png_create_info_struct(png);
@@ -48,7 +51,7 @@ private:
 /// What libpng needs to write one file.
 struct PngEncoder::Means
 {
-    Means() : png(png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, Fail, nullptr))
+    Means() : png(png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, Fail, Ignore))
     {
         if (png)
             info = png_create_info_struct(png);

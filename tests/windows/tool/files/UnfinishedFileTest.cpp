@@ -27,7 +27,7 @@ protected:
     [[nodiscard]] std::optional<std::wstring> WriteAnew(const char* name, bool isKept) const
     {
         return FailureOf([&] {
-            const UnfinishedFile file((folder.Path() / name).wstring(), signature);
+            UnfinishedFile file((folder.Path() / name).wstring(), signature);
             folder.Write(file.path, written);
             if (isKept)
                 file.Keep();

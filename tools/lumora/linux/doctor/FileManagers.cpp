@@ -30,11 +30,15 @@ std::optional<FileManager> GnomeFiles(Diagnosis& diagnosis)
     if (!schema || !IsInstalled("nautilus"))
         return std::nullopt;
     const GObjectPtr<GSettings> settings(g_settings_new(name));
-    const GText when(g_settings_get_string(settings.get(), "show-image-thumbnails"));
-    if (std::string_view(when.get()) == "never")
+    // Versions differ in their keys, and asking for another one would end the program.
+    constexpr const char* when = "show-image-thumbnails";
+    constexpr const char* limit = "thumbnail-limit";
+    if (!g_settings_schema_has_key(schema.get(), when) || !g_settings_schema_has_key(schema.get(), limit))
+        return FileManager{L"GNOME Files", 0};
+    if (std::string_view(GText(g_settings_get_string(settings.get(), when)).get()) == "never")
         diagnosis.Note(L"GNOME Files", L"is set to show no thumbnails",
                        L"GNOME Files shows no thumbnails at all; its preferences change that.");
-    return FileManager{L"GNOME Files", g_settings_get_uint64(settings.get(), "thumbnail-limit") * megabyte};
+    return FileManager{L"GNOME Files", g_settings_get_uint64(settings.get(), limit) * megabyte};
 }
 
 /// What the service is set to that makes thumbnails for Xfce and others. Nothing if it is not here.

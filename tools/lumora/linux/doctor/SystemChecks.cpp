@@ -58,9 +58,10 @@ bool HasFailedBefore(GFile& file, const SourceFile& source)
     std::error_code error;
     const std::filesystem::path failures =
         std::filesystem::path(g_get_user_cache_dir()) / "thumbnails" / "fail";
-    for (const auto& program : std::filesystem::directory_iterator(failures, error))
+    for (std::filesystem::directory_iterator program(failures, error), end; program != end && !error;
+         program.increment(error))
     {
-        const std::filesystem::path noted = program.path() / (std::string(name.get()) + ".png");
+        const std::filesystem::path noted = program->path() / (std::string(name.get()) + ".png");
         if (std::filesystem::exists(noted, error) && IsUpToDate(TextOfName(noted.native()), source.path))
             return true;
     }

@@ -7,15 +7,11 @@
 #include <utility>
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <unistd.h>
 
 namespace Lumora {
 
 namespace {
-
-/// What the user's mask leaves of this.
-constexpr mode_t usualMode = 0666;
 
 Descriptor Checked(int descriptor)
 {
@@ -33,17 +29,6 @@ ByteFile OwningFile(Descriptor descriptor)
     return ByteFile(std::move(owned));
 }
 
-Descriptor CreateFileAt(const std::wstring& path)
-{
-    Descriptor file = Checked(open(BytesOfName(path).c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, usualMode));
-    // Two programs of this kind would otherwise write into one file.
-    if (flock(file.Value(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
-        ThrowLastError();
-    if (ftruncate(file.Value(), 0) != 0)
-        ThrowLastError();
-    return file;
-}
-
 ByteFile::ByteFile() noexcept = default;
 ByteFile::ByteFile(std::unique_ptr<Handle> opened) noexcept : handle(std::move(opened)) {}
 ByteFile::ByteFile(ByteFile&& other) noexcept = default;
@@ -57,7 +42,9 @@ ByteFile ByteFile::Open(const std::wstring& path)
 
 ByteFile ByteFile::Create(const std::wstring& path)
 {
-    return OwningFile(CreateFileAt(path));
+    constexpr mode_t usualMode = 0666; // what the user's mask leaves of this
+    constexpr int flags = O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC;
+    return OwningFile(Checked(open(BytesOfName(path).c_str(), flags, usualMode)));
 }
 
 ByteFile ByteFile::MakeTemporary(const std::wstring& neighbour)

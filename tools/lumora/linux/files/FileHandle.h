@@ -16,9 +16,6 @@ struct ByteFile::Handle
 /// Takes over the descriptor.
 [[nodiscard]] ByteFile OwningFile(Descriptor descriptor);
 
-/// Begins a new file, or one anew, that nobody else writes. Throws a Failure with the reason.
-[[nodiscard]] Descriptor CreateFileAt(const std::wstring& path);
-
 /// A name as the system has it.
 [[nodiscard]] std::string BytesOfName(std::wstring_view name);
 

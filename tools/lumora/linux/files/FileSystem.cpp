@@ -13,8 +13,6 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <fnmatch.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -37,20 +35,41 @@ catch (const std::bad_alloc&)
 
 PathKind KindOf(const struct stat& facts) noexcept
 {
-    return S_ISDIR(facts.st_mode) ? PathKind::Folder : PathKind::File;
+    if (S_ISDIR(facts.st_mode))
+        return PathKind::Folder;
+    return S_ISREG(facts.st_mode) ? PathKind::File : PathKind::Other;
 }
 
-/// The pattern for fnmatch, to which brackets and backslashes mean something, too.
-std::string Escaped(const std::string& pattern)
+/// Whether the whole name is as the pattern says: * stands for any characters, ? for one.
+bool Matches(std::wstring_view pattern, std::wstring_view name) noexcept
 {
-    std::string escaped;
-    for (const char character : pattern)
+    // Where to go on if the last * must stand for one more character.
+    size_t star = std::wstring_view::npos;
+    size_t taken = 0;
+    size_t place = 0;
+    for (size_t position = 0; position < name.size();)
     {
-        if (character == '[' || character == '\\')
-            escaped += '\\';
-        escaped += character;
+        if (place < pattern.size() && pattern[place] == L'*')
+        {
+            star = ++place;
+            taken = position;
+        }
+        else if (place < pattern.size() && (pattern[place] == L'?' || pattern[place] == name[position]))
+        {
+            ++place;
+            ++position;
+        }
+        else if (star != std::wstring_view::npos)
+        {
+            place = star;
+            position = ++taken;
+        }
+        else
+        {
+            return false;
+        }
     }
-    return escaped;
+    return pattern.find_first_not_of(L'*', place) == std::wstring_view::npos;
 }
 
 struct FolderCloser
@@ -69,9 +88,16 @@ PathKind KindOf(const std::wstring& path)
 }
 
 std::optional<PathKind> FoundAt(const std::wstring& path) noexcept
+try
 {
-    const std::optional<struct stat> facts = FactsOf(path);
-    return facts ? std::optional(KindOf(*facts)) : std::nullopt;
+    if (const std::optional<struct stat> facts = FactsOf(path))
+        return KindOf(*facts);
+    struct stat link = {};
+    return lstat(BytesOfName(path).c_str(), &link) == 0 ? std::optional(PathKind::Other) : std::nullopt;
+}
+catch (const std::bad_alloc&)
+{
+    return std::nullopt;
 }
 
 std::vector<FolderEntry> ListFolder(const std::wstring& folder, const std::wstring& pattern)
@@ -80,7 +106,6 @@ std::vector<FolderEntry> ListFolder(const std::wstring& folder, const std::wstri
     const std::unique_ptr<DIR, FolderCloser> opened(opendir(path.empty() ? "." : path.c_str()));
     if (!opened)
         ThrowLastError();
-    const std::string wanted = Escaped(BytesOfName(pattern));
     std::vector<FolderEntry> entries;
     errno = 0;
     while (const dirent* const entry = readdir(opened.get()))
@@ -89,7 +114,7 @@ std::vector<FolderEntry> ListFolder(const std::wstring& folder, const std::wstri
         struct stat link = {};
         struct stat facts = {};
         // Pipes and devices are no files: reading one could wait for ever.
-        if (name != "." && name != ".." && fnmatch(wanted.c_str(), name.c_str(), 0) == 0 &&
+        if (name != "." && name != ".." && Matches(pattern, TextOfName(name)) &&
             fstatat(dirfd(opened.get()), name.c_str(), &link, AT_SYMLINK_NOFOLLOW) == 0 &&
             fstatat(dirfd(opened.get()), name.c_str(), &facts, 0) == 0 &&
             (S_ISREG(facts.st_mode) || S_ISDIR(facts.st_mode)))
@@ -136,10 +161,7 @@ bool IsUpToDate(const std::wstring& path, const std::wstring& source) noexcept
 void RemoveFile(const std::wstring& path) noexcept
 try
 {
-    const std::string name = BytesOfName(path);
-    const Descriptor file(open(name.c_str(), O_RDONLY | O_CLOEXEC));
-    if (file.Value() >= 0 && flock(file.Value(), LOCK_EX | LOCK_NB) == 0)
-        unlink(name.c_str());
+    unlink(BytesOfName(path).c_str());
 }
 catch (const std::bad_alloc&)
 {

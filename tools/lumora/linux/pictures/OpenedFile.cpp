@@ -30,7 +30,8 @@ catch (const std::system_error& error)
     throw Failure{std::wstring(what) + L": " + DescribeError(error.code().value())};
 }
 
-/// Whether the first bytes are those of a format. Only then is the decoder asked, as on Windows.
+/// Whether the first bytes are those of a format. Otherwise no decoder is asked, as Windows does it, so that
+/// the failure is told in the same words.
 bool IsKnown(FileStream& stream)
 {
     static const std::vector<HeaderPattern> patterns = HeaderPatterns();

@@ -18,14 +18,17 @@ namespace {
 
 constexpr const wchar_t* cannotWrite = L"cannot write the picture";
 
-/// Does the work of a library, which says in an exception what goes wrong.
-void Try(const wchar_t* what, const std::function<void()>& work)
+/// Does the work of a library, which says in an exception what goes wrong, but not why the file failed.
+void Try(const wchar_t* what, std::FILE* file, const std::function<void()>& work)
 try
 {
     work();
 }
 catch (const std::runtime_error& error)
 {
+    const int reason = errno;
+    if (std::ferror(file))
+        throw Failure{std::wstring(what) + L": " + DescribeError(reason)};
     const std::string_view text = error.what();
     throw Failure{std::wstring(what) + L": " + std::wstring(text.begin(), text.end())};
 }
@@ -43,8 +46,8 @@ PictureWriter::PictureWriter(Imaging&, const std::wstring& path, PictureFormat f
                              uint32_t channels)
     : file(path, format.Signature()), means(std::make_unique<Means>())
 {
-    WithName(cannotWrite, [this] { means->file = StandardFileOf(CreateFileAt(file.path), "wb"); });
-    Try(cannotWrite, [&] {
+    WithName(cannotWrite, [this] { means->file = OpenStandardFile(file.path, "wbe"); });
+    Try(cannotWrite, means->file.get(), [&] {
         if (format.isJpeg)
             means->jpeg.emplace(means->file.get(), size, channels, format.quality);
         else
@@ -56,7 +59,7 @@ PictureWriter::~PictureWriter() = default;
 
 void PictureWriter::WriteRows(uint32_t rows, uint32_t stride, std::span<uint8_t> pixels)
 {
-    Try(cannotWrite, [&] {
+    Try(cannotWrite, means->file.get(), [&] {
         for (size_t row = 0; row < rows; ++row)
         {
             const uint8_t* const bytes = pixels.data() + row * stride;
@@ -67,7 +70,8 @@ void PictureWriter::WriteRows(uint32_t rows, uint32_t stride, std::span<uint8_t>
 
 void PictureWriter::Finish()
 {
-    Try(L"cannot finish the picture", [this] { means->png ? means->png->Finish() : means->jpeg->Finish(); });
+    Try(L"cannot finish the picture", means->file.get(),
+        [this] { means->png ? means->png->Finish() : means->jpeg->Finish(); });
     if (std::fclose(means->file.release()) != 0)
         throw Failure{L"cannot finish the picture: " + DescribeError(errno)};
     means.reset();
@@ -78,9 +82,9 @@ Box SizeOfPicture(Imaging&, const std::wstring& path)
 {
     constexpr const wchar_t* what = L"cannot open the picture that is there";
     StandardFile file;
-    WithName(what, [&] { file = OpenStandardFile(path); });
+    WithName(what, [&] { file = OpenStandardFile(path, "rbe"); });
     Box size;
-    Try(what, [&] {
+    Try(what, file.get(), [&] {
         const int first = std::getc(file.get());
         std::ungetc(first, file.get());
         size = first == 0xFF ? JpegSizeOf(file.get()) : PngSizeOf(file.get());

@@ -16,20 +16,10 @@ struct StandardFileCloser
 /// A file as libraries of C want it.
 using StandardFile = std::unique_ptr<std::FILE, StandardFileCloser>;
 
-/// Takes over the descriptor. Throws a Failure.
-[[nodiscard]] inline StandardFile StandardFileOf(Descriptor descriptor, const char* mode)
+/// Opens a file as fopen does. Throws a Failure with the reason.
+[[nodiscard]] inline StandardFile OpenStandardFile(const std::wstring& path, const char* mode)
 {
-    StandardFile file(fdopen(descriptor.Value(), mode));
-    if (!file)
-        ThrowLastError();
-    static_cast<void>(descriptor.Release());
-    return file;
-}
-
-/// Opens a file to read it. Throws a Failure with the reason.
-[[nodiscard]] inline StandardFile OpenStandardFile(const std::wstring& path)
-{
-    StandardFile file(std::fopen(BytesOfName(path).c_str(), "rbe"));
+    StandardFile file(std::fopen(BytesOfName(path).c_str(), mode));
     if (!file)
         ThrowLastError();
     return file;

@@ -90,7 +90,10 @@ std::unique_ptr<Picture> OpenedFile::Frame(uint32_t index) const
     Require(frame->GetSize(&size.width, &size.height), L"cannot ask for the frame's size");
     WICPixelFormatGUID format = {};
     Require(frame->GetPixelFormat(&format), L"cannot ask for the frame's pixel format");
-    const uint32_t channels = format == GUID_WICPixelFormat24bppRGB ? 3 : 1;
+    const bool isColour = format == GUID_WICPixelFormat24bppRGB;
+    if (!isColour && format != GUID_WICPixelFormat8bppGray)
+        throw Failure{L"the decoder gives pixels of another format"};
+    const uint32_t channels = isColour ? 3 : 1;
     return std::make_unique<WicPicture>(std::move(frame), size, channels);
 }
 
