@@ -8,6 +8,18 @@ test_desktop() {
   tests/desktop/check build/desktop-native . --no-sandbox
 }
 
+# A thumbnail takes a process, so there are not thumbnails of all seeds here; ./dev gauntlet fuzz/corpus makes them.
+test_gauntlet() {
+  local status=0 checked
+  # It waits most of the time.
+  tests/tool/check-gauntlet build/native/bin &
+  checked=$!
+  tests/tool/gauntlet build/native/bin samples fuzz/regressions $(real_files) || status=1
+  tests/tool/gauntlet --thumbnails 100 build/native/bin $(seeds_for_readers) || status=1
+  wait $checked || status=1
+  return $status
+}
+
 test_natively() {
   local status=0
   compile native
@@ -19,6 +31,7 @@ test_natively() {
   show_tests tool-linux "Running the tool on Linux" tests/tool/check-linux build/native/bin/lumora || status=1
   show_tests facility "Sharing files among processes as a facility does" tests/facility/check build/native/bin/lumora \
     build/facility --files 640 || status=1
+  show_tests gauntlet-linux "Taking the samples, seeds and real files through the programs for Linux" test_gauntlet || status=1
   show_tests desktop "Looking at the samples on a Linux desktop" test_desktop || status=1
   compile fuzz fuzz_lumora fuzz_boundary
   show_tests fuzz "Fuzzing each target for a moment" fuzz/run.py build/fuzz/bin --test || status=1
@@ -60,12 +73,14 @@ test_windows() {
   return $status
 }
 
-# The seeds for readers are whole files; the others are parts of one.
+# Prints the folders of the fuzzer's seeds that are whole files; the other seeds are parts of one.
+seeds_for_readers() {
+  printf 'fuzz/corpus/%s\n' bin dm emi hdf lattice mrc npy raw ser
+}
+
 test_same_pictures() {
-  local format seeds=()
-  for format in bin dm emi hdf lattice mrc npy raw ser; do seeds+=("fuzz/corpus/$format"); done
   show_tests same-pictures "Comparing the pictures of both systems" tests/tool/check-pictures build/native/bin/lumora \
-    "cmake/wine-run $root/build/windows/bin/lumora.exe" samples fuzz/regressions "${seeds[@]}" $(real_files)
+    "cmake/wine-run $root/build/windows/bin/lumora.exe" samples fuzz/regressions $(seeds_for_readers) $(real_files)
 }
 
 # Prints the folder of the files that instruments have written, or nothing if there is none.
