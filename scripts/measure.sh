@@ -39,16 +39,22 @@ fuzz() {
   fuzz/run.py build/fuzz/bin "$@"
 }
 
+# Windows under Wine first, then Linux. What is shown of both is one report.
 gauntlet() {
-  local words=()
+  local words=() native=() status=0 path
   while [ $# -gt 0 ]; do
     case $1 in
       --seconds | --memory)
         words+=("$1" "${2:-}")
+        native+=("$1" "${2:-}")
         shift
         ;;
       -*) words+=("$1") ;;
-      *) words+=("$(windows_path "$(cd "$started_in" && realpath -m -- "$1")")") ;;
+      *)
+        path=$(cd "$started_in" && realpath -m -- "$1")
+        words+=("$(windows_path "$path")")
+        native+=("$path")
+        ;;
     esac
     shift || true
   done
@@ -58,7 +64,12 @@ gauntlet() {
   compile windows-tests gauntlet
   prefix
   step register "Registering Lumora in the Wine prefix" lumora register
-  cmake/wine-run build/windows/bin/gauntlet.exe "${words[@]}"
+  cmake/wine-run build/windows/bin/gauntlet.exe "${words[@]}" || status=$?
+  [ $status -lt 2 ] && [[ " ${words[*]} " != *' --help '* ]] || return $status
+  build native lumora lumora-thumbnailer
+  echo "Linux:"
+  tests/tool/gauntlet build/native/bin "${native[@]}" || status=$?
+  return $status
 }
 
 # merge_profiles FOLDER FILE: adds up what programs have counted.
