@@ -11,8 +11,8 @@ namespace {
 std::vector<Target> AllTargets()
 {
     std::vector<Target> all;
-    for (const auto& targets :
-         {FileTargets, BuiltFileTargets, FrameTargets, CopyTargets, PropertyTargets, IdentificationTargets, TextTargets})
+    for (const auto& targets : {FileTargets, BuiltFileTargets, FrameTargets, CopyTargets, PropertyTargets,
+                                IdentificationTargets, TextTargets})
     {
         for (Target& target : targets())
             all.push_back(std::move(target));

@@ -1,9 +1,7 @@
 #include "lumora/console/Interruption.h"
 
-#include <array>
 #include <atomic>
 #include <csignal>
-#include <iterator>
 
 namespace Lumora {
 
@@ -12,10 +10,14 @@ namespace {
 std::atomic<bool> isWanted = false;
 static_assert(std::atomic<bool>::is_always_lock_free, "a signal may come at any time");
 
-constexpr int signals[] = {SIGINT, SIGTERM, SIGHUP};
+struct Signal
+{
+    int number;
+    /// What was done about it before.
+    struct sigaction earlier;
+};
 
-/// What was done about them before.
-std::array<struct sigaction, std::size(signals)> earlier;
+Signal signals[] = {{SIGINT, {}}, {SIGTERM, {}}, {SIGHUP, {}}};
 
 void AskToStop(int number)
 {
@@ -32,19 +34,19 @@ Interruption::Interruption()
     struct sigaction action = {};
     action.sa_handler = AskToStop;
     action.sa_flags = SA_RESTART;
-    for (size_t index = 0; index < earlier.size(); ++index)
+    for (Signal& signal : signals)
     {
-        sigaction(signals[index], nullptr, &earlier[index]);
+        sigaction(signal.number, nullptr, &signal.earlier);
         // Somebody wants the program to go on: nohup, or a shell that has started it in the background.
-        if (earlier[index].sa_handler != SIG_IGN)
-            sigaction(signals[index], &action, nullptr);
+        if (signal.earlier.sa_handler != SIG_IGN)
+            sigaction(signal.number, &action, nullptr);
     }
 }
 
 Interruption::~Interruption()
 {
-    for (size_t index = 0; index < earlier.size(); ++index)
-        sigaction(signals[index], &earlier[index], nullptr);
+    for (const Signal& signal : signals)
+        sigaction(signal.number, &signal.earlier, nullptr);
 }
 
 bool Interruption::IsWanted() noexcept
