@@ -11,6 +11,15 @@ sources() {
   git ls-files --cached --others --exclude-standard '*.h' '*.cpp'
 }
 
+# The sources that are not yet in the history, and those of the last commit; all if nobody knows.
+latest_sources() {
+  git diff --name-only --diff-filter=d HEAD~1 -- '*.h' '*.cpp' 2>/dev/null || sources
+  git ls-files --others --exclude-standard '*.h' '*.cpp'
+}
+
+# What lists the sources that clang-tidy looks at.
+tidied=sources
+
 # Options with which clang reads what GCC compiles: the headers of the cross compiler, and a warning that has another
 # name in GCC.
 clang_for_gcc() {
@@ -20,9 +29,6 @@ clang_for_gcc() {
     -Wno-unknown-warning-option -Wshadow
 }
 
-# The checks that run in addition to those of .clang-tidy, or with a minus not at all.
-tidy_checks=
-
 # tidy PRESET FILE...: runs clang-tidy with the options of a build. For a header, it checks the source file of the same
 # name.
 tidy() {
@@ -30,7 +36,7 @@ tidy() {
   shift
   [ "$preset" != windows ] || mapfile -t arguments < <(clang_for_gcc)
   step "tidy-$preset" "Running clang-tidy ($preset)" cmake/tidy --cache "$cache/tidy" --jobs "$jobs" \
-    --checks="$tidy_checks" "${arguments[@]}" \
+    "${arguments[@]}" \
     "build/$preset" $(printf '%s\n' "${@/%.h/.cpp}" | sort -u)
 }
 
@@ -46,7 +52,7 @@ tidy_sandboxed() {
 
 # lint_portable PATTERN: lints what is not for Windows alone. clang-tidy checks the files that match the pattern.
 lint_portable() {
-  tidy native $(sources | grep -E "$1" | grep -vE "$for_windows|$tests_for_windows|$in_sandbox")
+  tidy native $($tidied | grep -E "$1" | grep -vE "$for_windows|$tests_for_windows|$in_sandbox")
   tidy_sandboxed $(sources | grep -E "$in_sandbox")
   # If code in the sandbox gets no memory, the sandbox handles that.
   step lint-cppcheck "Running cppcheck" cppcheck --quiet --std=c++20 --language=c++ --enable=warning,performance,portability \

@@ -15,6 +15,7 @@ public:
     explicit FileLock(const std::wstring& path);
     FileLock(const FileLock&) = delete;
     FileLock& operator=(const FileLock&) = delete;
+    // NOLINTNEXTLINE(performance-trivially-destructible): only on Windows is there nothing to do.
     ~FileLock();
 
 private:
