@@ -88,6 +88,8 @@ seeds_for_readers() {
 }
 
 test_same_pictures() {
+  # The tests of the registration have removed it.
+  step register "Registering Lumora in the Wine prefix" lumora register
   show_tests same-pictures "Comparing the pictures of both systems" tests/tool/check-pictures build/native/bin/lumora \
     "cmake/wine-run $root/build/windows/bin/lumora.exe" samples fuzz/regressions $(seeds_for_readers) $(real_files)
 }
