@@ -35,9 +35,8 @@ void UnfinishedText::Keep()
 
 void UnfinishedText::WriteOut()
 {
-    WithName(cannotWrite, [this] {
-        stream.Write({reinterpret_cast<const uint8_t*>(pending.data()), pending.size()});
-    });
+    const auto* const bytes = reinterpret_cast<const uint8_t*>(pending.data());
+    WithName(cannotWrite, [this, bytes] { stream.Write({bytes, pending.size()}); });
     pending.clear();
 }
 
