@@ -18,10 +18,17 @@ public:
     /// The lines since the last call, in order.
     [[nodiscard]] std::vector<std::wstring> Take();
 
+    /// Adds a line that was noted on this thread. Without an object, nobody wants it.
+    static void Add(std::wstring line);
+
     /// Forgets the last line of this thread, if it is this one. Returns whether it was.
     static bool ForgetLast(std::wstring_view line);
 
 private:
+    /// Begins to pass the lines of this thread to Add, and ends that.
+    void Listen();
+    void StopListening() noexcept;
+
     /// What the system needs to end the collection, if it needs anything.
     void* handler = nullptr;
     std::vector<std::wstring> lines;

@@ -2,40 +2,16 @@
 
 #include "platform/Platform.h"
 
-#include <utility>
-
 namespace Lumora {
 
-namespace {
-
-/// What the object of this thread has collected.
-thread_local std::vector<std::wstring>* collected = nullptr;
-
-} // namespace
-
-DecoderLines::DecoderLines()
+void DecoderLines::Listen()
 {
-    collected = &lines;
-    SetDebugStringSink([](const wchar_t* line) { collected->emplace_back(line); });
+    SetDebugStringSink([](const wchar_t* line) { Add(line); });
 }
 
-DecoderLines::~DecoderLines()
+void DecoderLines::StopListening() noexcept
 {
     SetDebugStringSink(nullptr);
-    collected = nullptr;
-}
-
-std::vector<std::wstring> DecoderLines::Take()
-{
-    return std::exchange(lines, {});
-}
-
-bool DecoderLines::ForgetLast(std::wstring_view line)
-{
-    if (!collected || collected->empty() || collected->back() != line)
-        return false;
-    collected->pop_back();
-    return true;
 }
 
 } // namespace Lumora

@@ -3,14 +3,10 @@
 #include <windows.h>
 
 #include <string_view>
-#include <utility>
 
 namespace Lumora {
 
 namespace {
-
-/// What the object of this thread has collected; null for a thread that has none.
-thread_local std::vector<std::wstring>* collected = nullptr;
 
 std::wstring FromAnsi(std::string_view text)
 {
@@ -34,35 +30,20 @@ LONG CALLBACK CollectLine(EXCEPTION_POINTERS* pointers)
     const std::string_view line = text;
     if (!line.starts_with("[Lumora] "))
         return EXCEPTION_CONTINUE_SEARCH;
-    if (collected)
-        collected->push_back(FromAnsi(line));
+    DecoderLines::Add(FromAnsi(line));
     return EXCEPTION_CONTINUE_EXECUTION;
 }
 
 } // namespace
 
-DecoderLines::DecoderLines() : handler(AddVectoredExceptionHandler(1, CollectLine))
+void DecoderLines::Listen()
 {
-    collected = &lines;
+    handler = AddVectoredExceptionHandler(1, CollectLine);
 }
 
-DecoderLines::~DecoderLines()
+void DecoderLines::StopListening() noexcept
 {
-    collected = nullptr;
     RemoveVectoredExceptionHandler(handler);
-}
-
-std::vector<std::wstring> DecoderLines::Take()
-{
-    return std::exchange(lines, {});
-}
-
-bool DecoderLines::ForgetLast(std::wstring_view line)
-{
-    if (!collected || collected->empty() || collected->back() != line)
-        return false;
-    collected->pop_back();
-    return true;
 }
 
 } // namespace Lumora
