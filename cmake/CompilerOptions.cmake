@@ -52,3 +52,12 @@ endif()
 if(LUMORA_COVERAGE)
   add_link_options(-fprofile-instr-generate)
 endif()
+
+# lumora_precompile_headers(TARGET): in builds that are for testing alone, the headers that most files include are
+# compiled once. Releases do without, so a header that a file has forgotten to include is found there.
+function(lumora_precompile_headers target)
+  if(LUMORA_SANITIZE)
+    target_precompile_headers(${target} PRIVATE
+      <algorithm> <array> <cstdint> <memory> <optional> <span> <string> <string_view> <vector>)
+  endif()
+endfunction()
