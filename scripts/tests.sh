@@ -38,7 +38,7 @@ test_linux() {
 test_natively() {
   local status=0 linux
   # What runs under Wine takes longer, by waiting. When it does not wait, it goes first.
-  renice -n 10 -p $BASHPID >/dev/null
+  renice -n 5 -p $BASHPID >/dev/null
   compile native
   test_linux &
   linux=$!

@@ -25,6 +25,13 @@ class Doctor(WithSamples):
     def file(self, name):
         return self.folder / "samples" / name
 
+    @staticmethod
+    def limit(folder, size):
+        settings = pathlib.Path(folder, "tumbler/tumbler.rc")
+        settings.parent.mkdir(exist_ok=True)
+        settings.write_text(f"[DesktopThumbnailer]\nMaxFileSize={size}\n")
+        return settings
+
     def note_failure(self, file):
         """As GNOME does when a thumbnailer has failed."""
         name = hashlib.md5(file.as_uri().encode()).hexdigest() + ".png"
@@ -62,7 +69,7 @@ class Doctor(WithSamples):
             found = self.doctor(XDG_DATA_DIRS=f"{folder}:/usr/share")
         self.assertEqual(self.states(found["checks"]),
                          {"thumbnailer": "ok", "kinds of files": "problem", "Xfce's thumbnail service": "ok"})
-        self.assertIn("update-mime-database", found["advice"])
+        self.assertIn(f'Run "update-mime-database {folder}/mime".', found["advice"])
 
     def test_another_program_is_asked(self):
         found = self.doctor(self.file("gold.raw"))
@@ -80,13 +87,21 @@ class Doctor(WithSamples):
         self.assertTrue(self.doctor(file)["allIsWell"])
 
     def test_a_file_is_larger_than_the_limit(self):
-        settings = pathlib.Path(os.environ["XDG_CONFIG_HOME"], "tumbler/tumbler.rc")
-        settings.parent.mkdir(exist_ok=True)
-        settings.write_text("[DesktopThumbnailer]\nMaxFileSize=1000\n")
+        settings = self.limit(os.environ["XDG_CONFIG_HOME"], 1000)
         self.addCleanup(settings.unlink)
         found = self.doctor(self.file("fringes.mrc"))
         self.assertEqual(self.states(found["files"][0]["checks"])["size"], "note")
         self.assertTrue(found["allIsWell"])
+
+    def test_the_limit_of_all_users_holds_if_there_is_no_own_one(self):
+        with tempfile.TemporaryDirectory() as folder:
+            self.limit(folder, 1000)
+            found = self.doctor(self.file("fringes.mrc"), XDG_CONFIG_DIRS=f"/nowhere:{folder}")
+            self.assertEqual(self.states(found["files"][0]["checks"])["size"], "note")
+            settings = self.limit(os.environ["XDG_CONFIG_HOME"], 0)
+            self.addCleanup(settings.unlink)
+            found = self.doctor(self.file("fringes.mrc"), XDG_CONFIG_DIRS=f"/nowhere:{folder}")
+            self.assertNotIn("size", self.states(found["files"][0]["checks"]))
 
     def test_a_damaged_file(self):
         self.file("fringes.mrc").write_bytes(self.file("fringes.mrc").read_bytes()[:2000])

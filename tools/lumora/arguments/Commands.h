@@ -19,6 +19,13 @@ struct Option
     bool (*take)(CommandLine& line, std::wstring_view value);
 };
 
+/// What doctor takes on every system.
+inline constexpr Option doctorJson = {
+    L"--json", L"",
+    L"write one object: \"allIsWell\", \"advice\", \"checks\" and \"files\"; each file has its own "
+    L"\"checks\"",
+    [](CommandLine& line, std::wstring_view) { return line.wantsJson = true; }};
+
 /// A command, or the program itself.
 struct CommandDescription
 {

@@ -6,10 +6,7 @@ namespace Lumora {
 namespace {
 
 constexpr Option doctorOptions[] = {
-    {L"--json", L"",
-     L"write one object: \"allIsWell\", \"advice\", \"checks\" and \"files\"; each file has its own "
-     L"\"checks\"",
-     [](CommandLine& line, std::wstring_view) { return line.wantsJson = true; }},
+    doctorJson,
 };
 
 constexpr CommandDescription commands[] = {

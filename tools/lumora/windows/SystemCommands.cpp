@@ -25,10 +25,7 @@ constexpr Option dll = {L"--dll", L"PATH",
                         TakeDll};
 
 constexpr Option doctorOptions[] = {
-    {L"--json", L"",
-     L"write one object: \"allIsWell\", \"advice\", \"checks\" and \"files\"; each file has its own "
-     L"\"checks\"",
-     [](CommandLine& line, Value) { return line.wantsJson = true; }},
+    doctorJson,
     dll,
 };
 

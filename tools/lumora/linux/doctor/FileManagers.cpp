@@ -41,6 +41,19 @@ std::optional<FileManager> GnomeFiles(Diagnosis& diagnosis)
     return FileManager{L"GNOME Files", g_settings_get_uint64(settings.get(), limit) * megabyte};
 }
 
+/// The first file of that name in the folders of settings, the user's own one first. Empty if there is none.
+GKeyFilePtr Settings(const std::string& name)
+{
+    GKeyFilePtr settings(g_key_file_new());
+    const auto load = [&](const std::string& folder) {
+        return g_key_file_load_from_file(settings.get(), (folder + name).c_str(), G_KEY_FILE_NONE, nullptr);
+    };
+    bool isLoaded = load(g_get_user_config_dir());
+    for (const char* const* folder = g_get_system_config_dirs(); *folder && !isLoaded; ++folder)
+        isLoaded = load(*folder);
+    return settings;
+}
+
 /// What the service is set to that makes thumbnails for Xfce and others. Nothing if it is not here.
 std::optional<FileManager> Tumbler(Diagnosis& diagnosis)
 {
@@ -53,10 +66,7 @@ std::optional<FileManager> Tumbler(Diagnosis& diagnosis)
     if (!isThere)
         return std::nullopt;
     FileManager tumbler = {L"Xfce's thumbnail service", 0};
-    const GKeyFilePtr settings(g_key_file_new());
-    const std::string own = std::string(g_get_user_config_dir()) + "/tumbler/tumbler.rc";
-    if (!g_key_file_load_from_file(settings.get(), own.c_str(), G_KEY_FILE_NONE, nullptr))
-        g_key_file_load_from_file(settings.get(), "/etc/xdg/tumbler/tumbler.rc", G_KEY_FILE_NONE, nullptr);
+    const GKeyFilePtr settings = Settings("/tumbler/tumbler.rc");
     if (g_key_file_get_boolean(settings.get(), group, "Disabled", nullptr))
         diagnosis.Note(L"Xfce's thumbnail service", L"is set to use no thumbnailers of others",
                        L"Xfce's thumbnail service asks no other thumbnailers; tumbler.rc changes that.");

@@ -5,11 +5,14 @@
 
 #include <optional>
 
+#include <unistd.h>
+
 namespace Lumora {
 
 namespace {
 
 constexpr const char* group = "Thumbnailer Entry";
+constexpr std::string_view entryName = "thumbnailers/lumora.thumbnailer";
 constexpr const wchar_t* install = L"The package of Lumora brings it.";
 
 /// The folders in which desktops look, the most important one first.
@@ -32,6 +35,14 @@ std::optional<std::string> FindData(const std::string& name)
             return path;
     }
     return std::nullopt;
+}
+
+/// How the database is made that belongs to the folder of data with the entry in this file.
+std::wstring MakeDatabase(std::string_view entryFile)
+{
+    const std::string folder(entryFile.substr(0, entryFile.size() - entryName.size()));
+    return (access(folder.c_str(), W_OK) == 0 ? L"Run \"" : L"As root, run \"") +
+           TextOfName("update-mime-database " + folder + "mime") + L"\".";
 }
 
 /// The types of the entry that the desktop's database does not have.
@@ -65,7 +76,7 @@ void ReadTypes(GKeyFile& file, ThumbnailerEntry& entry)
 ThumbnailerEntry CheckThumbnailer(Diagnosis& diagnosis)
 {
     ThumbnailerEntry entry;
-    const std::optional<std::string> path = FindData("thumbnailers/lumora.thumbnailer");
+    const std::optional<std::string> path = FindData(std::string(entryName));
     if (!path)
     {
         diagnosis.Problem(Cause::NoThumbnailer, L"thumbnailer", L"lumora.thumbnailer is in no folder of data",
@@ -88,8 +99,7 @@ ThumbnailerEntry CheckThumbnailer(Diagnosis& diagnosis)
 
     if (const std::vector<std::wstring> unknown = UnknownTypes(entry); !unknown.empty())
         diagnosis.Problem(Cause::KindsOfFiles, L"kinds of files", FirstOf(unknown) + L" not in the database",
-                          L"The desktop does not know the kinds of files. As root, run "
-                          L"\"update-mime-database /usr/share/mime\".");
+                          L"The desktop does not know the kinds of files. " + MakeDatabase(*path));
     else
         diagnosis.Ok(L"kinds of files",
                      std::to_wstring(entry.types.size()) + L" types are in the desktop's database");
