@@ -43,7 +43,7 @@ if(LUMORA_SANITIZE)
   # The numbers of lines are enough to read a report; full debug information takes as long to make as the code.
   set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O1 -g1")
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
-  add_link_options(-fsanitize=address,undefined)
+  add_link_options(-fsanitize=address,undefined -fuse-ld=lld)
 endif()
 if(LUMORA_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link -DFUZZING_BUILD_MODE_UNSAFE_FOR_PRODUCTION

@@ -36,17 +36,19 @@ test_linux() {
 }
 
 test_natively() {
-  local status=0 linux
+  local status=0 linux lint
   # What runs under Wine takes longer, by waiting. When it does not wait, it goes first.
   renice -n 5 -p $BASHPID >/dev/null
   compile native
   test_linux &
   linux=$!
+  (lint_portable '^(src|fuzz|tools)/') &
+  lint=$!
   show_tests ctest-native "Running the native tests" ctest --preset native -j "$jobs" || status=1
   compile fuzz fuzz_lumora fuzz_boundary
   show_tests fuzz "Fuzzing each target for a moment" fuzz/run.py build/fuzz/bin --test || status=1
-  (lint_portable '^(src|fuzz|tools)/') || status=1
   wait $linux || status=1
+  wait $lint || status=1
   return $status
 }
 
