@@ -21,7 +21,7 @@ packages=(
   shared-mime-info dbus-daemon tumbler python3-gi # a Linux desktop without a screen
 )
 # What only some commands need; the tests do not wait for it.
-for_debian=(debhelper)                           # the package for Debian
+for_debian=(build-essential debhelper)           # the package for Debian
 for_desktops=(lintian man-db bubblewrap gir1.2-gnomedesktop-4.0) # … its test
 for_screenshot=(xvfb thunar)
 for_facility=(slurm-wlm munge)
