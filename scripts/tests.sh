@@ -37,7 +37,7 @@ test_linux() {
 
 test_natively() {
   local status=0 linux lint
-  # What runs under Wine takes longer, by waiting. When it does not wait, it goes first.
+  # The tests under Wine take longest, because they wait much. Whenever they compute, they go first.
   renice -n 5 -p $BASHPID >/dev/null
   compile native
   test_linux &

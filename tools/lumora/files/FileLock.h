@@ -5,9 +5,9 @@
 
 namespace Lumora {
 
-/// Keeps other programs of this kind from writing a file: on Windows, a file that is open for writing is
-/// nobody else's anyway, elsewhere the lock makes the file, if it is not there, and holds it. The lock ends
-/// with the object, or with the program.
+/// Keeps other programs of this kind from writing a file, until the object or the program ends. On Windows
+/// nobody else can write a file that is open for writing, so there is nothing to do. Elsewhere the lock holds
+/// the file, and creates it if it is not there.
 class FileLock
 {
 public:
